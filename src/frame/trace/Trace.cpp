@@ -1,0 +1,58 @@
+#include "frame/trace/Trace.h"
+
+#include <memory>
+
+#include "frame/ErrorHandler.h"
+#include "platform/DebugOutput.h"
+
+namespace kestrivon {
+namespace {
+
+struct TraceState {
+  std::shared_ptr<host::TraceService> traceService;
+  std::shared_ptr<host::InstanceMonitor> instanceMonitor;
+  bool debugSwitch = false;
+  int32_t instanceCount = 0;
+  int32_t tiffInstanceCount = 0;
+};
+
+TraceState& State() {
+  static TraceState state;
+  return state;
+}
+
+}  // namespace
+
+host::TraceService& TraceServiceObject() {
+  auto& state = State();
+  if (!state.traceService) state.traceService = host::CreateTraceService();
+  return *state.traceService;
+}
+
+void WriteTrace(const std::string& line) { TraceServiceObject().WriteTrace(line); }
+
+void DebugTrace(const std::string& line) { platform::OutputDebugText(line); }
+
+void PPMInit() {
+  auto& state = State();
+  if (state.instanceMonitor) return;
+  WithErrorHandler(kGlobalsLabel, "PPMInit", [&state] {
+    state.instanceMonitor = host::CreateInstanceMonitor();
+    state.instanceCount = 0;
+    state.debugSwitch = state.instanceMonitor->GetLevel() > 2;
+    state.instanceMonitor->RegisterCounter("Kestrivan.InstanceCount", &state.instanceCount);
+  });
+}
+
+bool PPMLevelDebug() {
+  bool result = false;
+  WithErrorHandler(kGlobalsLabel, "PPMLevelDebug", [&result] { result = State().debugSwitch; });
+  return result;
+}
+
+int32_t& InstanceCount() { return State().instanceCount; }
+int32_t& TiffInstanceCount() { return State().tiffInstanceCount; }
+
+void ResetTraceStateForReload() { State() = TraceState{}; }
+
+}  // namespace kestrivon

@@ -1,0 +1,30 @@
+#include "host/portable/HostActivation.h"
+
+#include "frame/RunTimeError.h"
+
+namespace kestrivon::host {
+namespace {
+
+portable::HostFactories& Factories() {
+  static portable::HostFactories factories;
+  return factories;
+}
+
+template <class T>
+std::shared_ptr<T> Create(const std::function<std::shared_ptr<T>()>& factory) {
+  std::shared_ptr<T> object = factory ? factory() : nullptr;
+  if (!object) Raise(vb_error::kCantCreateObject);
+  return object;
+}
+
+}  // namespace
+
+void portable::InstallHostFactories(HostFactories factories) { Factories() = std::move(factories); }
+
+std::shared_ptr<TraceService> CreateTraceService() { return Create(Factories().traceService); }
+
+std::shared_ptr<InstanceMonitor> CreateInstanceMonitor() {
+  return Create(Factories().instanceMonitor);
+}
+
+}  // namespace kestrivon::host

@@ -1,0 +1,135 @@
+#include <gtest/gtest.h>
+
+#include "FakeHost.h"
+#include "frame/ErrorHandler.h"
+#include "frame/RunTimeError.h"
+#include "frame/trace/Trace.h"
+#include "printers/pdf/NoFile.h"
+
+namespace kestrivon::test {
+namespace {
+
+TEST(DebugSwitch, FollowsTheLevelAboveTwo) {
+  for (const auto& [level, expected] : {std::pair{2, false}, {3, true}, {-5, false}, {99, true}}) {
+    FakeHost host;
+    host.level = level;
+    PPMInit();
+    EXPECT_EQ(PPMLevelDebug(), expected) << "level " << level;
+  }
+}
+
+TEST(DebugSwitch, IsOffBeforeAnyPPMInit) {
+  FakeHost host;
+  host.level = 3;
+  EXPECT_FALSE(PPMLevelDebug());
+  EXPECT_EQ(host.monitorsCreated, 0);
+}
+
+TEST(PPMInit, AsksForTheLevelOncePerProcess) {
+  FakeHost host;
+  host.level = 3;
+  { NoFile a; }
+  host.level = 2;  // a later change of level is not seen
+  { NoFile b; }
+  EXPECT_EQ(host.getLevelCalls, 1);
+  EXPECT_EQ(host.monitorsCreated, 1);
+  EXPECT_TRUE(PPMLevelDebug());
+}
+
+TEST(PPMInit, HandsTheLiveCounterToTheMonitor) {
+  FakeHost host;
+  NoFile a;
+  EXPECT_EQ(host.Counter("Kestrivan.InstanceCount"), 1);
+  {
+    NoFile b;
+    EXPECT_EQ(host.Counter("Kestrivan.InstanceCount"), 2);
+  }
+  EXPECT_EQ(host.Counter("Kestrivan.InstanceCount"), 1);
+}
+
+TEST(PPMInit, AFailingLevelIsLoggedAndTheComponentStaysUsable) {
+  FakeHost host;
+  host.level = 3;
+  host.getLevelFails = true;
+  NoFile printer;
+  ASSERT_EQ(host.errors.size(), 1u);
+  EXPECT_EQ(host.errors[0].classLabel, "VemraKestrivon::Globals");
+  EXPECT_EQ(host.errors[0].procedureLabel, "PPMInit");
+  EXPECT_EQ(host.errors[0].error.description, "GetLevel failed");
+  EXPECT_FALSE(PPMLevelDebug());
+  // The counter was never handed over, yet the object counts and works.
+  EXPECT_EQ(InstanceCount(), 1);
+  EXPECT_TRUE(printer.DoPrint(nullptr, nullptr, "", ""));
+  EXPECT_TRUE(host.debugLines.empty());
+}
+
+TEST(PPMInit, AMissingMonitorIsTriedAgainByTheNextObject) {
+  FakeHost host;
+  host.monitorMissing = true;
+  { NoFile a; }
+  ASSERT_EQ(host.errors.size(), 1u);
+  EXPECT_EQ(host.errors[0].procedureLabel, "PPMInit");
+  EXPECT_EQ(host.errors[0].error.number, vb_error::kCantCreateObject);
+  host.monitorMissing = false;
+  host.level = 3;
+  { NoFile b; }
+  EXPECT_EQ(host.monitorsCreated, 1);
+  EXPECT_TRUE(PPMLevelDebug());
+}
+
+TEST(TraceService, IsCreatedOnFirstUseAndKept) {
+  FakeHost host;
+  EXPECT_EQ(host.traceServicesCreated, 0);
+  WriteTrace("one");
+  WriteTrace("two");
+  EXPECT_EQ(host.traceServicesCreated, 1);
+  EXPECT_EQ(host.traceLines, (std::vector<std::string>{"one", "two"}));
+}
+
+TEST(ErrorHandler, ReportsWithTheLabelsAndKeepsWhatTheResultHeld) {
+  FakeHost host;
+  int result = 0;
+  WithErrorHandler("VemraKestrivon::Test", " Function Sample", [&] {
+    result = 7;
+    Raise(vb_error::kFileNotFound);
+    result = 8;  // never reached: no resume
+  });
+  EXPECT_EQ(result, 7);
+  ASSERT_EQ(host.errors.size(), 1u);
+  EXPECT_EQ(host.errors[0].classLabel, "VemraKestrivon::Test");
+  EXPECT_EQ(host.errors[0].procedureLabel, " Function Sample");
+  EXPECT_EQ(host.errors[0].error.number, 53);
+  EXPECT_EQ(host.errors[0].error.description, "File not found");
+  EXPECT_EQ(host.errors[0].error.source, "VemraKestrivon");
+}
+
+TEST(ErrorHandler, MapsForeignFailuresToRunTimeErrors) {
+  FakeHost host;
+  WithErrorHandler("C", "P", [] { throw std::bad_alloc(); });
+  WithErrorHandler("C", "P", [] { throw std::logic_error("broken"); });
+  ASSERT_EQ(host.errors.size(), 2u);
+  EXPECT_EQ(host.errors[0].error.number, vb_error::kOutOfMemory);
+  EXPECT_EQ(host.errors[1].error.number, vb_error::kInternalError);
+  EXPECT_EQ(host.errors[1].error.description, "broken");
+}
+
+TEST(ErrorHandler, AnErrorWhileReportingPassesToTheCaller) {
+  FakeHost host;
+  host.logErrorFails = true;
+  EXPECT_THROW(WithErrorHandler("C", "P", [] { Raise(vb_error::kOverflow); }), RunTimeError);
+  EXPECT_NO_THROW(WithErrorHandlerNoThrow("C", "P", [] { Raise(vb_error::kOverflow); }));
+}
+
+TEST(ErrorHandler, WithoutATraceServiceTheErrorPassesToTheCaller) {
+  FakeHost host;
+  host.traceServiceMissing = true;
+  try {
+    WithErrorHandler("C", "P", [] { WriteTrace("x"); });
+    FAIL() << "expected the error to pass on";
+  } catch (const RunTimeError& e) {
+    EXPECT_EQ(e.Number(), vb_error::kCantCreateObject);
+  }
+}
+
+}  // namespace
+}  // namespace kestrivon::test
