@@ -1,0 +1,185 @@
+// Writes VemraKestrivon.tlb at build time.
+//
+// The coclasses list the host's IRevisionPrinter, which lives in the host's
+// VemraVBInterface library. widl can only copy that definition into this
+// library, and registering a copy would register the host's interface as
+// ours. Built through ICreateTypeLib2, the coclasses refer to the host's
+// library instead, as an import.
+//
+// Usage: kestrivon_write_typelib <output.tlb> <VemraVBInterface.tlb>
+// Both names are relative to the working directory, so that the import keeps
+// a bare file name and no build path ends up in the library.
+
+#include <oaidl.h>
+#include <oleauto.h>
+#include <windows.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "frame/ClassTable.h"
+#include "platform/win/Text.h"
+
+namespace {
+
+using kestrivon::platform::win::ToWide;
+
+constexpr const wchar_t* kSecondInterfaceName = L"_VemraHARPSettings";
+
+// Releases an interface pointer at the end of a scope.
+template <class T>
+class Ref {
+ public:
+  Ref() = default;
+  ~Ref() {
+    if (p_ != nullptr) p_->Release();
+  }
+  Ref(const Ref&) = delete;
+  Ref& operator=(const Ref&) = delete;
+  T** operator&() { return &p_; }  // NOLINT(google-runtime-operator): COM out-parameter
+  T* operator->() const { return p_; }
+  T* get() const { return p_; }
+
+ private:
+  T* p_ = nullptr;
+};
+
+struct Failure {
+  const char* step;
+  HRESULT hr;
+};
+
+void Check(HRESULT hr, const char* step) {
+  if (FAILED(hr)) throw Failure{step, hr};
+}
+
+GUID ToGuid(std::string_view text) {
+  GUID guid{};
+  const std::wstring wide = ToWide(std::string(text));
+  Check(IIDFromString(wide.c_str(), &guid), "parse GUID");
+  return guid;
+}
+
+// Everything created here lives until the library is saved; the process
+// ends right after, so the references are released in one go.
+class Owned {
+ public:
+  Owned() = default;
+  ~Owned() {
+    for (IUnknown* p : held_) p->Release();
+  }
+  Owned(const Owned&) = delete;
+  Owned& operator=(const Owned&) = delete;
+  template <class T>
+  T* Keep(T* p) {
+    held_.push_back(p);
+    return p;
+  }
+
+ private:
+  std::vector<IUnknown*> held_;
+};
+
+// A member-less dual interface derived from IDispatch, hidden like the
+// default interfaces of classes that only exist to implement another one.
+ITypeInfo* NewDefaultInterface(ICreateTypeLib2* lib, const std::wstring& name, const GUID& iid,
+                               ITypeInfo* dispatch, Owned& owned) {
+  ICreateTypeInfo* created = nullptr;
+  Check(lib->CreateTypeInfo(const_cast<LPOLESTR>(name.c_str()), TKIND_INTERFACE, &created),
+        "CreateTypeInfo (interface)");
+  owned.Keep(created);
+  Check(created->SetGuid(iid), "SetGuid (interface)");
+  Check(created->SetTypeFlags(TYPEFLAG_FHIDDEN | TYPEFLAG_FDUAL | TYPEFLAG_FNONEXTENSIBLE |
+                              TYPEFLAG_FOLEAUTOMATION),
+        "SetTypeFlags (interface)");
+  HREFTYPE base = 0;
+  Check(created->AddRefTypeInfo(dispatch, &base), "AddRefTypeInfo (IDispatch)");
+  Check(created->AddImplType(0, base), "AddImplType (IDispatch)");
+  Check(created->LayOut(), "LayOut (interface)");
+  ITypeInfo* info = nullptr;
+  Check(created->QueryInterface(IID_ITypeInfo, reinterpret_cast<void**>(&info)),
+        "QueryInterface ITypeInfo");
+  return owned.Keep(info);
+}
+
+void AddInterface(ICreateTypeInfo* coclass, UINT index, ITypeInfo* iface, int flags) {
+  HREFTYPE ref = 0;
+  Check(coclass->AddRefTypeInfo(iface, &ref), "AddRefTypeInfo (coclass)");
+  Check(coclass->AddImplType(index, ref), "AddImplType (coclass)");
+  Check(coclass->SetImplTypeFlags(index, flags), "SetImplTypeFlags (coclass)");
+}
+
+void Write(const std::wstring& output, const std::wstring& hostLibrary) {
+#ifdef _WIN64
+  constexpr SYSKIND kSysKind = SYS_WIN64;
+#else
+  constexpr SYSKIND kSysKind = SYS_WIN32;
+#endif
+  Ref<ITypeLib> stdole;
+  Check(LoadTypeLib(L"stdole2.tlb", &stdole), "LoadTypeLib stdole2.tlb");
+  Ref<ITypeInfo> dispatch;
+  Check(stdole->GetTypeInfoOfGuid(IID_IDispatch, &dispatch), "IDispatch in stdole2.tlb");
+
+  Ref<ITypeLib> host;
+  Check(LoadTypeLibEx(hostLibrary.c_str(), REGKIND_NONE, &host), "LoadTypeLibEx host library");
+  Ref<ITypeInfo> revisionPrinter;
+  Check(host->GetTypeInfoOfGuid(ToGuid(kestrivon::kRevisionPrinterIid), &revisionPrinter),
+        "IRevisionPrinter in the host library");
+
+  Ref<ICreateTypeLib2> lib;
+  Check(CreateTypeLib2(kSysKind, output.c_str(), &lib), "CreateTypeLib2");
+  Check(lib->SetName(const_cast<LPOLESTR>(L"VemraKestrivon")), "SetName");
+  Check(lib->SetGuid(ToGuid(kestrivon::kTypeLibraryId)), "SetGuid");
+  Check(lib->SetVersion(kestrivon::kTypeLibraryMajor, kestrivon::kTypeLibraryMinor), "SetVersion");
+  Check(lib->SetLcid(0), "SetLcid");
+  const std::wstring doc = ToWide(std::string(kestrivon::kTypeLibraryDescription));
+  Check(lib->SetDocString(const_cast<LPOLESTR>(doc.c_str())), "SetDocString");
+
+  // The interfaces first, in the order of the readable IDL, then the classes.
+  Owned owned;
+  std::vector<ITypeInfo*> defaults;
+  ITypeInfo* second = nullptr;
+  for (const auto& c : kestrivon::PrinterClasses()) {
+    defaults.push_back(NewDefaultInterface(lib.get(), L"_" + ToWide(std::string(c.name)),
+                                           ToGuid(c.defaultIid), dispatch.get(), owned));
+    if (!c.secondIid.empty()) {
+      second = NewDefaultInterface(lib.get(), kSecondInterfaceName, ToGuid(c.secondIid),
+                                   dispatch.get(), owned);
+    }
+  }
+
+  size_t i = 0;
+  for (const auto& c : kestrivon::PrinterClasses()) {
+    const std::wstring name = ToWide(std::string(c.name));
+    Ref<ICreateTypeInfo> coclass;
+    Check(lib->CreateTypeInfo(const_cast<LPOLESTR>(name.c_str()), TKIND_COCLASS, &coclass),
+          "CreateTypeInfo (coclass)");
+    Check(coclass->SetGuid(ToGuid(c.clsid)), "SetGuid (coclass)");
+    UINT index = 0;
+    AddInterface(coclass.get(), index++, defaults[i], IMPLTYPEFLAG_FDEFAULT);
+    if (!c.secondIid.empty()) AddInterface(coclass.get(), index++, second, 0);
+    AddInterface(coclass.get(), index++, revisionPrinter.get(), 0);
+    Check(coclass->SetTypeFlags(TYPEFLAG_FCANCREATE), "SetTypeFlags (coclass)");
+    Check(coclass->LayOut(), "LayOut (coclass)");
+    ++i;
+  }
+  Check(lib->SaveAllChanges(), "SaveAllChanges");
+}
+
+}  // namespace
+
+int wmain(int argc, wchar_t** argv) {
+  if (argc != 3) {
+    std::fprintf(stderr, "usage: kestrivon_write_typelib <output.tlb> <VemraVBInterface.tlb>\n");
+    return 2;
+  }
+  try {
+    Write(argv[1], argv[2]);
+  } catch (const Failure& f) {
+    std::fprintf(stderr, "kestrivon_write_typelib: %s failed (0x%08lX)\n", f.step,
+                 static_cast<unsigned long>(f.hr));
+    return 1;
+  }
+  return 0;
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <oaidl.h>
+
+#include "host/HostObject.h"
+#include "host/win/ComPtr.h"
+
+namespace kestrivon::host::win {
+
+// A host object that the host handed in as an IDispatch: holds a reference
+// for as long as the component keeps the object.
+class ComHostObject : public HostObject {
+ public:
+  explicit ComHostObject(IDispatch* dispatch) : dispatch_(ComPtr<IDispatch>::Share(dispatch)) {}
+  [[nodiscard]] IDispatch* Dispatch() const noexcept { return dispatch_.Get(); }
+
+ private:
+  ComPtr<IDispatch> dispatch_;
+};
+
+// nullptr for a missing object (NULL), as the host passes Nothing.
+HostObjectRef WrapHostObject(IDispatch* dispatch);
+
+}  // namespace kestrivon::host::win

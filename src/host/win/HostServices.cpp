@@ -1,0 +1,161 @@
+// The host's TraceService and InstanceMonitor, reached through COM by the
+// class identities that the host registers.
+#include <windows.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+
+// IPrinter's slot-8 method is called Release, which C++ cannot declare
+// beside IUnknown::Release; this file does not use IPrinter, so its
+// definition is left out.
+#define __IPrinter_INTERFACE_DEFINED__
+#include "VemraHostServices.h"
+#undef __IPrinter_INTERFACE_DEFINED__
+#include "frame/RunTimeError.h"
+#include "host/TraceService.h"
+#include "host/win/ComError.h"
+#include "host/win/ComPtr.h"
+#include "platform/win/Text.h"
+
+namespace kestrivon::host {
+namespace {
+
+using platform::win::FromWide;
+using platform::win::ToWide;
+using win::Check;
+using win::ComPtr;
+
+static_assert(sizeof(long) == sizeof(int32_t), "the host's counters are 32-bit longs");
+
+// An owned BSTR made from UTF-8 text.
+class Bstr {
+ public:
+  explicit Bstr(const std::string& utf8) {
+    const std::wstring wide = ToWide(utf8);
+    b_ = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
+    if (b_ == nullptr) Raise(vb_error::kOutOfMemory);
+  }
+  Bstr() = default;
+  ~Bstr() { SysFreeString(b_); }
+  Bstr(const Bstr&) = delete;
+  Bstr& operator=(const Bstr&) = delete;
+  BSTR Get() const { return b_; }
+  BSTR Detach() { return std::exchange(b_, nullptr); }
+  BSTR* Put() {
+    SysFreeString(b_);
+    b_ = nullptr;
+    return &b_;
+  }
+  std::string Utf8() const { return FromWide(b_, static_cast<int>(SysStringLen(b_))); }
+
+ private:
+  BSTR b_ = nullptr;
+};
+
+template <class Interface, class Class>
+ComPtr<Interface> CreateHostObject() {
+  ComPtr<Interface> object;
+  const HRESULT hr = CoCreateInstance(__uuidof(Class), nullptr, CLSCTX_SERVER, __uuidof(Interface),
+                                      reinterpret_cast<void**>(object.Put()));
+  // As the run time's object creation says it when the class is missing.
+  if (FAILED(hr) || !object) Raise(vb_error::kCantCreateObject);
+  return object;
+}
+
+class ComTraceService final : public TraceService {
+ public:
+  ComTraceService() : service_(CreateHostObject<ITraceService, ::TraceService>()) {}
+
+  void LogError(const ErrorInfo& error, const std::string& classLabel,
+                const std::string& procedureLabel) override {
+    ComPtr<IDispatch> errorObject(win::NewErrorObject(error));
+    if (!errorObject) Raise(vb_error::kOutOfMemory);
+    Bstr classText(classLabel);
+    Bstr procedureText(procedureLabel);
+    // By reference: the callee may replace the arguments (freeing what it
+    // replaces), so whatever they hold afterwards is ours to free.
+    IDispatch* errorArg = errorObject.Detach();
+    BSTR classArg = classText.Detach();
+    BSTR procedureArg = procedureText.Detach();
+    const HRESULT hr = service_->LogError(&errorArg, &classArg, &procedureArg);
+    if (errorArg != nullptr) errorArg->Release();
+    SysFreeString(classArg);
+    SysFreeString(procedureArg);
+    Check(hr);
+  }
+
+  std::string ResolveText(const std::string& text) override {
+    Bstr in(text);
+    Bstr out;
+    Check(service_->ResolveText(in.Get(), out.Put()));
+    return out.Utf8();
+  }
+
+  int32_t CurrentTicks() override {
+    long ticks = 0;
+    Check(service_->CurrentTicks(&ticks));
+    return static_cast<int32_t>(ticks);
+  }
+
+  void WriteTrace(const std::string& line) override {
+    Bstr text(line);
+    Check(service_->WriteTrace(text.Get()));
+  }
+
+  int32_t ShowMessageBox(const std::string& prompt, int32_t buttons,
+                         const std::string& title) override {
+    Bstr promptText(prompt);
+    Bstr titleText(title);
+    VARIANT missing;
+    VariantInit(&missing);
+    V_VT(&missing) = VT_ERROR;
+    V_ERROR(&missing) = DISP_E_PARAMNOTFOUND;
+    long answer = 0;
+    Check(service_->ShowMessageBox(promptText.Get(), buttons, titleText.Get(), missing, missing,
+                                   &answer));
+    return static_cast<int32_t>(answer);
+  }
+
+  bool CopyFile(const std::string& source, const std::string& target, bool overwrite) override {
+    Bstr sourceText(source);
+    Bstr targetText(target);
+    VARIANT_BOOL copied = VARIANT_FALSE;
+    Check(service_->CopyFile(sourceText.Get(), targetText.Get(),
+                             overwrite ? VARIANT_TRUE : VARIANT_FALSE, &copied));
+    return copied != VARIANT_FALSE;
+  }
+
+ private:
+  ComPtr<ITraceService> service_;
+};
+
+class ComInstanceMonitor final : public InstanceMonitor {
+ public:
+  ComInstanceMonitor() : monitor_(CreateHostObject<IInstanceMonitor, ::InstanceMonitor>()) {}
+
+  void RegisterCounter(const std::string& name, int32_t* counter) override {
+    Bstr text(name);
+    // The live variable itself: the monitor reads it while we are loaded.
+    Check(monitor_->RegisterCounter(text.Get(), reinterpret_cast<long*>(counter)));
+  }
+
+  int32_t GetLevel() override {
+    long level = 0;
+    Check(monitor_->GetLevel(&level));
+    return static_cast<int32_t>(level);
+  }
+
+ private:
+  ComPtr<IInstanceMonitor> monitor_;
+};
+
+}  // namespace
+
+std::shared_ptr<TraceService> CreateTraceService() { return std::make_shared<ComTraceService>(); }
+
+std::shared_ptr<InstanceMonitor> CreateInstanceMonitor() {
+  return std::make_shared<ComInstanceMonitor>();
+}
+
+}  // namespace kestrivon::host
