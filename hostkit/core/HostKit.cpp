@@ -1,0 +1,30 @@
+#include "core/HostKit.h"
+
+#include <string>
+
+#include "core/Environment.h"
+
+namespace kestrivon::hostkit {
+
+HostKit HostKit::Create(Settings settings) {
+  HostKit kit;
+  kit.log = std::make_shared<TraceLog>(settings.traceLog);
+  kit.traceService =
+      std::make_shared<SimTraceService>(kit.log, settings.translationsFile, settings.answersFile);
+  kit.instanceMonitor = std::make_shared<SimInstanceMonitor>(kit.log, settings.level);
+
+  std::string started = "host kit started: level " + std::to_string(settings.level);
+  if (settings.answersFile) started += ", answers '" + PathToUtf8(*settings.answersFile) + "'";
+  if (settings.translationsFile) {
+    started += ", translations '" + PathToUtf8(*settings.translationsFile) + "'";
+  }
+  try {
+    kit.log->Append("HOSTKIT", {started});
+    for (const auto& problem : settings.problems) kit.log->Append("HOSTKIT", {problem});
+  } catch (...) {  // NOLINT(bugprone-empty-catch): the first real call reports it
+  }
+  kit.settings = std::move(settings);
+  return kit;
+}
+
+}  // namespace kestrivon::hostkit

@@ -1,0 +1,63 @@
+#include "core/Settings.h"
+
+#include <charconv>
+#include <system_error>
+
+#include "core/Environment.h"
+
+namespace kestrivon::hostkit {
+namespace {
+
+std::string Trim(const std::string& text) {
+  const auto first = text.find_first_not_of(" \t");
+  if (first == std::string::npos) return {};
+  const auto last = text.find_last_not_of(" \t");
+  return text.substr(first, last - first + 1);
+}
+
+std::optional<std::filesystem::path> OptionalPath(const char* variable) {
+  const auto value = GetEnvironment(variable);
+  if (!value || value->empty()) return std::nullopt;
+  return PathFromUtf8(*value);
+}
+
+}  // namespace
+
+std::filesystem::path DefaultTraceLog() {
+  std::error_code ec;
+  std::filesystem::path folder = std::filesystem::temp_directory_path(ec);
+  if (ec) folder = std::filesystem::current_path(ec);
+  return folder / kDefaultLogName;
+}
+
+std::optional<int32_t> ParseLevel(const std::string& text) {
+  std::string trimmed = Trim(text);
+  if (!trimmed.empty() && trimmed.front() == '+') trimmed.erase(0, 1);
+  if (trimmed.empty()) return std::nullopt;
+  int32_t level = 0;
+  const char* end = trimmed.data() + trimmed.size();
+  const auto [ptr, ec] = std::from_chars(trimmed.data(), end, level);
+  if (ec != std::errc() || ptr != end) return std::nullopt;
+  return level;
+}
+
+Settings Settings::FromEnvironment() {
+  Settings settings;
+  const auto log = GetEnvironment(kTraceLogVariable);
+  settings.traceLog = log && !log->empty() ? PathFromUtf8(*log) : DefaultTraceLog();
+
+  if (const auto level = GetEnvironment(kDiagLevelVariable); level && !level->empty()) {
+    if (const auto parsed = ParseLevel(*level)) {
+      settings.level = *parsed;
+    } else {
+      settings.problems.push_back(std::string(kDiagLevelVariable) + " '" + *level +
+                                  "' is not a number; level " + std::to_string(kDefaultLevel) +
+                                  " is used");
+    }
+  }
+  settings.answersFile = OptionalPath(kAnswersVariable);
+  settings.translationsFile = OptionalPath(kTranslationsVariable);
+  return settings;
+}
+
+}  // namespace kestrivon::hostkit

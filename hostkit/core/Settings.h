@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kestrivon::hostkit {
+
+// The environment variables that configure the host kit.
+inline constexpr const char* kTraceLogVariable = "VEMRA_TRACE_LOG";
+inline constexpr const char* kDiagLevelVariable = "VEMRA_DIAG_LEVEL";
+inline constexpr const char* kAnswersVariable = "VEMRA_MSGBOX_ANSWERS";
+inline constexpr const char* kTranslationsVariable = "VEMRA_TRANSLATIONS";
+
+// The host's ordinary level: traces without the debug-only lines.
+inline constexpr int32_t kDefaultLevel = 2;
+inline constexpr const char* kDefaultLogName = "vemra-trace.log";
+
+struct Settings {
+  std::filesystem::path traceLog;
+  int32_t level = kDefaultLevel;
+  std::optional<std::filesystem::path> answersFile;
+  std::optional<std::filesystem::path> translationsFile;
+  // What was wrong with the variables, for the log; the defaults stand in.
+  std::vector<std::string> problems;
+
+  // Read once, when the host kit's objects are first created.
+  static Settings FromEnvironment();
+};
+
+// Where the trace log goes when VEMRA_TRACE_LOG is not set.
+std::filesystem::path DefaultTraceLog();
+
+// A diagnostic level as written in the environment: decimal, optionally
+// signed, blanks around it allowed.
+std::optional<int32_t> ParseLevel(const std::string& text);
+
+}  // namespace kestrivon::hostkit

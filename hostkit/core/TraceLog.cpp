@@ -1,0 +1,187 @@
+#include "core/TraceLog.h"
+
+#include <chrono>
+#include <cstdio>
+#include <ctime>
+#include <fstream>
+#include <system_error>
+
+#include "core/Environment.h"
+#include "frame/RunTimeError.h"
+
+namespace kestrivon::hostkit {
+namespace {
+
+#ifdef _WIN32
+constexpr const char* kLineEnd = "\r\n";
+#else
+constexpr const char* kLineEnd = "\n";
+#endif
+
+bool Escaped(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }
+
+// Whether a backslash in front of c would be read as the start of an escape:
+// before the letters of the escapes, a backslash, or a character that is
+// itself written as an escape.
+bool StartsEscape(char c) {
+  return c == 'r' || c == 'n' || c == 't' || c == 'x' || c == '\\' || Escaped(c);
+}
+
+int HexValue(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+std::string TimeStamp() {
+  using namespace std::chrono;
+  const auto now = system_clock::now();
+  const std::time_t seconds = system_clock::to_time_t(now);
+  const auto millis = duration_cast<milliseconds>(now.time_since_epoch()).count() % 1000;
+  std::tm local{};
+#ifdef _WIN32
+  localtime_s(&local, &seconds);
+#else
+  localtime_r(&seconds, &local);
+#endif
+  char text[64];
+  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d.%03d", local.tm_year + 1900,
+                local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec,
+                static_cast<int>(millis));
+  return text;
+}
+
+bool EnsureFolder(const std::filesystem::path& path, std::string* why) {
+  const auto folder = path.parent_path();
+  if (folder.empty()) return true;
+  std::error_code ec;
+  std::filesystem::create_directories(folder, ec);
+  if (ec && !std::filesystem::is_directory(folder)) {
+    if (why) *why = "cannot create the folder: " + ec.message();
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+TraceLog::TraceLog(std::filesystem::path path) : path_(std::move(path)) {}
+
+void TraceLog::Append(std::string_view kind, const std::vector<std::string>& fields) {
+  std::string entry = TimeStamp();
+  entry += '\t';
+  entry += EscapeField(kind);
+  for (const auto& field : fields) {
+    entry += '\t';
+    entry += EscapeField(field);
+  }
+  entry += kLineEnd;
+
+  std::lock_guard lock(mutex_);
+  std::string why;
+  if (EnsureFolder(path_, &why)) {
+    std::ofstream file(path_, std::ios::binary | std::ios::app);
+    if (file && file.write(entry.data(), static_cast<std::streamsize>(entry.size())) &&
+        file.flush()) {
+      return;
+    }
+    why = "cannot write to the file";
+  }
+  throw RunTimeError(kLogWriteFault, "Trace log '" + PathToUtf8(path_) + "': " + why,
+                     "VemraHostKit");
+}
+
+bool TraceLog::Writable(std::string* why) const {
+  if (!EnsureFolder(path_, why)) return false;
+  std::error_code ec;
+  const bool existed = std::filesystem::exists(path_, ec);
+  {
+    std::ofstream file(path_, std::ios::binary | std::ios::app);
+    if (!file) {
+      if (why) *why = "cannot open the file for writing";
+      return false;
+    }
+  }
+  // Asking leaves no empty log behind.
+  if (!existed) std::filesystem::remove(path_, ec);
+  return true;
+}
+
+std::string EscapeField(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    switch (c) {
+      case '\r':
+        out += "\\r";
+        break;
+      case '\n':
+        out += "\\n";
+        break;
+      case '\t':
+        out += "\\t";
+        break;
+      case '\\':
+        out += (i + 1 < text.size() && StartsEscape(text[i + 1])) ? "\\\\" : "\\";
+        break;
+      default:
+        if (Escaped(c)) {
+          char hex[8];
+          std::snprintf(hex, sizeof hex, "\\x%02X", static_cast<unsigned char>(c));
+          out += hex;
+        } else {
+          out += c;
+        }
+    }
+  }
+  return out;
+}
+
+std::string UnescapeField(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (c != '\\' || i + 1 == text.size()) {
+      out += c;
+      continue;
+    }
+    const char next = text[i + 1];
+    if (next == 'r') {
+      out += '\r';
+    } else if (next == 'n') {
+      out += '\n';
+    } else if (next == 't') {
+      out += '\t';
+    } else if (next == '\\') {
+      out += '\\';
+    } else if (next == 'x' && i + 3 < text.size() && HexValue(text[i + 2]) >= 0 &&
+               HexValue(text[i + 3]) >= 0) {
+      out += static_cast<char>(HexValue(text[i + 2]) * 16 + HexValue(text[i + 3]));
+      i += 2;
+    } else {
+      out += c;  // a lone backslash stands for itself
+      continue;
+    }
+    ++i;
+  }
+  return out;
+}
+
+std::vector<std::string> SplitEntry(std::string_view line) {
+  if (!line.empty() && line.back() == '\n') line.remove_suffix(1);
+  if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+  std::vector<std::string> fields;
+  size_t start = 0;
+  for (;;) {
+    const size_t tab = line.find('\t', start);
+    fields.push_back(UnescapeField(line.substr(start, tab - start)));
+    if (tab == std::string_view::npos) break;
+    start = tab + 1;
+  }
+  return fields;
+}
+
+}  // namespace kestrivon::hostkit

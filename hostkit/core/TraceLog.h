@@ -1,0 +1,50 @@
+#pragma once
+
+#include <filesystem>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestrivon::hostkit {
+
+// The host kit's log file. One entry per line:
+//   <local time "YYYY-MM-DD hh:mm:ss.mmm"> TAB <kind> TAB <field> TAB <field> ...
+// Fields are escaped with EscapeField so that an entry never spans lines and
+// a tab always separates fields. Entries are appended; the file and its
+// folder are created when missing. Each entry is written and closed at once,
+// so that nothing is lost when the host process dies.
+class TraceLog {
+ public:
+  explicit TraceLog(std::filesystem::path path);
+
+  [[nodiscard]] const std::filesystem::path& Path() const noexcept { return path_; }
+
+  // Raises RunTimeError (kLogWriteFault) when the entry cannot be written.
+  void Append(std::string_view kind, const std::vector<std::string>& fields);
+
+  // Whether an entry could be appended now, without writing one.
+  [[nodiscard]] bool Writable(std::string* why = nullptr) const;
+
+ private:
+  std::filesystem::path path_;
+  std::mutex mutex_;
+};
+
+// The host's failure when the log cannot take an entry: the HRESULT of a
+// write fault, which the component sees as the error number.
+inline constexpr int32_t kLogWriteFault = static_cast<int32_t>(0x8007001DU);
+
+// CR, LF and TAB become \r, \n and \t, other control characters \xHH. A
+// backslash is doubled only where it would otherwise start one of these
+// escapes (followed by r, n, t, x, a backslash or a character that is
+// escaped), so Windows paths stay readable: "C:\Revisions" is written as it
+// is, "C:\new" as "C:\\new".
+std::string EscapeField(std::string_view text);
+// The exact inverse of EscapeField.
+std::string UnescapeField(std::string_view text);
+
+// A text split into its fields at the tabs, each one unescaped.
+std::vector<std::string> SplitEntry(std::string_view line);
+
+}  // namespace kestrivon::hostkit

@@ -1,0 +1,123 @@
+#include "revise/ReviseOptions.h"
+
+#include "core/Settings.h"
+
+namespace kestrivon::hostkit::revise {
+namespace {
+
+constexpr int32_t kDebugLevel = 3;
+
+}  // namespace
+
+ParseResult ParseArguments(const std::vector<std::string>& args) {
+  ReviseOptions options;
+  bool haveFolder = false;
+  bool haveName = false;
+  std::vector<std::string> positional;
+
+  for (size_t i = 0; i < args.size(); ++i) {
+    const std::string& arg = args[i];
+    auto value = [&](std::string& into) -> std::optional<UsageError> {
+      if (i + 1 >= args.size()) return UsageError{"option " + arg + " needs a value"};
+      into = args[++i];
+      return std::nullopt;
+    };
+    auto optionalValue = [&](std::optional<std::string>& into) -> std::optional<UsageError> {
+      std::string text;
+      if (auto error = value(text)) return error;
+      into = std::move(text);
+      return std::nullopt;
+    };
+    std::optional<UsageError> error;
+    if (arg == "--help" || arg == "-h" || arg == "/?") {
+      return HelpRequest{};
+    } else if (arg == "--folder") {
+      error = value(options.revisionFolder);
+      haveFolder = true;
+    } else if (arg == "--name") {
+      error = value(options.fileName);
+      haveName = true;
+    } else if (arg == "--append") {
+      error = optionalValue(options.appendFile);
+    } else if (arg == "--append-to") {
+      error = optionalValue(options.appendTo);
+    } else if (arg == "--log") {
+      error = optionalValue(options.log);
+    } else if (arg == "--answers") {
+      error = optionalValue(options.answers);
+    } else if (arg == "--translations") {
+      error = optionalValue(options.translations);
+    } else if (arg == "--debug") {
+      options.level = kDebugLevel;
+    } else if (arg == "--level") {
+      std::string text;
+      error = value(text);
+      if (!error) {
+        options.level = ParseLevel(text);
+        if (!options.level) error = UsageError{"--level needs a number, not '" + text + "'"};
+      }
+    } else if (arg.size() > 1 && arg[0] == '-') {
+      return UsageError{"unknown option " + arg};
+    } else {
+      positional.push_back(arg);
+    }
+    if (error) return *error;
+  }
+
+  if (positional.empty()) return UsageError{"no revision printer class given"};
+  if (positional.size() > 1) return UsageError{"unexpected argument " + positional[1]};
+  options.printerClass = positional[0];
+  if (!haveFolder) return UsageError{"no revision folder given (--folder)"};
+  if (!haveName) return UsageError{"no file name given (--name)"};
+  if (options.appendTo && !options.appendFile) {
+    return UsageError{"--append-to needs --append"};
+  }
+  return options;
+}
+
+std::string UsageText(std::string_view program) {
+  std::string text = "Usage: ";
+  text += program;
+  text += R"( <class> --folder <revision folder> --name <file name> [options]
+
+Runs one revision the way the host does: creates the revision printer <class>
+(a ProgID such as VemraKestrivon.NoFile, or the bare class name NoFile), calls
+InitPrnSettings, CheckPrnSettings, IsPrinterAvailable, SetPrnDefaults and
+DoPrint, optionally AppendFile, and releases it. Every answer is printed.
+
+Options:
+  --folder <path>        revision folder handed to DoPrint (may be empty: "")
+  --name <name>          archive file name without extension
+  --append <file>        afterwards, AppendFile(<file>, <archive>)
+  --append-to <archive>  the archive for --append (default: folder + name +
+                         the class's Extension)
+  --log <file>           trace log of the host kit (VEMRA_TRACE_LOG)
+  --debug                diagnostic level 3: the debug-only lines are written
+  --level <n>            diagnostic level n (VEMRA_DIAG_LEVEL, default 2)
+  --answers <file>       scripted message box answers (VEMRA_MSGBOX_ANSWERS)
+  --translations <file>  message text translations (VEMRA_TRANSLATIONS)
+  --help                 this text
+
+Exit status: 0 when DoPrint (and AppendFile) answered True, 1 when one of
+them answered False or failed, 2 for bad arguments or an unknown class,
+3 when the class could not be created.
+)";
+  return text;
+}
+
+std::vector<std::pair<std::string, std::string>> HostKitEnvironment(const ReviseOptions& options) {
+  std::vector<std::pair<std::string, std::string>> variables;
+  if (options.log) variables.emplace_back(kTraceLogVariable, *options.log);
+  if (options.level) variables.emplace_back(kDiagLevelVariable, std::to_string(*options.level));
+  if (options.answers) variables.emplace_back(kAnswersVariable, *options.answers);
+  if (options.translations) variables.emplace_back(kTranslationsVariable, *options.translations);
+  return variables;
+}
+
+std::string ArchiveName(const ReviseOptions& options, const std::string& extension) {
+  std::string name = options.revisionFolder;
+  if (name.empty() || name.back() != '\\') name += '\\';
+  return name + options.fileName + extension;
+}
+
+}  // namespace kestrivon::hostkit::revise

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace kestrivon::hostkit::revise {
+
+// What one vemra-revise run is asked to do.
+struct ReviseOptions {
+  std::string printerClass;  // ProgID or bare class name
+  std::string revisionFolder;
+  std::string fileName;
+  std::optional<std::string> appendFile;  // AppendFile(appendFile, appendTo)
+  std::optional<std::string> appendTo;    // default: the archive DoPrint made
+  std::optional<std::string> log;
+  std::optional<std::string> answers;
+  std::optional<std::string> translations;
+  std::optional<int32_t> level;  // --debug is level 3
+};
+
+struct HelpRequest {};
+struct UsageError {
+  std::string message;
+};
+
+using ParseResult = std::variant<ReviseOptions, HelpRequest, UsageError>;
+
+// Parses the arguments after the program name.
+ParseResult ParseArguments(const std::vector<std::string>& args);
+
+std::string UsageText(std::string_view program);
+
+// The host kit's environment variables that carry the options into the host
+// objects, which read them when they are first created.
+std::vector<std::pair<std::string, std::string>> HostKitEnvironment(const ReviseOptions& options);
+
+// The archive that DoPrint makes: folder, a backslash unless it ends with
+// one, the file name and the class's extension.
+std::string ArchiveName(const ReviseOptions& options, const std::string& extension);
+
+}  // namespace kestrivon::hostkit::revise

@@ -1,0 +1,141 @@
+#include "revise/ReviseRun.h"
+
+#include <cstdio>
+#include <exception>
+#include <functional>
+#include <optional>
+
+#include "core/Environment.h"
+#include "core/Settings.h"
+#include "core/TraceLog.h"
+
+namespace kestrivon::hostkit::revise {
+namespace {
+
+// A text answer on one line: line breaks and other control characters shown
+// as escapes, backslashes left alone so that paths read as they are.
+std::string Quoted(const std::string& text) {
+  std::string shown = "\"";
+  for (const char c : text) {
+    if (c == '\r') {
+      shown += "\\r";
+    } else if (c == '\n') {
+      shown += "\\n";
+    } else if (c == '\t') {
+      shown += "\\t";
+    } else if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) {
+      char hex[8];
+      std::snprintf(hex, sizeof hex, "\\x%02X", static_cast<unsigned char>(c));
+      shown += hex;
+    } else {
+      shown += c;
+    }
+  }
+  return shown + "\"";
+}
+
+std::string Boolean(bool value) { return value ? "True" : "False"; }
+
+// Calls one operation and prints its answer on one line; nullopt when the
+// call failed.
+template <class T>
+std::optional<T> Ask(std::ostream& out, std::string_view operation, const std::function<T()>& call,
+                     const std::function<std::string(const T&)>& show) {
+  try {
+    T answer = call();
+    out << operation << " -> " << show(answer) << '\n';
+    return answer;
+  } catch (const std::exception& e) {
+    out << operation << " -> failed: " << e.what() << '\n';
+  } catch (...) {
+    out << operation << " -> failed\n";
+  }
+  return std::nullopt;
+}
+
+bool AskBoolean(std::ostream& out, std::string_view operation, const std::function<bool()>& call) {
+  return Ask<bool>(out, operation, call, Boolean).value_or(false);
+}
+
+int RunRevision(std::string_view program, const ReviseOptions& options, ReviseBackend& backend,
+                std::ostream& out, std::ostream& err) {
+  for (const auto& [name, value] : HostKitEnvironment(options)) backend.SetVariable(name, value);
+
+  // The host objects read the same variables when they are created.
+  const TraceLog log(Settings::FromEnvironment().traceLog);
+  std::string why;
+  if (!log.Writable(&why)) {
+    err << "vemra-revise: the trace log " << PathToUtf8(log.Path()) << " cannot be written: " << why
+        << '\n';
+    return kExitUsage;
+  }
+  out << "Trace log: " << PathToUtf8(log.Path()) << '\n';
+
+  ReviseBackend::Created created = backend.Create(options.printerClass);
+  if (!created.session) {
+    err << "vemra-revise: " << created.reason << '\n';
+    if (created.failure == ReviseBackend::CreateFailure::kUnknownClass) {
+      err << '\n' << UsageText(program);
+      return kExitUsage;
+    }
+    return kExitNotCreated;
+  }
+  PrinterSession& printer = *created.session;
+  out << "Created " << created.name << '\n';
+
+  const auto extension = Ask<std::string>(
+      out, "Extension", [&] { return printer.Extension(); }, Quoted);
+  Ask<int32_t>(
+      out, "Version", [&] { return printer.Version(); },
+      [](const int32_t& v) { return std::to_string(v); });
+  AskBoolean(out, "InitPrnSettings", [&] { return printer.InitPrnSettings(); });
+  Ask<std::string>(
+      out, "CheckPrnSettings", [&] { return printer.CheckPrnSettings(); }, Quoted);
+  AskBoolean(out, "IsPrinterAvailable", [&] { return printer.IsPrinterAvailable(); });
+  AskBoolean(out, "SetPrnDefaults", [&] { return printer.SetPrnDefaults(); });
+  // Host documents and their owners are not simulated yet: the printer gets
+  // none, as for a document without a file.
+  const bool printed = AskBoolean(
+      out, "DoPrint", [&] { return printer.DoPrint(options.revisionFolder, options.fileName); });
+  bool appended = true;
+  if (options.appendFile) {
+    const std::string target =
+        options.appendTo ? *options.appendTo : ArchiveName(options, extension.value_or(""));
+    out << "AppendFile " << Quoted(*options.appendFile) << " to " << Quoted(target) << '\n';
+    appended = AskBoolean(out, "AppendFile",
+                          [&] { return printer.AppendFile(*options.appendFile, target); });
+  }
+
+  created.session.reset();
+  out << "Released\n";
+  backend.Released();
+
+  if (!printed) {
+    out << "Revision failed: DoPrint did not answer True\n";
+    return kExitRevisionFailed;
+  }
+  if (!appended) {
+    out << "Revision failed: AppendFile did not answer True\n";
+    return kExitRevisionFailed;
+  }
+  out << "Revision done\n";
+  return kExitSuccess;
+}
+
+}  // namespace
+
+int ReviseMain(std::string_view program, const std::vector<std::string>& args,
+               ReviseBackend& backend, std::ostream& out, std::ostream& err) {
+  const ParseResult parsed = ParseArguments(args);
+  if (std::holds_alternative<HelpRequest>(parsed)) {
+    out << UsageText(program);
+    return kExitSuccess;
+  }
+  if (const auto* error = std::get_if<UsageError>(&parsed)) {
+    err << "vemra-revise: " << error->message << "\n\n" << UsageText(program);
+    return kExitUsage;
+  }
+  return RunRevision(program, std::get<ReviseOptions>(parsed), backend, out, err);
+}
+
+}  // namespace kestrivon::hostkit::revise

@@ -1,0 +1,96 @@
+// vemra-revise without COM: the component's logic is linked in and the host
+// kit's objects stand in for the host's classes.
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/Environment.h"
+#include "core/HostKit.h"
+#include "frame/ClassTable.h"
+#include "host/portable/HostActivation.h"
+#include "platform/portable/DebugOutput.h"
+#include "revise/ReviseRun.h"
+
+namespace {
+
+using namespace kestrivon;
+using namespace kestrivon::hostkit;
+
+class NativeSession final : public revise::PrinterSession {
+ public:
+  explicit NativeSession(std::unique_ptr<RevisionPrinter> printer) : printer_(std::move(printer)) {}
+
+  std::string Extension() override { return printer_->Extension(); }
+  int32_t Version() override { return printer_->Version(); }
+  bool InitPrnSettings() override { return printer_->InitPrnSettings(); }
+  std::string CheckPrnSettings() override { return printer_->CheckPrnSettings(); }
+  bool IsPrinterAvailable() override { return printer_->IsPrinterAvailable(); }
+  bool SetPrnDefaults() override { return printer_->SetPrnDefaults(); }
+  bool DoPrint(const std::string& revisionFolder, const std::string& fileName) override {
+    // The host's document and its owner come here once the host kit has them.
+    const host::HostObjectRef document;
+    const host::HostObjectRef owner;
+    return printer_->DoPrint(document, owner, revisionFolder, fileName);
+  }
+  bool AppendFile(const std::string& fileToAppend, const std::string& fileMain) override {
+    return printer_->AppendFile(fileToAppend, fileMain);
+  }
+
+ private:
+  std::unique_ptr<RevisionPrinter> printer_;
+};
+
+class NativeBackend final : public revise::ReviseBackend {
+ public:
+  void SetVariable(const std::string& name, const std::string& value) override {
+    SetEnvironment(name, value);
+  }
+
+  Created Create(const std::string& printerClass) override {
+    const PrinterClass* found = FindPrinterClass(printerClass);
+    if (found == nullptr) {
+      return {nullptr,
+              CreateFailure::kUnknownClass,
+              {},
+              "unknown revision printer class '" + printerClass + "'"};
+    }
+    if (!kit_) Install();
+    return {std::make_unique<NativeSession>(found->create()),
+            CreateFailure::kNone,
+            std::string(found->progId),
+            {}};
+  }
+
+  // The component keeps its counter registered; its value after the release
+  // shows whether every object was let go.
+  void Released() override {
+    if (kit_) kit_->instanceMonitor->LogCounters();
+  }
+
+ private:
+  void Install() {
+    kit_ = HostKit::FromEnvironment();
+    host::portable::InstallHostFactories({
+        [this] { return std::shared_ptr<host::TraceService>(kit_->traceService); },
+        [this] { return std::shared_ptr<host::InstanceMonitor>(kit_->instanceMonitor); },
+    });
+    // Where a debugger would show the debug-only lines.
+    platform::portable::SetDebugSink([](const std::string& line) {
+      std::fprintf(stderr, "debugstr: %s\n", line.c_str());
+      std::fflush(stderr);
+    });
+  }
+
+  std::optional<HostKit> kit_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::vector<std::string> args(argv + 1, argv + argc);
+  NativeBackend backend;
+  return revise::ReviseMain("vemra-revise", args, backend, std::cout, std::cerr);
+}

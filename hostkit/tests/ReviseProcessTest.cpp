@@ -1,0 +1,188 @@
+// vemra-revise run as the administrator runs it: a separate process, its
+// exit status, what it prints and what lands in the trace log.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <map>
+
+#include "TestSupport.h"
+#include "core/Settings.h"
+
+namespace kestrivon::hostkit::test {
+namespace {
+
+using Fields = std::vector<std::string>;
+
+constexpr const char* kDoPrintLine =
+    "VemraKestrivon::NoFile::IRevisionPrinter_DoPrint(): document has no file -> nothing to do";
+
+std::string ShellQuoted(const std::string& text) {
+  std::string quoted = "'";
+  for (char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return quoted + "'";
+}
+
+struct Outcome {
+  int exitCode = -1;
+  std::string out;
+  std::string err;
+};
+
+class VemraRevise : public ::testing::Test {
+ protected:
+  // Runs with the host kit's variables cleared, except those given.
+  Outcome Revise(const std::vector<std::string>& args,
+                 const std::map<std::string, std::string>& variables = {}) {
+    std::string command = "env";
+    for (const char* name :
+         {kTraceLogVariable, kDiagLevelVariable, kAnswersVariable, kTranslationsVariable}) {
+      command += std::string(" -u ") + name;
+    }
+    for (const auto& [name, value] : variables) command += " " + name + "=" + ShellQuoted(value);
+    command += " " + ShellQuoted(VEMRA_REVISE_EXE);
+    for (const auto& arg : args) command += " " + ShellQuoted(arg);
+    command +=
+        " >" + ShellQuoted((dir / "out").string()) + " 2>" + ShellQuoted((dir / "err").string());
+    const int status = std::system(command.c_str());
+    Outcome run;
+    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    run.out = ReadFile(dir / "out");
+    run.err = ReadFile(dir / "err");
+    return run;
+  }
+
+  std::vector<std::string> Args(const std::string& printerClass,
+                                std::vector<std::string> more = {}) {
+    std::vector<std::string> args{
+        printerClass, "--folder", (dir / "rev").string(), "--name", "A-100", "--log", log.string()};
+    args.insert(args.end(), more.begin(), more.end());
+    return args;
+  }
+
+  std::vector<std::string> Traces() {
+    std::vector<std::string> lines;
+    for (const auto& entry : EntriesOf(log, "TRACE")) lines.push_back(entry.at(0));
+    return lines;
+  }
+
+  TempDir dir;
+  std::filesystem::path log = dir / "trace.log";
+};
+
+bool Contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+TEST_F(VemraRevise, RunsANoFileRevisionInTheHostsOrder) {
+  std::filesystem::create_directories(dir / "rev");
+  const Outcome run = Revise(Args("NoFile"));
+  EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
+  EXPECT_EQ(run.out, "Trace log: " + log.string() +
+                         "\n"
+                         "Created VemraKestrivon.NoFile\n"
+                         "Extension -> \"NoFile\"\n"
+                         "Version -> 1\n"
+                         "InitPrnSettings -> True\n"
+                         "CheckPrnSettings -> \"\"\n"
+                         "IsPrinterAvailable -> True\n"
+                         "SetPrnDefaults -> True\n"
+                         "DoPrint -> True\n"
+                         "Released\n"
+                         "Revision done\n");
+  EXPECT_EQ(Traces(), Fields{kDoPrintLine});
+  EXPECT_TRUE(std::filesystem::is_empty(dir / "rev"));
+  // The component let its object go: the registered counter is back at 0.
+  EXPECT_EQ(EntriesOf(log, "COUNTER").back(), (Fields{"Kestrivan.InstanceCount", "0"}));
+  EXPECT_EQ(EntriesOf(log, "LEVEL"), std::vector<Fields>{{"2"}});
+  EXPECT_FALSE(Contains(run.err, "### ")) << run.err;
+}
+
+TEST_F(VemraRevise, AcceptsTheProgIdInAnyCase) {
+  const Outcome run = Revise(Args("vemrakestrivon.NOFILE"));
+  EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
+  EXPECT_TRUE(Contains(run.out, "Created VemraKestrivon.NoFile\n"));
+}
+
+TEST_F(VemraRevise, DebugLevelShowsTheDebugOnlyLines) {
+  const Outcome run = Revise(Args("NoFile", {"--debug"}));
+  EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
+  EXPECT_TRUE(
+      Contains(run.err, "### VemraKestrivon::NoFile::Class_Initialize(): Instance count: 1\n"))
+      << run.err;
+  EXPECT_TRUE(Contains(run.err,
+                       "### VemraKestrivon::NoFile::Class_Terminate(): Instance count is now: 0\n"))
+      << run.err;
+  EXPECT_EQ(EntriesOf(log, "LEVEL"), std::vector<Fields>{{"3"}});
+  // Debug-only lines go to the debugger, not to the host's trace.
+  EXPECT_EQ(Traces(), Fields{kDoPrintLine});
+}
+
+TEST_F(VemraRevise, TheLevelCanComeFromTheEnvironment) {
+  const Outcome run = Revise(Args("NoFile"), {{kDiagLevelVariable, "4"}});
+  EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
+  EXPECT_TRUE(Contains(run.err, "### VemraKestrivon::NoFile::Class_Initialize()")) << run.err;
+}
+
+TEST_F(VemraRevise, APrinterWhoseDoPrintFailsFailsTheRun) {
+  const Outcome quiet = Revise(Args("AdobePDF"));
+  EXPECT_EQ(quiet.exitCode, 1) << quiet.out << quiet.err;
+  EXPECT_TRUE(Contains(quiet.out, "DoPrint -> False\n")) << quiet.out;
+  EXPECT_TRUE(Contains(quiet.out, "Revision failed: DoPrint did not answer True\n")) << quiet.out;
+  EXPECT_TRUE(Traces().empty());
+
+  const Outcome debug = Revise(Args("AdobePDF", {"--debug"}));
+  EXPECT_EQ(debug.exitCode, 1);
+  // AdobePDF writes its creation line to the host's trace when debugging.
+  EXPECT_EQ(Traces(),
+            Fields{"### VemraKestrivon::AdobePDF::Class_Initialize(): Instance count: 1"});
+}
+
+TEST_F(VemraRevise, VemraTiffTracesItsCreationAtTheOrdinaryLevel) {
+  const Outcome run = Revise(Args("VemraTiff"));
+  EXPECT_EQ(run.exitCode, 1) << run.out << run.err;
+  EXPECT_EQ(Traces(), Fields{"VemraKestrivon::VemraTiff::Class_Initialize()..."});
+}
+
+TEST_F(VemraRevise, AppendsToTheArchiveDoPrintNamed) {
+  const Outcome run = Revise(Args("NoFile", {"--append", "C:\\Scans\\extra.pdf"}));
+  EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
+  EXPECT_TRUE(Contains(run.out, "AppendFile \"C:\\Scans\\extra.pdf\" to \"" +
+                                    (dir / "rev").string() +
+                                    "\\A-100NoFile\"\nAppendFile -> True\n"))
+      << run.out;
+}
+
+TEST_F(VemraRevise, RefusesUnknownClassesAndIncompleteArguments) {
+  const Outcome unknown = Revise(Args("Bogus"));
+  EXPECT_EQ(unknown.exitCode, 2);
+  EXPECT_TRUE(Contains(unknown.err, "unknown revision printer class 'Bogus'")) << unknown.err;
+  EXPECT_TRUE(Contains(unknown.err, "Usage: vemra-revise")) << unknown.err;
+
+  for (const auto& args : {std::vector<std::string>{}, std::vector<std::string>{"NoFile"},
+                           std::vector<std::string>{"NoFile", "--folder", "x", "--name"}}) {
+    const Outcome run = Revise(args);
+    EXPECT_EQ(run.exitCode, 2) << args.size();
+    EXPECT_TRUE(Contains(run.err, "Usage: vemra-revise")) << run.err;
+    EXPECT_FALSE(Contains(run.out, "Created")) << run.out;
+  }
+  EXPECT_FALSE(std::filesystem::exists(log));
+}
+
+TEST_F(VemraRevise, HelpIsNoError) {
+  const Outcome run = Revise({"--help"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_TRUE(Contains(run.out, "Usage: vemra-revise")) << run.out;
+  EXPECT_TRUE(run.err.empty()) << run.err;
+}
+
+TEST_F(VemraRevise, SaysSoWhenTheLogCannotBeWritten) {
+  WriteFile(dir / "file", "x");
+  const Outcome run = Revise(Args("NoFile", {"--log", (dir / "file" / "trace.log").string()}));
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_TRUE(Contains(run.err, "cannot be written")) << run.err;
+  EXPECT_FALSE(Contains(run.out, "Created")) << run.out;
+}
+
+}  // namespace
+}  // namespace kestrivon::hostkit::test

@@ -1,0 +1,88 @@
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "TestSupport.h"
+#include "core/TraceLog.h"
+#include "frame/RunTimeError.h"
+
+namespace kestrivon::hostkit::test {
+namespace {
+
+using Fields = std::vector<std::string>;
+
+TEST(EscapeField, KeepsPathsReadableAndLineBreaksOut) {
+  const std::pair<std::string, std::string> cases[] = {
+      {R"(C:\Revisions\A-100.PDF)", R"(C:\Revisions\A-100.PDF)"},
+      {"line one\r\nline two", R"(line one\r\nline two)"},
+      {"a\tb", R"(a\tb)"},
+      {R"(C:\new\xfer\temp)", R"(C:\\new\\xfer\\temp)"},
+      {R"(\\server\share)", R"(\\\server\share)"},
+      {"ends with \\", "ends with \\"},
+      {std::string("bell\x07", 5), R"(bell\x07)"},
+      {"", ""},
+  };
+  for (const auto& [text, escaped] : cases) {
+    EXPECT_EQ(EscapeField(text), escaped) << text;
+    EXPECT_EQ(UnescapeField(escaped), text) << escaped;
+  }
+}
+
+TEST(EscapeField, EveryTextComesBackUnchanged) {
+  std::mt19937 random(4711);
+  const std::string alphabet = "\\rntx0aF \r\n\t\x01\x7F~:";
+  for (int round = 0; round < 2000; ++round) {
+    std::string text;
+    const int length = static_cast<int>(random() % 12);
+    for (int i = 0; i < length; ++i) text += alphabet[random() % alphabet.size()];
+    const std::string escaped = EscapeField(text);
+    EXPECT_EQ(escaped.find_first_of("\r\n\t"), std::string::npos) << escaped;
+    EXPECT_EQ(UnescapeField(escaped), text) << escaped;
+  }
+}
+
+TEST(TraceLog, WritesOneStampedLinePerEntry) {
+  TempDir dir;
+  const auto path = dir / "logs" / "trace.log";  // the folder does not exist yet
+  {
+    TraceLog log(path);
+    log.Append("TRACE", {"first\r\nsecond"});
+    log.Append("ERROR", {"91", "Object variable not set", "src", "Class", " Function X"});
+  }
+  TraceLog(path).Append("TRACE", {"after reopening"});
+
+  const auto text = ReadFile(path);
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 3);
+  EXPECT_EQ(Entries(path),
+            (std::vector<Fields>{
+                {"TRACE", "first\r\nsecond"},
+                {"ERROR", "91", "Object variable not set", "src", "Class", " Function X"},
+                {"TRACE", "after reopening"},
+            }));
+}
+
+TEST(TraceLog, SplitEntryTakesCrLfLines) {
+  EXPECT_EQ(SplitEntry("2024-01-02 03:04:05.678\tTRACE\tC:\\\\new\r\n"),
+            (Fields{"2024-01-02 03:04:05.678", "TRACE", "C:\\new"}));
+  EXPECT_EQ(SplitEntry("x\t\ty"), (Fields{"x", "", "y"}));
+}
+
+TEST(TraceLog, AnUnwritableLogRaisesAWriteFault) {
+  TempDir dir;
+  WriteFile(dir / "plain-file", "x");
+  TraceLog log(dir / "plain-file" / "trace.log");
+  std::string why;
+  EXPECT_FALSE(log.Writable(&why));
+  EXPECT_FALSE(why.empty());
+  try {
+    log.Append("TRACE", {"lost?"});
+    FAIL() << "no error raised";
+  } catch (const RunTimeError& e) {
+    EXPECT_EQ(e.Number(), kLogWriteFault);
+    EXPECT_NE(e.Description().find("plain-file"), std::string::npos) << e.Description();
+  }
+  EXPECT_TRUE(TraceLog(dir / "ok.log").Writable());
+}
+
+}  // namespace
+}  // namespace kestrivon::hostkit::test
