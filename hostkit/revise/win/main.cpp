@@ -1,0 +1,200 @@
+// vemra-revise.exe: drives a registered revision printer through COM, as
+// the host does. The host kit's DLL, created in this process by the
+// component, reads the variables this program sets before it creates
+// anything.
+#include <windows.h>
+// after windows.h, which it needs
+#include <shellapi.h>
+
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "VemraVBInterface.h"
+#include "core/Environment.h"
+#include "revise/ReviseRun.h"
+
+namespace {
+
+using namespace kestrivon::hostkit;
+
+std::wstring Wide(const std::string& utf8) {
+  if (utf8.empty()) return {};
+  const int n =
+      ::MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), nullptr, 0);
+  std::wstring wide(static_cast<size_t>(n), L'\0');
+  ::MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), wide.data(), n);
+  return wide;
+}
+
+std::string Utf8(const wchar_t* wide, int length = -1) {
+  if (wide == nullptr || length == 0) return {};
+  const int n = ::WideCharToMultiByte(CP_UTF8, 0, wide, length, nullptr, 0, nullptr, nullptr);
+  std::string text(static_cast<size_t>(n), '\0');
+  ::WideCharToMultiByte(CP_UTF8, 0, wide, length, text.data(), n, nullptr, nullptr);
+  if (length < 0 && !text.empty()) text.pop_back();  // the terminating zero
+  return text;
+}
+
+std::string Hex(HRESULT hr) {
+  char text[16];
+  std::snprintf(text, sizeof text, "0x%08lX", static_cast<unsigned long>(hr));
+  return text;
+}
+
+// A failed call: its HRESULT and, when the callee gave one, its description.
+[[noreturn]] void ThrowFailure(HRESULT hr) {
+  std::string message = "HRESULT " + Hex(hr);
+  IErrorInfo* info = nullptr;
+  if (::GetErrorInfo(0, &info) == S_OK && info != nullptr) {
+    BSTR description = nullptr;
+    if (SUCCEEDED(info->GetDescription(&description)) && description != nullptr) {
+      message += " (" + Utf8(description, static_cast<int>(SysStringLen(description))) + ")";
+    }
+    SysFreeString(description);
+    info->Release();
+  }
+  throw std::runtime_error(message);
+}
+
+void Check(HRESULT hr) {
+  if (FAILED(hr)) ThrowFailure(hr);
+}
+
+class Bstr {
+ public:
+  explicit Bstr(const std::string& utf8) {
+    const std::wstring wide = Wide(utf8);
+    b_ = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
+    if (b_ == nullptr) throw std::bad_alloc();
+  }
+  Bstr() = default;
+  ~Bstr() { SysFreeString(b_); }
+  Bstr(const Bstr&) = delete;
+  Bstr& operator=(const Bstr&) = delete;
+  BSTR Get() const { return b_; }
+  BSTR* Put() {
+    SysFreeString(b_);
+    b_ = nullptr;
+    return &b_;
+  }
+  std::string Utf8Text() const { return Utf8(b_, static_cast<int>(SysStringLen(b_))); }
+
+ private:
+  BSTR b_ = nullptr;
+};
+
+class ComSession final : public revise::PrinterSession {
+ public:
+  explicit ComSession(IRevisionPrinter* printer) : printer_(printer) {}
+  ~ComSession() override { printer_->Release(); }
+  ComSession(const ComSession&) = delete;
+  ComSession& operator=(const ComSession&) = delete;
+
+  std::string Extension() override {
+    Bstr extension;
+    Check(printer_->get_Extension(extension.Put()));
+    return extension.Utf8Text();
+  }
+  int32_t Version() override {
+    LONG version = 0;
+    Check(printer_->Version(&version));
+    return version;
+  }
+  bool InitPrnSettings() override { return Ask(&IRevisionPrinter::InitPrnSettings); }
+  std::string CheckPrnSettings() override {
+    Bstr problems;
+    Check(printer_->CheckPrnSettings(problems.Put()));
+    return problems.Utf8Text();
+  }
+  bool IsPrinterAvailable() override { return Ask(&IRevisionPrinter::IsPrinterAvailable); }
+  bool SetPrnDefaults() override { return Ask(&IRevisionPrinter::SetPrnDefaults); }
+  bool DoPrint(const std::string& revisionFolder, const std::string& fileName) override {
+    // The host's document and its owner come here once the host kit has them.
+    IDispatch* document = nullptr;
+    IDispatch* owner = nullptr;
+    Bstr folder(revisionFolder);
+    Bstr name(fileName);
+    VARIANT_BOOL printed = VARIANT_FALSE;
+    Check(printer_->DoPrint(document, owner, folder.Get(), name.Get(), &printed));
+    return printed != VARIANT_FALSE;
+  }
+  bool AppendFile(const std::string& fileToAppend, const std::string& fileMain) override {
+    Bstr toAppend(fileToAppend);
+    Bstr main(fileMain);
+    VARIANT_BOOL appended = VARIANT_FALSE;
+    Check(printer_->AppendFile(toAppend.Get(), main.Get(), &appended));
+    return appended != VARIANT_FALSE;
+  }
+
+ private:
+  bool Ask(HRESULT (STDMETHODCALLTYPE IRevisionPrinter::*operation)(VARIANT_BOOL*)) {
+    VARIANT_BOOL answer = VARIANT_FALSE;
+    Check((printer_->*operation)(&answer));
+    return answer != VARIANT_FALSE;
+  }
+
+  IRevisionPrinter* printer_;
+};
+
+class ComBackend final : public revise::ReviseBackend {
+ public:
+  ComBackend() : initialised_(SUCCEEDED(::CoInitialize(nullptr))) {}
+  ~ComBackend() override {
+    if (initialised_) ::CoUninitialize();
+  }
+  ComBackend(const ComBackend&) = delete;
+  ComBackend& operator=(const ComBackend&) = delete;
+
+  void SetVariable(const std::string& name, const std::string& value) override {
+    SetEnvironment(name, value);
+  }
+
+  Created Create(const std::string& printerClass) override {
+    // A bare class name is one of the component's classes.
+    const std::string progId = printerClass.find('.') == std::string::npos
+                                   ? "VemraKestrivon." + printerClass
+                                   : printerClass;
+    if (!initialised_) return {nullptr, CreateFailure::kNotCreated, progId, "COM did not start"};
+    CLSID clsid{};
+    const std::wstring wideProgId = Wide(progId);
+    HRESULT hr = ::CLSIDFromProgID(wideProgId.c_str(), &clsid);
+    if (FAILED(hr)) {
+      return {nullptr, CreateFailure::kUnknownClass, progId,
+              "no class is registered as '" + progId + "' (" + Hex(hr) + ")"};
+    }
+    IRevisionPrinter* printer = nullptr;
+    hr = ::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IRevisionPrinter,
+                            reinterpret_cast<void**>(&printer));
+    if (FAILED(hr) || printer == nullptr) {
+      return {nullptr, CreateFailure::kNotCreated, progId,
+              "'" + progId + "' could not be created as a revision printer (" + Hex(hr) + ")"};
+    }
+    return {std::make_unique<ComSession>(printer), CreateFailure::kNone, progId, {}};
+  }
+
+ private:
+  bool initialised_;
+};
+
+}  // namespace
+
+int main() {
+  int argc = 0;
+  wchar_t** argv = ::CommandLineToArgvW(::GetCommandLineW(), &argc);
+  std::vector<std::string> args;
+  for (int i = 1; argv != nullptr && i < argc; ++i) args.push_back(Utf8(argv[i]));
+  if (argv != nullptr) ::LocalFree(argv);
+  ::SetConsoleOutputCP(CP_UTF8);
+
+  int status = 0;
+  {
+    ComBackend backend;
+    status = revise::ReviseMain("vemra-revise", args, backend, std::cout, std::cerr);
+  }
+  std::cout.flush();
+  return status;
+}
