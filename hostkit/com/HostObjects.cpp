@@ -346,8 +346,14 @@ template <class Object>
 HRESULT Create(REFIID riid, void** object) {
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
-  auto* created = new (std::nothrow) Object();
-  if (created == nullptr) return E_OUTOFMEMORY;
+  Object* created = nullptr;
+  try {
+    // The host kit reads its configuration when its first object is made.
+    Kit();
+    created = new Object();
+  } catch (...) {
+    return E_OUTOFMEMORY;
+  }
   const HRESULT hr = created->QueryInterface(riid, object);
   created->Release();
   return hr;

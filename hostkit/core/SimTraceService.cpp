@@ -2,9 +2,9 @@
 
 #include <chrono>
 #include <cstdio>
-#include <system_error>
 
 #include "core/Environment.h"
+#include "core/FileCopy.h"
 
 namespace kestrivon::hostkit {
 
@@ -60,14 +60,11 @@ int32_t SimTraceService::ShowMessageBox(const std::string& prompt, int32_t butto
 
 bool SimTraceService::CopyFile(const std::string& source, const std::string& target,
                                bool overwrite) {
-  std::error_code ec;
-  const auto options = overwrite ? std::filesystem::copy_options::overwrite_existing
-                                 : std::filesystem::copy_options::none;
-  const bool copied =
-      std::filesystem::copy_file(PathFromUtf8(source), PathFromUtf8(target), options, ec) && !ec;
+  std::string why;
+  const bool copied = CopyOneFile(source, target, overwrite, why);
   std::vector<std::string> fields{source, target, overwrite ? "overwrite" : "keep",
                                   copied ? "copied" : "failed"};
-  if (!copied) fields.push_back(ec ? ec.message() : "not copied");
+  if (!copied) fields.push_back(why);
   log_->Append("COPY", fields);
   return copied;
 }

@@ -1,0 +1,565 @@
+// VemraHostKit.dll as the component and scripts meet it: registered in the
+// build's Wine prefix, created by CLSID and ProgID, called through the
+// vtable and through IDispatch.
+#include <windows.h>
+// after windows.h, which they need
+#include <gtest/gtest.h>
+#include <oaidl.h>
+#include <olectl.h>
+
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+// windows.h renames these; the host's interfaces name their members plainly.
+#undef CopyFile
+#undef GetObject
+// IPrinter's slot-8 Release cannot be declared in C++; it is not used here.
+#define __IPrinter_INTERFACE_DEFINED__
+#include "VemraHostServices.h"
+#undef __IPrinter_INTERFACE_DEFINED__
+#include "core/TraceLog.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Fields = std::vector<std::string>;
+
+// Written down from the host contract, not taken from the DLL's tables.
+constexpr const wchar_t* kTraceServiceClsid = L"{80C30613-2269-11D4-A781-006008CBD99D}";
+constexpr const wchar_t* kInstanceMonitorClsid = L"{CA39FE82-F107-11D2-A997-E8A48A000000}";
+constexpr const wchar_t* kTraceServiceIid = L"{315A18A4-F0D5-4D70-80F0-610EBA058682}";
+constexpr const wchar_t* kRevisionPrinterIid = L"{2EE91196-77A1-11D6-B6B7-0050DA1A43CE}";
+constexpr const wchar_t* kHostServicesLibId = L"{32EE74F1-C9F4-4CB5-92D4-82CF7E01702F}";
+constexpr const wchar_t* kVBInterfaceLibId = L"{6CEF39EE-E2B3-44D9-8B04-F1069A62DD9E}";
+
+fs::path workFolder;
+fs::path logPath;
+constexpr LONG kLevel = 3;
+
+GUID Guid(const wchar_t* text) {
+  GUID guid{};
+  EXPECT_EQ(::IIDFromString(text, &guid), S_OK) << "bad GUID text";
+  return guid;
+}
+
+std::string Narrow(const std::wstring& wide) {
+  std::string text;
+  for (wchar_t c : wide) text += c < 128 ? static_cast<char>(c) : '?';
+  return text;
+}
+
+class Bstr {
+ public:
+  Bstr() = default;
+  explicit Bstr(const wchar_t* text) : b_(SysAllocString(text)) {}
+  ~Bstr() { SysFreeString(b_); }
+  Bstr(const Bstr&) = delete;
+  Bstr& operator=(const Bstr&) = delete;
+  BSTR get() const { return b_; }
+  BSTR* out() {
+    SysFreeString(b_);
+    b_ = nullptr;
+    return &b_;
+  }
+  std::wstring str() const { return b_ == nullptr ? L"" : std::wstring(b_, SysStringLen(b_)); }
+
+ private:
+  BSTR b_ = nullptr;
+};
+
+template <class T>
+class Ref {
+ public:
+  Ref() = default;
+  ~Ref() { reset(); }
+  Ref(const Ref&) = delete;
+  Ref& operator=(const Ref&) = delete;
+  Ref(Ref&& other) noexcept : p_(std::exchange(other.p_, nullptr)) {}
+  void** out() {
+    reset();
+    return reinterpret_cast<void**>(&p_);
+  }
+  T* get() const { return p_; }
+  T* operator->() const { return p_; }
+  explicit operator bool() const { return p_ != nullptr; }
+  void reset() {
+    if (p_ != nullptr) p_->Release();
+    p_ = nullptr;
+  }
+
+ private:
+  T* p_ = nullptr;
+};
+
+// A registry value under HKEY_CLASSES_ROOT; nullopt-like empty marker.
+bool ReadClassesValue(const std::wstring& key, const wchar_t* name, std::wstring& value) {
+  wchar_t buffer[1024];
+  DWORD size = sizeof buffer;
+  if (::RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), name, RRF_RT_REG_SZ, nullptr, buffer, &size) !=
+      ERROR_SUCCESS) {
+    return false;
+  }
+  value = buffer;
+  return true;
+}
+
+bool ClassesKeyExists(const std::wstring& key) {
+  HKEY handle = nullptr;
+  if (::RegOpenKeyExW(HKEY_CLASSES_ROOT, key.c_str(), 0, KEY_READ, &handle) != ERROR_SUCCESS) {
+    return false;
+  }
+  ::RegCloseKey(handle);
+  return true;
+}
+
+std::vector<Fields> LogEntries() {
+  std::ifstream in(logPath, std::ios::binary);
+  std::vector<Fields> entries;
+  std::string line;
+  while (std::getline(in, line)) {
+    Fields fields = kestrivon::hostkit::SplitEntry(line);
+    fields.erase(fields.begin());  // the time stamp
+    entries.push_back(std::move(fields));
+  }
+  return entries;
+}
+
+// Entries as the log shows them, for failure messages.
+std::string Show(const std::vector<Fields>& entries) {
+  std::string text;
+  for (const auto& entry : entries) {
+    for (const auto& field : entry) text += kestrivon::hostkit::EscapeField(field) + " | ";
+    text += "\n";
+  }
+  return text;
+}
+
+// The entries written since the mark was taken.
+class LogMark {
+ public:
+  LogMark() : start_(LogEntries().size()) {}
+  std::vector<Fields> Since() const {
+    auto entries = LogEntries();
+    return std::vector<Fields>(entries.begin() + static_cast<std::ptrdiff_t>(start_),
+                               entries.end());
+  }
+
+ private:
+  size_t start_;
+};
+
+Ref<ITraceService> NewTraceService() {
+  Ref<ITraceService> service;
+  EXPECT_EQ(::CoCreateInstance(Guid(kTraceServiceClsid), nullptr, CLSCTX_INPROC_SERVER,
+                               Guid(kTraceServiceIid), service.out()),
+            S_OK);
+  return service;
+}
+
+Ref<IInstanceMonitor> NewInstanceMonitor() {
+  Ref<IInstanceMonitor> monitor;
+  EXPECT_EQ(::CoCreateInstance(Guid(kInstanceMonitorClsid), nullptr, CLSCTX_INPROC_SERVER,
+                               __uuidof(IInstanceMonitor), monitor.out()),
+            S_OK);
+  return monitor;
+}
+
+// The run time's error object as the component hands it over: properties
+// reached by name only, no type information.
+class FakeError final : public IDispatch {
+ public:
+  FakeError(LONG number, const wchar_t* description, const wchar_t* source, bool named = true)
+      : number_(number), description_(description), source_(source), named_(named) {}
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override {
+    if (IsEqualIID(riid, IID_IUnknown) || IsEqualIID(riid, IID_IDispatch)) {
+      *ppv = this;
+      AddRef();
+      return S_OK;
+    }
+    *ppv = nullptr;
+    return E_NOINTERFACE;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return ++refs_; }
+  ULONG STDMETHODCALLTYPE Release() override { return --refs_; }  // lives on the stack
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+    *count = 0;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override {
+    return DISP_E_BADINDEX;
+  }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID,
+                                          DISPID* ids) override {
+    const wchar_t* known[] = {L"Number", L"Description", L"Source"};
+    for (DISPID id = 0; id < 3 && named_; ++id) {
+      if (_wcsicmp(names[0], known[id]) == 0) {
+        ids[0] = id + 1;
+        return S_OK;
+      }
+    }
+    ids[0] = DISPID_UNKNOWN;
+    return DISP_E_UNKNOWNNAME;
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS*,
+                                   VARIANT* result, EXCEPINFO*, UINT*) override {
+    if ((flags & DISPATCH_PROPERTYGET) == 0 || result == nullptr) return DISP_E_MEMBERNOTFOUND;
+    VariantInit(result);
+    if (id == 1) {
+      V_VT(result) = VT_I4;
+      V_I4(result) = number_;
+    } else if (id == 2 || id == 3) {
+      V_VT(result) = VT_BSTR;
+      V_BSTR(result) = SysAllocString(id == 2 ? description_ : source_);
+    } else {
+      return DISP_E_MEMBERNOTFOUND;
+    }
+    return S_OK;
+  }
+  ULONG refs() const { return refs_; }
+
+ private:
+  LONG number_;
+  const wchar_t* description_;
+  const wchar_t* source_;
+  bool named_;
+  std::atomic<ULONG> refs_{1};
+};
+
+void LogError(ITraceService* service, IDispatch* error, const wchar_t* classLabel,
+              const wchar_t* procedureLabel) {
+  IDispatch* errorArg = error;
+  BSTR classArg = SysAllocString(classLabel);
+  BSTR procedureArg = SysAllocString(procedureLabel);
+  EXPECT_EQ(service->LogError(&errorArg, &classArg, &procedureArg), S_OK);
+  EXPECT_EQ(errorArg, error);  // the arguments come back as they went in
+  SysFreeString(classArg);
+  SysFreeString(procedureArg);
+}
+
+TEST(Registration, ClassesAreInProcessApartmentWithProgIds) {
+  for (const auto& [clsid, progId] :
+       {std::pair{kTraceServiceClsid, L"VemraHostKit.TraceService"},
+        std::pair{kInstanceMonitorClsid, L"VemraHostKit.InstanceMonitor"}}) {
+    const std::wstring key = std::wstring(L"CLSID\\") + clsid + L"\\InprocServer32";
+    std::wstring server, model, progIdClsid;
+    ASSERT_TRUE(ReadClassesValue(key, nullptr, server)) << Narrow(key);
+    EXPECT_TRUE(server.size() >= 16 &&
+                _wcsicmp(server.c_str() + server.size() - 16, L"VemraHostKit.dll") == 0)
+        << Narrow(server);
+    ASSERT_TRUE(ReadClassesValue(key, L"ThreadingModel", model));
+    EXPECT_EQ(model, L"Apartment");
+    ASSERT_TRUE(ReadClassesValue(std::wstring(progId) + L"\\CLSID", nullptr, progIdClsid));
+    EXPECT_EQ(_wcsicmp(progIdClsid.c_str(), clsid), 0) << Narrow(progIdClsid);
+    CLSID fromProgId{};
+    EXPECT_EQ(::CLSIDFromProgID(progId, &fromProgId), S_OK);
+    EXPECT_TRUE(IsEqualCLSID(fromProgId, Guid(clsid)));
+  }
+}
+
+TEST(Registration, TheHostsTypeLibrariesAndTheirInterfaces) {
+  for (const wchar_t* libId : {kHostServicesLibId, kVBInterfaceLibId}) {
+    Ref<ITypeLib> lib;
+    EXPECT_EQ(::LoadRegTypeLib(Guid(libId), 1, 0, 0, reinterpret_cast<ITypeLib**>(lib.out())), S_OK)
+        << Narrow(libId);
+  }
+  std::wstring lib;
+  ASSERT_TRUE(ReadClassesValue(std::wstring(L"Interface\\") + kRevisionPrinterIid + L"\\TypeLib",
+                               nullptr, lib));
+  EXPECT_EQ(_wcsicmp(lib.c_str(), kVBInterfaceLibId), 0) << Narrow(lib);
+  ASSERT_TRUE(ReadClassesValue(std::wstring(L"Interface\\") + kTraceServiceIid + L"\\TypeLib",
+                               nullptr, lib));
+  EXPECT_EQ(_wcsicmp(lib.c_str(), kHostServicesLibId), 0) << Narrow(lib);
+}
+
+// An export of the loaded DLL.
+template <class Function>
+Function Export(HMODULE dll, const char* name) {
+  return reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(dll, name)));
+}
+
+// The loaded host kit DLL: the one registered in the prefix.
+HMODULE HostKitModule() {
+  auto service = NewTraceService();
+  return ::GetModuleHandleW(L"VemraHostKit.dll");
+}
+
+TEST(Registration, UnregisterRemovesWhatRegisterWrote) {
+  HMODULE dll = HostKitModule();
+  ASSERT_NE(dll, nullptr);
+  using Entry = HRESULT(STDAPICALLTYPE*)();
+  auto unregister = Export<Entry>(dll, "DllUnregisterServer");
+  auto reg = Export<Entry>(dll, "DllRegisterServer");
+  ASSERT_NE(unregister, nullptr);
+  ASSERT_NE(reg, nullptr);
+  const std::vector<std::wstring> keys{
+      std::wstring(L"CLSID\\") + kTraceServiceClsid,
+      std::wstring(L"CLSID\\") + kInstanceMonitorClsid,
+      L"VemraHostKit.TraceService",
+      L"VemraHostKit.InstanceMonitor",
+      std::wstring(L"TypeLib\\") + kHostServicesLibId,
+      std::wstring(L"TypeLib\\") + kVBInterfaceLibId,
+      std::wstring(L"Interface\\") + kRevisionPrinterIid,
+      std::wstring(L"Interface\\") + kTraceServiceIid,
+  };
+  for (const auto& key : keys) EXPECT_TRUE(ClassesKeyExists(key)) << Narrow(key);
+
+  const HRESULT removed = unregister();
+  std::vector<bool> left;
+  for (const auto& key : keys) left.push_back(ClassesKeyExists(key));
+  const HRESULT again = unregister();
+  const HRESULT registered = reg();  // the prefix must stay usable for the other tests
+
+  EXPECT_EQ(removed, S_OK);
+  for (size_t i = 0; i < keys.size(); ++i) EXPECT_FALSE(left[i]) << Narrow(keys[i]);
+  EXPECT_EQ(again, S_OK);
+  EXPECT_EQ(registered, S_OK);
+  for (const auto& key : keys) EXPECT_TRUE(ClassesKeyExists(key)) << Narrow(key);
+}
+
+TEST(TraceService, WritesTraceLinesAndErrorReports) {
+  auto service = NewTraceService();
+  ASSERT_TRUE(service);
+  LogMark mark;
+  Bstr line(
+      L"VemraKestrivon::NoFile::IRevisionPrinter_DoPrint(): document has no file -> "
+      L"nothing to do");
+  EXPECT_EQ(service->WriteTrace(line.get()), S_OK);
+  FakeError error(91, L"Object variable or With block variable not set", L"VemraKestrivon");
+  LogError(service.get(), &error, L"VemraKestrivon::NoFile", L" Function IRevisionPrinter_DoPrint");
+  EXPECT_EQ(error.refs(), 1u);  // no reference kept
+  FakeError nameless(5, L"x", L"y", false);
+  LogError(service.get(), &nameless, L"VemraKestrivon::Globals", L"PPMInit");
+  LogError(service.get(), nullptr, L"VemraKestrivon::Globals", L"PPMLevelDebug");
+
+  const auto entries = mark.Since();
+  ASSERT_EQ(entries.size(), 4u) << Show(entries);
+  EXPECT_EQ(entries[0], (Fields{"TRACE",
+                                "VemraKestrivon::NoFile::IRevisionPrinter_DoPrint(): document has "
+                                "no file -> nothing to do"}));
+  EXPECT_EQ(entries[1], (Fields{"ERROR", "91", "Object variable or With block variable not set",
+                                "VemraKestrivon", "VemraKestrivon::NoFile",
+                                " Function IRevisionPrinter_DoPrint"}));
+  ASSERT_EQ(entries[2].size(), 6u);
+  EXPECT_EQ(entries[2][1], "0");
+  EXPECT_NE(entries[2][2].find("unreadable"), std::string::npos) << entries[2][2];
+  EXPECT_EQ(entries[2][5], "PPMInit");
+  EXPECT_EQ(entries[3], (Fields{"ERROR", "0", "(no error object)", "", "VemraKestrivon::Globals",
+                                "PPMLevelDebug"}));
+}
+
+TEST(TraceService, ResolvesTextsAndCopiesFiles) {
+  auto service = NewTraceService();
+  ASSERT_TRUE(service);
+  LogMark mark;
+  auto resolve = [&](const wchar_t* text) {
+    Bstr in(text), out;
+    EXPECT_EQ(service->ResolveText(in.get(), out.out()), S_OK);
+    return out.str();
+  };
+  EXPECT_EQ(resolve(L"~05d86 Printer is not installed"), L"Drucker ist nicht installiert");
+  EXPECT_EQ(resolve(L"~05d87 Printer output folder does not exist"),
+            L"Printer output folder does not exist");
+  EXPECT_EQ(resolve(L"no identifier"), L"no identifier");
+
+  const fs::path source = workFolder / "source.pdf";
+  const fs::path target = workFolder / "target.pdf";
+  std::ofstream(source) << "archive";
+  fs::remove(target);
+  Bstr from(source.wstring().c_str()), to(target.wstring().c_str());
+  VARIANT_BOOL copied = VARIANT_FALSE;
+  EXPECT_EQ(service->CopyFile(from.get(), to.get(), VARIANT_FALSE, &copied), S_OK);
+  EXPECT_EQ(copied, VARIANT_TRUE) << Show(mark.Since());
+  EXPECT_EQ(service->CopyFile(from.get(), to.get(), VARIANT_FALSE, &copied), S_OK);
+  EXPECT_EQ(copied, VARIANT_FALSE);
+  EXPECT_EQ(service->CopyFile(from.get(), to.get(), VARIANT_TRUE, &copied), S_OK);
+  EXPECT_EQ(copied, VARIANT_TRUE) << Show(mark.Since());
+  EXPECT_TRUE(fs::exists(target));
+  EXPECT_EQ(mark.Since().size(), 6u) << Show(mark.Since());  // three texts, three copies
+
+  LONG first = 0, second = 0;
+  EXPECT_EQ(service->CurrentTicks(&first), S_OK);
+  ::Sleep(20);
+  EXPECT_EQ(service->CurrentTicks(&second), S_OK);
+  EXPECT_GE(static_cast<ULONG>(second) - static_cast<ULONG>(first), 15u);
+}
+
+TEST(TraceService, MessageBoxesAnswerFromTheScript) {
+  auto service = NewTraceService();
+  ASSERT_TRUE(service);
+  LogMark mark;
+  VARIANT missing;
+  VariantInit(&missing);
+  V_VT(&missing) = VT_ERROR;
+  V_ERROR(&missing) = DISP_E_PARAMNOTFOUND;
+  std::vector<LONG> answers;
+  for (int i = 0; i < 3; ++i) {
+    Bstr prompt(L"Der Revisionsdrucker ist nicht bereit.\r\nTrotzdem?"), title(L"Revision printer");
+    LONG answer = 0;
+    EXPECT_EQ(service->ShowMessageBox(prompt.get(), 36, title.get(), missing, missing, &answer),
+              S_OK);
+    answers.push_back(answer);
+  }
+  EXPECT_EQ(answers, (std::vector<LONG>{6, 7, 1}));  // Yes, No, then OK: the script is used up
+  const auto entries = mark.Since();
+  ASSERT_EQ(entries.size(), 3u);
+  EXPECT_EQ(entries[0], (Fields{"MSGBOX", "Der Revisionsdrucker ist nicht bereit.\r\nTrotzdem?",
+                                "36", "Revision printer", "6", "scripted"}));
+  EXPECT_EQ(entries[2][5], "default");
+}
+
+TEST(TraceService, HasNoHostApplicationYet) {
+  auto service = NewTraceService();
+  ASSERT_TRUE(service);
+  IDispatch* object = reinterpret_cast<IDispatch*>(1);
+  EXPECT_EQ(service->get_Application(&object), S_OK);
+  EXPECT_EQ(object, nullptr);
+  object = reinterpret_cast<IDispatch*>(1);
+  Bstr name(L"Workset");
+  EXPECT_EQ(service->GetObject(name.get(), &object), S_OK);
+  EXPECT_EQ(object, nullptr);
+  Bstr key;
+  EXPECT_EQ(service->get_ApplicationPathKey(key.out()), S_OK);
+  EXPECT_EQ(key.str(), L"");
+}
+
+TEST(TraceService, ReservedSlotsAreNotImplemented) {
+  auto service = NewTraceService();
+  auto monitor = NewInstanceMonitor();
+  ASSERT_TRUE(service && monitor);
+  EXPECT_EQ(service->Reserved11(), E_NOTIMPL);
+  EXPECT_EQ(service->Reserved24(), E_NOTIMPL);
+  EXPECT_EQ(service->Reserved27(), E_NOTIMPL);
+  EXPECT_EQ(service->Reserved49(), E_NOTIMPL);
+  EXPECT_EQ(service->Reserved51(), E_NOTIMPL);
+  EXPECT_EQ(service->Reserved61(), E_NOTIMPL);
+  EXPECT_EQ(monitor->Reserved8(), E_NOTIMPL);
+  EXPECT_EQ(monitor->Reserved13(), E_NOTIMPL);
+}
+
+TEST(TraceService, ScriptsReachItByName) {
+  CLSID clsid{};
+  ASSERT_EQ(::CLSIDFromProgID(L"VemraHostKit.TraceService", &clsid), S_OK);
+  Ref<IDispatch> service;
+  ASSERT_EQ(::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, service.out()),
+            S_OK);
+  UINT count = 0;
+  EXPECT_EQ(service->GetTypeInfoCount(&count), S_OK);
+  EXPECT_EQ(count, 1u);
+
+  LPOLESTR names[] = {const_cast<LPOLESTR>(L"writetrace")};
+  DISPID id = 0;
+  ASSERT_EQ(service->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), S_OK);
+  EXPECT_EQ(id, 26);  // the slot number, as the contract fixes it
+
+  LogMark mark;
+  VARIANT arg;
+  VariantInit(&arg);
+  V_VT(&arg) = VT_BSTR;
+  V_BSTR(&arg) = SysAllocString(L"written by a script");
+  DISPPARAMS params{&arg, nullptr, 1, 0};
+  EXPECT_EQ(service->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, nullptr,
+                            nullptr, nullptr),
+            S_OK);
+  VariantClear(&arg);
+  EXPECT_EQ(mark.Since(), (std::vector<Fields>{{"TRACE", "written by a script"}}));
+
+  names[0] = const_cast<LPOLESTR>(L"ResolveText");
+  ASSERT_EQ(service->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), S_OK);
+  EXPECT_EQ(id, 12);
+  V_VT(&arg) = VT_BSTR;
+  V_BSTR(&arg) = SysAllocString(L"~05d86 Printer is not installed");
+  VARIANT result;
+  VariantInit(&result);
+  EXPECT_EQ(service->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, &result,
+                            nullptr, nullptr),
+            S_OK);
+  VariantClear(&arg);
+  ASSERT_EQ(V_VT(&result), VT_BSTR);
+  EXPECT_EQ(std::wstring(V_BSTR(&result)), L"Drucker ist nicht installiert");
+  VariantClear(&result);
+}
+
+TEST(InstanceMonitor, AnswersTheLevelAndWatchesCounters) {
+  auto monitor = NewInstanceMonitor();
+  ASSERT_TRUE(monitor);
+  LogMark mark;
+  LONG level = 0;
+  EXPECT_EQ(monitor->GetLevel(&level), S_OK);
+  EXPECT_EQ(level, kLevel);
+  LONG counter = 4;
+  Bstr name(L"Kestrivan.InstanceCount");
+  EXPECT_EQ(monitor->RegisterCounter(name.get(), &counter), S_OK);
+  EXPECT_EQ(monitor->RegisterCounter(name.get(), nullptr), E_POINTER);
+  EXPECT_EQ(mark.Since(),
+            (std::vector<Fields>{{"LEVEL", "3"},
+                                 {"COUNTER", "Kestrivan.InstanceCount", "4", "registered"}}));
+  Ref<ISupportErrorInfo> support;
+  ASSERT_EQ(monitor->QueryInterface(IID_ISupportErrorInfo, support.out()), S_OK);
+  EXPECT_EQ(support->InterfaceSupportsErrorInfo(__uuidof(IInstanceMonitor)), S_OK);
+}
+
+TEST(TraceService, ALogThatCannotBeWrittenFailsTheCallWithItsReason) {
+  auto service = NewTraceService();
+  ASSERT_TRUE(service);
+  const fs::path saved = logPath.string() + ".saved";
+  fs::rename(logPath, saved);
+  fs::create_directory(logPath);  // a folder where the file was
+  Bstr line(L"lost?");
+  const HRESULT hr = service->WriteTrace(line.get());
+  IErrorInfo* info = nullptr;
+  std::wstring description;
+  if (::GetErrorInfo(0, &info) == S_OK && info != nullptr) {
+    Bstr text;
+    info->GetDescription(text.out());
+    description = text.str();
+    info->Release();
+  }
+  fs::remove(logPath);
+  fs::rename(saved, logPath);
+
+  EXPECT_EQ(hr, static_cast<HRESULT>(0x8007001D));
+  EXPECT_NE(description.find(L"hostkit-com-test.log"), std::wstring::npos) << Narrow(description);
+}
+
+TEST(Server, CanUnloadOnlyWithoutLiveObjects) {
+  HMODULE dll = HostKitModule();
+  ASSERT_NE(dll, nullptr);
+  using CanUnload = HRESULT(STDAPICALLTYPE*)();
+  auto canUnload = Export<CanUnload>(dll, "DllCanUnloadNow");
+  ASSERT_NE(canUnload, nullptr);
+  {
+    auto service = NewTraceService();
+    EXPECT_EQ(canUnload(), S_FALSE);
+  }
+  EXPECT_EQ(canUnload(), S_OK);
+}
+
+}  // namespace
+
+// The host kit reads its variables when its first object is created, so
+// they are set before any test runs.
+int main(int argc, char** argv) {
+  ::testing::InitGoogleTest(&argc, argv);
+  workFolder = fs::temp_directory_path() / "hostkit-com-test";
+  fs::remove_all(workFolder);
+  fs::create_directories(workFolder);
+  logPath = workFolder / "hostkit-com-test.log";
+  std::ofstream(workFolder / "answers.txt") << "Yes\nno\n";
+  std::ofstream(workFolder / "de.txt") << "~05d86 Drucker ist nicht installiert\n";
+  ::SetEnvironmentVariableW(L"VEMRA_TRACE_LOG", logPath.wstring().c_str());
+  ::SetEnvironmentVariableW(L"VEMRA_DIAG_LEVEL", std::to_wstring(kLevel).c_str());
+  ::SetEnvironmentVariableW(L"VEMRA_MSGBOX_ANSWERS",
+                            (workFolder / "answers.txt").wstring().c_str());
+  ::SetEnvironmentVariableW(L"VEMRA_TRANSLATIONS", (workFolder / "de.txt").wstring().c_str());
+
+  if (FAILED(::CoInitialize(nullptr))) return 3;
+  const int result = RUN_ALL_TESTS();
+  ::CoUninitialize();
+  fs::remove_all(workFolder);
+  return result;
+}
