@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kestrivon::platform {
+
+// File and folder work with the semantics of the scripting file-system
+// object. Paths are Windows paths in UTF-8. Where that object raises a
+// run-time error, these raise kestrivon::RunTimeError with its number:
+// 53 file not found, 58 file already exists, 70 permission denied,
+// 76 path not found.
+
+// FileExists: true for an existing file, false for a folder or nothing.
+bool FileExists(const std::string& path);
+
+// GetFile(path).DateCreated: local creation time in whole seconds, as days
+// since 30 December 1899. Raises 53 when there is no such file.
+double FileDateCreated(const std::string& path);
+
+// DeleteFile(path, force), named apart from the Win32 macro: force also deletes read-only files.
+// Raises 53 when there is no such file and 70 when it is read-only (unforced) or held open by
+// someone.
+void DeleteFileWithForce(const std::string& path, bool force);
+
+// FolderExists.
+bool FolderExists(const std::string& path);
+
+// CreateFolder: true when a folder object came back. Raises 58 when the
+// folder exists and 76 when its parent does not.
+bool CreateFolder(const std::string& path);
+
+// The names of the files (not folders) of a folder. Raises 76 when the
+// folder does not exist.
+std::vector<std::string> FolderFileNames(const std::string& folder);
+
+// Open ... For Binary Access Write Lock Read Write: opens (creating it when
+// missing) the file for writing with no sharing at all. Answers
+// kInvalidFile when someone else holds it or it cannot be opened.
+using FileHandle = std::intptr_t;
+inline constexpr FileHandle kInvalidFile = -1;
+FileHandle OpenFileExclusive(const std::string& path);
+void CloseFile(FileHandle file);
+
+}  // namespace kestrivon::platform

@@ -1,0 +1,307 @@
+#include "platform/portable/FileSystem.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cerrno>
+#include <set>
+#include <vector>
+
+#include "platform/FileSystem.h"
+#include "platform/FileSystemErrors.h"
+#include "platform/portable/Internal.h"
+
+namespace kestrivon::platform {
+namespace portable {
+namespace {
+
+struct PathMapping {
+  std::array<std::string, 26> drives;
+  std::string uncRoot;
+  PathMapping() { drives['Z' - 'A'] = "/"; }
+};
+
+PathMapping& Mapping() {
+  static PathMapping mapping;
+  return mapping;
+}
+
+std::set<std::string>& HeldFiles() {
+  static std::set<std::string> held;
+  return held;
+}
+
+bool IsSeparator(char c) { return c == '\\' || c == '/'; }
+
+std::string Slashes(std::string text) {
+  std::replace(text.begin(), text.end(), '\\', '/');
+  return text;
+}
+
+std::string StripTrailingSlash(std::string root) {
+  while (root.size() > 1 && root.back() == '/') root.pop_back();
+  return root;
+}
+
+std::string Join(const std::string& root, const std::string& rest) {
+  const std::string base = StripTrailingSlash(root);
+  if (rest.empty()) return base;
+  if (base == "/") return rest.front() == '/' ? rest : "/" + rest;
+  return rest.front() == '/' ? base + rest : base + "/" + rest;
+}
+
+bool Exists(const std::string& hostPath) {
+  struct stat st {};
+  return ::stat(hostPath.c_str(), &st) == 0;
+}
+
+std::vector<std::string> SplitComponents(const std::string& path) {
+  std::vector<std::string> parts;
+  std::string part;
+  for (char c : path) {
+    if (c == '/') {
+      parts.push_back(part);
+      part.clear();
+    } else {
+      part += c;
+    }
+  }
+  parts.push_back(part);
+  return parts;
+}
+
+// Matches each component without regard to case, as Windows names do.
+std::string ResolveCase(const std::string& hostPath) {
+  if (hostPath.empty() || Exists(hostPath)) return hostPath;
+  const std::vector<std::string> parts = SplitComponents(hostPath);
+  std::string current = parts.front();  // "" for an absolute path
+  for (size_t i = 1; i < parts.size(); ++i) {
+    const std::string& part = parts[i];
+    const std::string folder = current.empty() ? "/" : current;
+    std::string next = current + "/" + part;
+    if (!part.empty() && part != "." && part != ".." && !Exists(next)) {
+      if (DIR* dir = ::opendir(folder.c_str())) {
+        while (dirent* entry = ::readdir(dir)) {
+          if (EqualNoCase(entry->d_name, part)) {
+            next = current + "/" + entry->d_name;
+            break;
+          }
+        }
+        ::closedir(dir);
+      }
+    }
+    current = next;
+  }
+  return current;
+}
+
+bool IsFile(const std::string& hostPath) {
+  struct stat st {};
+  return !hostPath.empty() && ::stat(hostPath.c_str(), &st) == 0 && !S_ISDIR(st.st_mode);
+}
+
+bool IsFolder(const std::string& hostPath) {
+  struct stat st {};
+  return !hostPath.empty() && ::stat(hostPath.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+}  // namespace
+
+void MapDrive(char letter, const std::string& hostFolder) {
+  const int index = std::toupper(static_cast<unsigned char>(letter)) - 'A';
+  if (index < 0 || index >= 26) return;
+  Mapping().drives[static_cast<size_t>(index)] = hostFolder;
+}
+
+void MapUncRoot(const std::string& hostFolder) { Mapping().uncRoot = hostFolder; }
+
+void ResetPathMapping() { Mapping() = PathMapping{}; }
+
+std::string HostPath(const std::string& windowsPath) {
+  const std::string& w = windowsPath;
+  if (w.empty()) return {};
+  if (w.size() >= 2 && IsSeparator(w[0]) && IsSeparator(w[1])) {
+    if (Mapping().uncRoot.empty()) return {};
+    const std::string rest = Slashes(w.substr(2));
+    const size_t server = rest.find('/');
+    // A server alone, or a server with an empty share, is no folder.
+    if (server == std::string::npos || server == 0 || server + 1 >= rest.size() ||
+        rest[server + 1] == '/') {
+      return {};
+    }
+    return Join(Mapping().uncRoot, rest);
+  }
+  if (w.size() >= 2 && w[1] == ':' && std::isalpha(static_cast<unsigned char>(w[0]))) {
+    const auto index = static_cast<size_t>(std::toupper(static_cast<unsigned char>(w[0])) - 'A');
+    const std::string& root = Mapping().drives[index];
+    if (root.empty()) return {};
+    std::string rest = Slashes(w.substr(2));
+    if (rest.empty()) rest = "/";
+    return Join(root, rest);
+  }
+  return Slashes(w);
+}
+
+std::string WindowsPath(const std::string& hostPath) {
+  if (hostPath.empty() || hostPath.front() != '/') {
+    std::string relative = hostPath;
+    std::replace(relative.begin(), relative.end(), '/', '\\');
+    return relative;
+  }
+  size_t bestLength = 0;
+  int best = -1;
+  for (int i = 0; i < 26; ++i) {
+    const std::string root = StripTrailingSlash(Mapping().drives[static_cast<size_t>(i)]);
+    if (root.empty()) continue;
+    const bool matches = root == "/" || hostPath == root ||
+                         (hostPath.compare(0, root.size(), root) == 0 &&
+                          hostPath.size() > root.size() && hostPath[root.size()] == '/');
+    const size_t length = root == "/" ? 0 : root.size();
+    if (matches && (best < 0 || length > bestLength)) {
+      best = i;
+      bestLength = length;
+    }
+  }
+  if (best < 0) {
+    std::string path = hostPath;
+    std::replace(path.begin(), path.end(), '/', '\\');
+    return path;
+  }
+  std::string rest = hostPath.substr(bestLength);
+  std::replace(rest.begin(), rest.end(), '/', '\\');
+  if (rest.empty() || rest.front() != '\\') rest.insert(rest.begin(), '\\');
+  return std::string(1, static_cast<char>('A' + best)) + ":" + rest;
+}
+
+std::string ResolveHostPath(const std::string& windowsPath) {
+  return ResolveCase(HostPath(windowsPath));
+}
+
+void HoldFile(const std::string& windowsPath) { HeldFiles().insert(ResolveHostPath(windowsPath)); }
+
+void ReleaseFile(const std::string& windowsPath) {
+  HeldFiles().erase(ResolveHostPath(windowsPath));
+}
+
+void ReleaseAllFiles() { HeldFiles().clear(); }
+
+bool IsFileHeld(const std::string& hostPath) {
+  if (HeldFiles().count(hostPath) != 0) return true;
+  const int fd = ::open(hostPath.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return false;
+  const bool held = ::flock(fd, LOCK_EX | LOCK_NB) != 0;
+  ::close(fd);
+  return held;
+}
+
+bool IsReadOnly(const std::string& hostPath) {
+  struct stat st {};
+  return ::stat(hostPath.c_str(), &st) == 0 && (st.st_mode & S_IWUSR) == 0;
+}
+
+}  // namespace portable
+
+bool FileExists(const std::string& path) {
+  return portable::IsFile(portable::ResolveHostPath(path));
+}
+
+double FileDateCreated(const std::string& path) {
+  const std::string host = portable::ResolveHostPath(path);
+  if (!portable::IsFile(host)) RaiseFileSystemError(kErrFileNotFound);
+  struct statx st {};
+  int64_t seconds = 0;
+  if (::statx(AT_FDCWD, host.c_str(), 0, STATX_BTIME | STATX_MTIME, &st) == 0) {
+    seconds = (st.stx_mask & STATX_BTIME) != 0 ? st.stx_btime.tv_sec : st.stx_mtime.tv_sec;
+  } else {
+    RaiseFileSystemError(kErrFileNotFound);
+  }
+  return portable::LocalDateFromUnixSeconds(seconds);
+}
+
+void DeleteFileWithForce(const std::string& path, bool force) {
+  const std::string host = portable::ResolveHostPath(path);
+  if (!portable::IsFile(host)) RaiseFileSystemError(kErrFileNotFound);
+  if (portable::IsFileHeld(host)) RaiseFileSystemError(kErrPermissionDenied);
+  if (portable::IsReadOnly(host)) {
+    if (!force) RaiseFileSystemError(kErrPermissionDenied);
+    struct stat st {};
+    ::stat(host.c_str(), &st);
+    ::chmod(host.c_str(), st.st_mode | S_IWUSR);
+  }
+  if (::unlink(host.c_str()) != 0) RaiseFileSystemError(kErrPermissionDenied);
+}
+
+bool FolderExists(const std::string& path) {
+  return portable::IsFolder(portable::ResolveHostPath(path));
+}
+
+bool CreateFolder(const std::string& path) {
+  const std::string host = portable::ResolveHostPath(path);
+  if (host.empty()) RaiseFileSystemError(kErrPathNotFound);
+  if (portable::Exists(host)) RaiseFileSystemError(kErrFileAlreadyExists);
+  if (::mkdir(host.c_str(), 0777) != 0) {
+    RaiseFileSystemError(errno == EACCES || errno == EPERM ? kErrPermissionDenied
+                                                           : kErrPathNotFound);
+  }
+  return true;
+}
+
+std::vector<std::string> FolderFileNames(const std::string& folder) {
+  const std::string host = portable::ResolveHostPath(folder);
+  if (!portable::IsFolder(host)) RaiseFileSystemError(kErrPathNotFound);
+  std::vector<std::string> names;
+  if (DIR* dir = ::opendir(host.c_str())) {
+    while (dirent* entry = ::readdir(dir)) {
+      const std::string name = entry->d_name;
+      if (name == "." || name == "..") continue;
+      if (portable::IsFile(host + "/" + name)) names.push_back(name);
+    }
+    ::closedir(dir);
+  }
+  std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
+    return portable::LowerAscii(a) < portable::LowerAscii(b);
+  });
+  return names;
+}
+
+FileHandle OpenFileExclusive(const std::string& path) {
+  constexpr uint32_t kErrorAccessDenied = 5;
+  constexpr uint32_t kErrorSharingViolation = 32;
+  constexpr uint32_t kErrorPathNotFound = 3;
+  const std::string host = portable::ResolveHostPath(path);
+  if (host.empty()) {
+    portable::SetLastError(kErrorPathNotFound);
+    return kInvalidFile;
+  }
+  if (portable::IsFolder(host) || portable::IsReadOnly(host)) {
+    portable::SetLastError(kErrorAccessDenied);
+    return kInvalidFile;
+  }
+  if (portable::IsFileHeld(host)) {
+    portable::SetLastError(kErrorSharingViolation);
+    return kInvalidFile;
+  }
+  const int fd = ::open(host.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+  if (fd < 0) {
+    portable::SetLastError(errno == ENOENT ? kErrorPathNotFound : kErrorAccessDenied);
+    return kInvalidFile;
+  }
+  if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+    ::close(fd);
+    portable::SetLastError(kErrorSharingViolation);
+    return kInvalidFile;
+  }
+  return fd;
+}
+
+void CloseFile(FileHandle file) {
+  if (file != kInvalidFile) ::close(static_cast<int>(file));
+}
+
+}  // namespace kestrivon::platform

@@ -1,0 +1,31 @@
+#pragma once
+
+// Shared between the portable implementations; not a test hook.
+
+#include <cstdint>
+#include <string>
+
+namespace kestrivon::platform::portable {
+
+// Local date-time of a Unix time, as the run time's date (days since
+// 30 December 1899), whole seconds.
+double LocalDateFromUnixSeconds(int64_t seconds);
+
+void SetLastError(uint32_t code);
+
+// Case-insensitive comparison of ASCII letters, as Windows compares names.
+bool EqualNoCase(const std::string& a, const std::string& b);
+std::string LowerAscii(std::string text);
+
+// The host path of a Windows path with each component matched without
+// regard to case, or "" when the path lies on no mapped drive.
+std::string ResolveHostPath(const std::string& windowsPath);
+
+// True when a file is held open by someone else (a simulated holder or a
+// process with an exclusive lock on it).
+bool IsFileHeld(const std::string& hostPath);
+
+// True when the file carries the read-only attribute (no owner write bit).
+bool IsReadOnly(const std::string& hostPath);
+
+}  // namespace kestrivon::platform::portable

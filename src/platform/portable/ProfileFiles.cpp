@@ -1,0 +1,241 @@
+#include "platform/portable/ProfileFiles.h"
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <optional>
+#include <sstream>
+#include <vector>
+
+#include "platform/ProfileFiles.h"
+#include "platform/TempFiles.h"
+#include "platform/portable/Internal.h"
+
+// The rules are those of the Windows profile functions as they answer under
+// Wine: names match without regard to case and are trimmed; a value is
+// trimmed and, read alone, loses one pair of enclosing quotes; only the
+// first section of a name counts; lines starting with ';' are comments to
+// the section listing but not to the key look-up; writing rewrites the
+// file in key=value form with CR LF line ends.
+
+namespace kestrivon::platform {
+namespace portable {
+namespace {
+
+std::optional<std::string>& WindowsDirectoryOverride() {
+  static std::optional<std::string> folder;
+  return folder;
+}
+
+struct Entry {
+  std::string name;
+  std::optional<std::string> value;
+};
+
+struct Section {
+  bool named = false;
+  std::string name;
+  std::vector<Entry> entries;
+};
+
+struct Profile {
+  std::vector<Section> sections;
+};
+
+std::string Trim(const std::string& text) {
+  const char* blanks = " \t\r\n";
+  const size_t first = text.find_first_not_of(blanks);
+  if (first == std::string::npos) return {};
+  const size_t last = text.find_last_not_of(blanks);
+  return text.substr(first, last - first + 1);
+}
+
+std::string TrimRight(std::string text) {
+  while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.pop_back();
+  return text;
+}
+
+// A bare file name lives in the Windows directory.
+std::string ProfileHostPath(const std::string& fileName) {
+  const bool bare = fileName.find_first_of("\\/:") == std::string::npos;
+  const std::string windowsPath = bare ? WindowsDirectory() + "\\" + fileName : fileName;
+  return ResolveHostPath(windowsPath);
+}
+
+std::optional<Profile> Load(const std::string& hostPath) {
+  if (hostPath.empty()) return std::nullopt;
+  std::ifstream in(hostPath, std::ios::binary);
+  if (!in) return std::nullopt;
+  std::stringstream content;
+  content << in.rdbuf();
+  std::string text = content.str();
+  if (text.compare(0, 3, "\xEF\xBB\xBF") == 0) text.erase(0, 3);
+  Profile profile;
+  profile.sections.push_back(Section{});
+  std::istringstream lines(text);
+  std::string line;
+  while (std::getline(lines, line)) {
+    const std::string trimmed = Trim(line);
+    if (!trimmed.empty() && trimmed.front() == '[') {
+      const size_t close = trimmed.rfind(']');
+      if (close != std::string::npos) {
+        profile.sections.push_back(Section{true, Trim(trimmed.substr(1, close - 1)), {}});
+        continue;
+      }
+    }
+    Entry entry;
+    const size_t equals = trimmed.find('=');
+    if (equals == std::string::npos) {
+      entry.name = trimmed;
+    } else {
+      entry.name = TrimRight(trimmed.substr(0, equals));
+      entry.value = Trim(trimmed.substr(equals + 1));
+    }
+    if (entry.name.empty() && !entry.value) continue;
+    profile.sections.back().entries.push_back(std::move(entry));
+  }
+  return profile;
+}
+
+Section* FindSection(Profile& profile, const std::string& name) {
+  const std::string wanted = Trim(name);
+  for (auto& section : profile.sections) {
+    if (section.named && EqualNoCase(section.name, wanted)) return &section;
+  }
+  return nullptr;
+}
+
+Entry* FindEntry(Section& section, const std::string& name) {
+  const std::string wanted = Trim(name);
+  for (auto& entry : section.entries) {
+    if (entry.value && EqualNoCase(entry.name, wanted)) return &entry;
+  }
+  return nullptr;
+}
+
+std::string Unquote(const std::string& value) {
+  if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') &&
+      value.back() == value.front()) {
+    return value.substr(1, value.size() - 2);
+  }
+  return value;
+}
+
+uint32_t CopyTruncated(const std::string& text, char* buffer, uint32_t size) {
+  if (buffer == nullptr || size == 0) return 0;
+  const auto n = static_cast<uint32_t>(std::min<size_t>(text.size(), size - 1));
+  std::memcpy(buffer, text.data(), n);
+  buffer[n] = '\0';
+  return n;
+}
+
+bool Save(const std::string& hostPath, const Profile& profile) {
+  std::ofstream out(hostPath, std::ios::binary | std::ios::trunc);
+  if (!out) return false;
+  for (const auto& section : profile.sections) {
+    if (section.named) out << '[' << section.name << "]\r\n";
+    for (const auto& entry : section.entries) {
+      out << entry.name;
+      if (entry.value) out << '=' << *entry.value;
+      out << "\r\n";
+    }
+  }
+  return static_cast<bool>(out);
+}
+
+}  // namespace
+
+void SetWindowsDirectory(const std::string& windowsPath) {
+  WindowsDirectoryOverride() = windowsPath;
+}
+
+std::string WindowsDirectory() {
+  if (WindowsDirectoryOverride()) return *WindowsDirectoryOverride();
+  char buffer[kMaxPath];
+  const uint32_t n = GetTempPathA(kMaxPath, buffer);
+  std::string folder(buffer, n);
+  if (!folder.empty() && folder.back() == '\\') folder.pop_back();
+  return folder;
+}
+
+}  // namespace portable
+
+uint32_t GetPrivateProfileStringA(const std::string& section, const std::string& key,
+                                  const std::string& defaultValue, char* buffer, uint32_t size,
+                                  const std::string& fileName) {
+  std::optional<portable::Profile> profile = portable::Load(portable::ProfileHostPath(fileName));
+  if (profile) {
+    if (portable::Section* found = portable::FindSection(*profile, section)) {
+      if (portable::Entry* entry = portable::FindEntry(*found, key)) {
+        return portable::CopyTruncated(portable::Unquote(*entry->value), buffer, size);
+      }
+    }
+  }
+  return portable::CopyTruncated(portable::TrimRight(defaultValue), buffer, size);
+}
+
+uint32_t GetPrivateProfileSectionA(const std::string& section, char* buffer, uint32_t size,
+                                   const std::string& fileName) {
+  if (buffer == nullptr || size == 0) return 0;
+  std::string stream;
+  std::optional<portable::Profile> profile = portable::Load(portable::ProfileHostPath(fileName));
+  if (profile) {
+    if (portable::Section* found = portable::FindSection(*profile, section)) {
+      for (const auto& entry : found->entries) {
+        if (!entry.name.empty() && entry.name.front() == ';') continue;
+        stream += entry.name;
+        if (entry.value) stream += '=' + *entry.value;
+        stream += '\0';
+      }
+    }
+  }
+  if (stream.empty()) {
+    buffer[0] = '\0';
+    if (size > 1) buffer[1] = '\0';
+    return 0;
+  }
+  if (stream.size() + 1 < size) {
+    std::memcpy(buffer, stream.data(), stream.size());
+    buffer[stream.size()] = '\0';
+    return static_cast<uint32_t>(stream.size());
+  }
+  // Too long (or just long enough to fill the buffer): the last string is
+  // cut and the buffer ends in two NULs.
+  if (size < 2) {
+    buffer[0] = '\0';
+    return 0;
+  }
+  std::memcpy(buffer, stream.data(), size - 2);
+  buffer[size - 2] = '\0';
+  buffer[size - 1] = '\0';
+  return size - 2;
+}
+
+bool WritePrivateProfileStringA(const std::string& section, const std::string& key,
+                                const std::string& value, const std::string& fileName) {
+  constexpr uint32_t kErrorPathNotFound = 3;
+  const std::string hostPath = portable::ProfileHostPath(fileName);
+  if (hostPath.empty()) {
+    portable::SetLastError(kErrorPathNotFound);
+    return false;
+  }
+  portable::Profile profile =
+      portable::Load(hostPath).value_or(portable::Profile{{portable::Section{}}});
+  portable::Section* target = portable::FindSection(profile, section);
+  if (target == nullptr) {
+    profile.sections.push_back(portable::Section{true, portable::Trim(section), {}});
+    target = &profile.sections.back();
+  }
+  if (portable::Entry* entry = portable::FindEntry(*target, key)) {
+    entry->value = value;
+  } else {
+    target->entries.push_back(portable::Entry{portable::Trim(key), value});
+  }
+  if (!portable::Save(hostPath, profile)) {
+    portable::SetLastError(kErrorPathNotFound);
+    return false;
+  }
+  return true;
+}
+
+}  // namespace kestrivon::platform

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+namespace kestrivon::platform::portable {
+
+// Where a profile file named without a folder lives (a Windows path);
+// the temporary folder unless set.
+void SetWindowsDirectory(const std::string& windowsPath);
+std::string WindowsDirectory();
+
+}  // namespace kestrivon::platform::portable

@@ -1,0 +1,89 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <regex>
+
+#include "platform/FileSystem.h"
+#include "platform/LastError.h"
+#include "platform/TempFiles.h"
+#include "support/Fixture.h"
+
+namespace kestrivon::test {
+namespace {
+
+using namespace kestrivon::platform;
+
+TEST(TempFilesConformance, TempPathEndsInABackslashAndExists) {
+  char buffer[kMaxPath] = {};
+  const uint32_t length = GetTempPathA(kMaxPath, buffer);
+  ASSERT_GT(length, 1u);
+  EXPECT_EQ(length, std::strlen(buffer));
+  EXPECT_EQ(buffer[length - 1], '\\');
+  EXPECT_TRUE(FolderExists(buffer));
+  char small[3];
+  EXPECT_EQ(GetTempPathA(3, small), length + 1);
+}
+
+TEST(TempFilesConformance, GeneratedNamesAreNewFilesWithTheirNumberInHex) {
+  ScratchFolder folder;
+  char first[kMaxPath] = {};
+  char second[kMaxPath] = {};
+  const uint32_t a = GetTempFileNameA(folder.Path(), "R2Pxyz", 0, first);
+  const uint32_t b = GetTempFileNameA(folder.Path() + "\\", "R2P", 0, second);
+  ASSERT_NE(a, 0u);
+  ASSERT_NE(b, 0u);
+  EXPECT_NE(a, b);
+  const std::regex shape(
+      std::regex_replace(folder.Path(), std::regex(R"([\\.^$|()\[\]{}*+?])"), R"(\$&)") +
+      R"(\\R2P[0-9a-f]{1,4}\.tmp)");
+  EXPECT_TRUE(std::regex_match(first, shape)) << first;
+  EXPECT_TRUE(std::regex_match(second, shape)) << second;
+  char hex[16];
+  std::snprintf(hex, sizeof hex, "R2P%x.tmp", a);
+  EXPECT_EQ(std::string(first), folder / hex);
+  EXPECT_TRUE(FileExists(first));
+  EXPECT_EQ(ReadWholeFile(first), "");
+  EXPECT_TRUE(FileExists(second));
+}
+
+TEST(TempFilesConformance, AGivenNumberMakesANameOnly) {
+  ScratchFolder folder;
+  char name[kMaxPath] = {};
+  EXPECT_EQ(GetTempFileNameA(folder.Path(), "R2P", 0x1ABCD, name), 0xABCDu);
+  EXPECT_EQ(std::string(name), folder / "R2Pabcd.tmp");
+  EXPECT_FALSE(PathExists(name));
+  EXPECT_EQ(GetTempFileNameA(folder.Path(), "", 0x12, name), 0x12u);
+  EXPECT_EQ(std::string(name), folder / "12.tmp");
+}
+
+TEST(TempFilesConformance, NoNameInAMissingFolder) {
+  ScratchFolder folder;
+  char name[kMaxPath] = {};
+  EXPECT_EQ(GetTempFileNameA(folder / "absent", "R2P", 0, name), 0u);
+  EXPECT_EQ(GetLastError(), 267u);
+}
+
+TEST(TempFilesConformance, DeleteFileAnswersWhyItFailed) {
+  ScratchFolder folder;
+  WriteWholeFile(folder / "a.tmp", "");
+  EXPECT_TRUE(DeleteFileA(folder / "a.tmp"));
+  EXPECT_FALSE(PathExists(folder / "a.tmp"));
+  EXPECT_FALSE(DeleteFileA(folder / "a.tmp"));
+  EXPECT_EQ(GetLastError(), 2u);
+  EXPECT_FALSE(DeleteFileA(folder / "absent\\a.tmp"));
+  EXPECT_EQ(GetLastError(), 3u);
+  MakeFolder(folder / "sub");
+  EXPECT_FALSE(DeleteFileA(folder / "sub"));
+  EXPECT_EQ(GetLastError(), 5u);
+  WriteWholeFile(folder / "ro.tmp", "");
+  SetReadOnly(folder / "ro.tmp", true);
+  EXPECT_FALSE(DeleteFileA(folder / "ro.tmp"));
+  EXPECT_EQ(GetLastError(), 5u);
+  WriteWholeFile(folder / "held.tmp", "");
+  FileHolder holder(folder / "held.tmp");
+  EXPECT_FALSE(DeleteFileA(folder / "held.tmp"));
+  EXPECT_EQ(GetLastError(), 32u);
+}
+
+}  // namespace
+}  // namespace kestrivon::test

@@ -1,0 +1,98 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "frame/RunTimeError.h"
+#include "platform/FileSystem.h"
+#include "platform/TempFiles.h"
+#include "platform/portable/FileSystem.h"
+#include "platform/portable/TempFiles.h"
+
+namespace kestrivon::test {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace kestrivon::platform;
+
+class PathMapping : public ::testing::Test {
+ protected:
+  fs::path root = fs::temp_directory_path() / "kestrivon-mapping-test";
+  void SetUp() override {
+    fs::remove_all(root);
+    fs::create_directories(root / "C" / "Out");
+    fs::create_directories(root / "unc" / "server" / "share");
+    portable::MapDrive('C', (root / "C").string());
+    portable::MapUncRoot((root / "unc").string());
+  }
+  void TearDown() override {
+    portable::ResetPathMapping();
+    portable::ReleaseAllFiles();
+    fs::remove_all(root);
+  }
+};
+
+TEST_F(PathMapping, DrivesAndUncPathsLandOnTheirHostFolders) {
+  EXPECT_EQ(portable::HostPath("C:\\Out\\a.pdf"), (root / "C" / "Out" / "a.pdf").string());
+  EXPECT_EQ(portable::HostPath("c:/Out"), (root / "C" / "Out").string());
+  EXPECT_EQ(portable::HostPath("Z:\\etc\\hosts"), "/etc/hosts");
+  EXPECT_EQ(portable::HostPath("D:\\x"), "");
+  EXPECT_EQ(portable::HostPath("\\\\server\\share\\dir"),
+            (root / "unc" / "server" / "share" / "dir").string());
+  EXPECT_EQ(portable::HostPath("\\\\server"), "");
+  EXPECT_EQ(portable::HostPath("\\\\server\\"), "");
+  EXPECT_EQ(portable::HostPath("/usr/bin"), "/usr/bin");
+  EXPECT_EQ(portable::WindowsPath((root / "C" / "Out").string()), "C:\\Out");
+  EXPECT_EQ(portable::WindowsPath((root / "C").string()), "C:\\");
+  EXPECT_EQ(portable::WindowsPath("/etc/hosts"), "Z:\\etc\\hosts");
+}
+
+TEST_F(PathMapping, NamesMatchWithoutRegardToCase) {
+  std::ofstream(root / "C" / "Out" / "Report.PDF") << "x";
+  EXPECT_TRUE(FileExists("c:\\out\\report.pdf"));
+  EXPECT_TRUE(FolderExists("C:\\OUT"));
+  DeleteFileWithForce("C:\\OUT\\REPORT.pdf", false);
+  EXPECT_FALSE(fs::exists(root / "C" / "Out" / "Report.PDF"));
+}
+
+TEST_F(PathMapping, AServerAloneIsNoFolderAndCannotBeMade) {
+  EXPECT_FALSE(FolderExists("\\\\server"));
+  EXPECT_TRUE(FolderExists("\\\\server\\share"));
+  try {
+    CreateFolder("\\\\server");
+    FAIL() << "created a server";
+  } catch (const RunTimeError& e) {
+    EXPECT_EQ(e.Number(), 76);
+  }
+  EXPECT_TRUE(CreateFolder("\\\\server\\share\\new"));
+  EXPECT_TRUE(fs::is_directory(root / "unc" / "server" / "share" / "new"));
+  EXPECT_FALSE(FolderExists("D:\\"));
+}
+
+TEST_F(PathMapping, AHeldFileCannotBeOpenedOrDeletedUntilReleased) {
+  std::ofstream(root / "C" / "Out" / "job.pdf") << "%PDF";
+  portable::HoldFile("C:\\Out\\job.pdf");
+  EXPECT_EQ(OpenFileExclusive("c:\\out\\JOB.pdf"), kInvalidFile);
+  EXPECT_FALSE(DeleteFileA("C:\\Out\\job.pdf"));
+  EXPECT_THROW(DeleteFileWithForce("C:\\Out\\job.pdf", true), RunTimeError);
+  portable::ReleaseFile("C:\\Out\\job.pdf");
+  const FileHandle file = OpenFileExclusive("C:\\Out\\job.pdf");
+  EXPECT_NE(file, kInvalidFile);
+  CloseFile(file);
+  EXPECT_TRUE(DeleteFileA("C:\\Out\\job.pdf"));
+}
+
+TEST_F(PathMapping, TempPathCanBeSet) {
+  portable::SetTempPath("C:\\Temp");
+  char buffer[kMaxPath] = {};
+  EXPECT_EQ(GetTempPathA(kMaxPath, buffer), 8u);
+  EXPECT_STREQ(buffer, "C:\\Temp\\");
+  portable::SetTempPath("C:\\Out\\");
+  char name[kMaxPath] = {};
+  ASSERT_NE(GetTempFileNameA("C:\\Out\\", "R2P", 0, name), 0u);
+  EXPECT_EQ(std::string(name).rfind("C:\\Out\\R2P", 0), 0u);
+  EXPECT_TRUE(FileExists(name));
+}
+
+}  // namespace
+}  // namespace kestrivon::test

@@ -1,0 +1,91 @@
+#pragma once
+
+// What the conformance tests need around the platform seam, done per side
+// with the side's own means (Win32 calls, or the portable side's hooks and
+// the host system). The tests themselves call only the seam.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/MessageQueue.h"
+#include "platform/Registry.h"
+
+namespace kestrivon::test {
+
+// A new empty folder (Windows path, no trailing backslash) for one test,
+// removed with everything in it when the object goes.
+class ScratchFolder {
+ public:
+  ScratchFolder();
+  ~ScratchFolder();
+  ScratchFolder(const ScratchFolder&) = delete;
+  ScratchFolder& operator=(const ScratchFolder&) = delete;
+  [[nodiscard]] const std::string& Path() const { return path_; }
+  [[nodiscard]] std::string operator/(const std::string& name) const { return path_ + "\\" + name; }
+
+ private:
+  std::string path_;
+};
+
+void WriteWholeFile(const std::string& path, const std::string& bytes);
+std::string ReadWholeFile(const std::string& path);
+bool PathExists(const std::string& path);
+void RemoveFile(const std::string& path);
+void MakeFolder(const std::string& path);
+void SetReadOnly(const std::string& path, bool readOnly);
+std::string WindowsDirectory();
+
+// The helper program next to the test program (Windows path), and a path
+// as the helper must be given it on its command line.
+std::string ChildProgram();
+std::string ChildArgumentPath(const std::string& path);
+// Copies the helper program, keeping it runnable.
+void CopyChildProgram(const std::string& target);
+
+// Another process holds the file open exclusively while the object lives.
+class FileHolder {
+ public:
+  explicit FileHolder(const std::string& path);
+  ~FileHolder();
+  FileHolder(const FileHolder&) = delete;
+  FileHolder& operator=(const FileHolder&) = delete;
+
+ private:
+  std::string path_;
+  std::intptr_t process_ = 0;
+};
+
+bool Is64BitProcess();
+
+enum class View { k32, k64 };
+void CreateTestKey(View view, platform::HKey hive, const std::string& path);
+void SetTestValue(View view, platform::HKey hive, const std::string& path, const std::string& name,
+                  uint32_t type, const std::string& bytes);
+void DeleteTestKey(View view, platform::HKey hive, const std::string& path);
+
+// A window of the calling thread that records what is dispatched to it.
+class RecordingWindow {
+ public:
+  RecordingWindow();
+  ~RecordingWindow();
+  RecordingWindow(const RecordingWindow&) = delete;
+  RecordingWindow& operator=(const RecordingWindow&) = delete;
+  [[nodiscard]] platform::WindowHandle Handle() const { return handle_; }
+  void Post(uint32_t message, std::uintptr_t wParam = 0, std::intptr_t lParam = 0) const;
+
+  struct Received {
+    uint32_t message;
+    std::uintptr_t wParam;
+  };
+  std::vector<Received> received;
+
+ private:
+  platform::WindowHandle handle_ = 0;
+};
+
+void PostThreadMessageToSelf(uint32_t message, std::uintptr_t wParam = 0);
+// Empties the calling thread's queue without dispatching.
+void DrainMessages();
+
+}  // namespace kestrivon::test

@@ -1,0 +1,229 @@
+#include <windows.h>
+
+#include <cstdio>
+#include <stdexcept>
+
+#include "Fixture.h"
+
+namespace kestrivon::test {
+namespace {
+
+std::string ExecutableFolder() {
+  char path[MAX_PATH] = {};
+  GetModuleFileNameA(nullptr, path, MAX_PATH);
+  std::string folder = path;
+  return folder.substr(0, folder.rfind('\\'));
+}
+
+void RemoveTree(const std::string& folder) {
+  WIN32_FIND_DATAA found;
+  HANDLE search = FindFirstFileA((folder + "\\*").c_str(), &found);
+  if (search != INVALID_HANDLE_VALUE) {
+    do {
+      const std::string name = found.cFileName;
+      if (name == "." || name == "..") continue;
+      const std::string path = folder + "\\" + name;
+      SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+      if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+        RemoveTree(path);
+      } else {
+        DeleteFileA(path.c_str());
+      }
+    } while (FindNextFileA(search, &found));
+    FindClose(search);
+  }
+  RemoveDirectoryA(folder.c_str());
+}
+
+REGSAM ViewFlag(View view) { return view == View::k64 ? KEY_WOW64_64KEY : KEY_WOW64_32KEY; }
+
+HKEY Hive(platform::HKey hive) { return reinterpret_cast<HKEY>(hive); }
+
+LRESULT CALLBACK RecordingProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  auto* recorder = reinterpret_cast<RecordingWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+  if (recorder != nullptr) {
+    switch (message) {
+      case WM_TIMER:
+      case WM_CLOSE:
+      case WM_DESTROY:
+      case WM_NCDESTROY:
+      case WM_CHAR:
+      case WM_KEYDOWN:
+      case WM_USER + 1:
+      case WM_NCLBUTTONDOWN:
+      case WM_NCLBUTTONUP:
+      case WM_NCLBUTTONDBLCLK:
+      case WM_NCRBUTTONDOWN:
+      case WM_NCRBUTTONUP:
+      case WM_LBUTTONDOWN:
+      case WM_LBUTTONUP:
+      case WM_LBUTTONDBLCLK:
+      case WM_RBUTTONDOWN:
+      case WM_RBUTTONUP:
+        recorder->received.push_back({message, wParam});
+        return 0;
+      default:
+        break;
+    }
+  }
+  return DefWindowProcA(window, message, wParam, lParam);
+}
+
+const char* RecordingClass() {
+  static const char* name = [] {
+    WNDCLASSA windowClass = {};
+    windowClass.lpfnWndProc = RecordingProcedure;
+    windowClass.hInstance = GetModuleHandleA(nullptr);
+    windowClass.lpszClassName = "KestrivonRecordingWindow";
+    RegisterClassA(&windowClass);
+    return "KestrivonRecordingWindow";
+  }();
+  return name;
+}
+
+}  // namespace
+
+ScratchFolder::ScratchFolder() {
+  static int counter = 0;
+  char temp[MAX_PATH] = {};
+  GetTempPathA(MAX_PATH, temp);
+  path_ = std::string(temp) + "kestrivon-test-" + std::to_string(GetCurrentProcessId()) + "-" +
+          std::to_string(++counter);
+  RemoveTree(path_);
+  if (!CreateDirectoryA(path_.c_str(), nullptr)) throw std::runtime_error("no scratch folder");
+}
+
+ScratchFolder::~ScratchFolder() { RemoveTree(path_); }
+
+void WriteWholeFile(const std::string& path, const std::string& bytes) {
+  FILE* f = std::fopen(path.c_str(), "wb");
+  if (f == nullptr) throw std::runtime_error("cannot write " + path);
+  std::fwrite(bytes.data(), 1, bytes.size(), f);
+  std::fclose(f);
+}
+
+std::string ReadWholeFile(const std::string& path) {
+  std::string bytes;
+  FILE* f = std::fopen(path.c_str(), "rb");
+  if (f == nullptr) return bytes;
+  char chunk[4096];
+  size_t n = 0;
+  while ((n = std::fread(chunk, 1, sizeof chunk, f)) > 0) bytes.append(chunk, n);
+  std::fclose(f);
+  return bytes;
+}
+
+bool PathExists(const std::string& path) {
+  return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+void RemoveFile(const std::string& path) {
+  SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+  DeleteFileA(path.c_str());
+}
+
+void MakeFolder(const std::string& path) { CreateDirectoryA(path.c_str(), nullptr); }
+
+void SetReadOnly(const std::string& path, bool readOnly) {
+  SetFileAttributesA(path.c_str(), readOnly ? FILE_ATTRIBUTE_READONLY : FILE_ATTRIBUTE_NORMAL);
+}
+
+std::string WindowsDirectory() {
+  char folder[MAX_PATH] = {};
+  GetWindowsDirectoryA(folder, MAX_PATH);
+  return folder;
+}
+
+std::string ChildProgram() { return ExecutableFolder() + "\\kestrivon_test_child.exe"; }
+
+std::string ChildArgumentPath(const std::string& path) { return path; }
+
+void CopyChildProgram(const std::string& target) {
+  CopyFileA(ChildProgram().c_str(), target.c_str(), FALSE);
+}
+
+FileHolder::FileHolder(const std::string& path) : path_(path) {
+  std::string commandLine = "\"";
+  commandLine.append(ChildProgram()).append("\" hold \"").append(path).append("\" 600000");
+  STARTUPINFOA startup = {};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION information = {};
+  if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                      &startup, &information)) {
+    throw std::runtime_error("cannot start the holder");
+  }
+  CloseHandle(information.hThread);
+  process_ = reinterpret_cast<std::intptr_t>(information.hProcess);
+  for (int i = 0; i < 1000 && !PathExists(path + ".ready"); ++i) Sleep(10);
+}
+
+FileHolder::~FileHolder() {
+  auto process = reinterpret_cast<HANDLE>(process_);
+  TerminateProcess(process, 0);
+  WaitForSingleObject(process, 10000);
+  CloseHandle(process);
+  DeleteFileA((path_ + ".ready").c_str());
+}
+
+bool Is64BitProcess() { return sizeof(void*) == 8; }
+
+void CreateTestKey(View view, platform::HKey hive, const std::string& path) {
+  HKEY key = nullptr;
+  if (RegCreateKeyExA(Hive(hive), path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | ViewFlag(view),
+                      nullptr, &key, nullptr) == ERROR_SUCCESS) {
+    RegCloseKey(key);
+  }
+}
+
+void SetTestValue(View view, platform::HKey hive, const std::string& path, const std::string& name,
+                  uint32_t type, const std::string& bytes) {
+  HKEY key = nullptr;
+  if (RegCreateKeyExA(Hive(hive), path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | ViewFlag(view),
+                      nullptr, &key, nullptr) == ERROR_SUCCESS) {
+    RegSetValueExA(key, name.c_str(), 0, type, reinterpret_cast<const BYTE*>(bytes.data()),
+                   static_cast<DWORD>(bytes.size()));
+    RegCloseKey(key);
+  }
+}
+
+void DeleteTestKey(View view, platform::HKey hive, const std::string& path) {
+  const size_t slash = path.rfind('\\');
+  const std::string parentPath = slash == std::string::npos ? "" : path.substr(0, slash);
+  const std::string leaf = slash == std::string::npos ? path : path.substr(slash + 1);
+  HKEY parent = nullptr;
+  if (RegOpenKeyExA(Hive(hive), parentPath.c_str(), 0, KEY_ALL_ACCESS | ViewFlag(view), &parent) ==
+      ERROR_SUCCESS) {
+    RegDeleteTreeA(parent, leaf.c_str());
+    RegDeleteKeyExA(parent, leaf.c_str(), ViewFlag(view), 0);
+    RegCloseKey(parent);
+  }
+}
+
+RecordingWindow::RecordingWindow() {
+  HWND window = CreateWindowExA(0, RecordingClass(), "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                GetModuleHandleA(nullptr), nullptr);
+  SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+  handle_ = reinterpret_cast<platform::WindowHandle>(window);
+}
+
+RecordingWindow::~RecordingWindow() {
+  HWND window = reinterpret_cast<HWND>(handle_);
+  SetWindowLongPtrA(window, GWLP_USERDATA, 0);
+  DestroyWindow(window);
+}
+
+void RecordingWindow::Post(uint32_t message, std::uintptr_t wParam, std::intptr_t lParam) const {
+  PostMessageA(reinterpret_cast<HWND>(handle_), message, wParam, lParam);
+}
+
+void PostThreadMessageToSelf(uint32_t message, std::uintptr_t wParam) {
+  PostThreadMessageA(GetCurrentThreadId(), message, wParam, 0);
+}
+
+void DrainMessages() {
+  MSG message;
+  while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+  }
+}
+
+}  // namespace kestrivon::test
