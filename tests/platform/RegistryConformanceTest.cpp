@@ -62,7 +62,8 @@ TEST_F(RegistryConformance, KeyPathSyntax) {
   CreateTestKey(ProcessView(), kHKeyCurrentUser, Path("A\\B"));
   EXPECT_EQ(OpenResult(kHKeyCurrentUser, Path("A\\B\\"), kRead), kErrorSuccess);
   EXPECT_EQ(OpenResult(kHKeyCurrentUser, std::string(kBase) + "\\A\\\\B", kRead), kErrorSuccess);
-  EXPECT_EQ(OpenResult(kHKeyCurrentUser, "\\" + Path("A"), kRead), 161);
+  const std::string leading = std::string("\\").append(Path("A"));
+  EXPECT_EQ(OpenResult(kHKeyCurrentUser, leading, kRead), 161);
 
   HKey parent = 0;
   ASSERT_EQ(RegOpenKeyExA(kHKeyCurrentUser, Path("A"), 0, kRead, &parent), kErrorSuccess);
