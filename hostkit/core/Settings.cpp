@@ -15,10 +15,19 @@ std::string Trim(const std::string& text) {
   return text.substr(first, last - first + 1);
 }
 
+// Fixed against the current folder of the moment the host kit starts, so
+// that a later change of folder does not move its files.
+std::filesystem::path Absolute(const std::string& text) {
+  const std::filesystem::path path = PathFromUtf8(text);
+  std::error_code ec;
+  std::filesystem::path absolute = std::filesystem::absolute(path, ec);
+  return ec ? path : absolute;
+}
+
 std::optional<std::filesystem::path> OptionalPath(const char* variable) {
   const auto value = GetEnvironment(variable);
   if (!value || value->empty()) return std::nullopt;
-  return PathFromUtf8(*value);
+  return Absolute(*value);
 }
 
 }  // namespace
@@ -44,7 +53,7 @@ std::optional<int32_t> ParseLevel(const std::string& text) {
 Settings Settings::FromEnvironment() {
   Settings settings;
   const auto log = GetEnvironment(kTraceLogVariable);
-  settings.traceLog = log && !log->empty() ? PathFromUtf8(*log) : DefaultTraceLog();
+  settings.traceLog = log && !log->empty() ? Absolute(*log) : DefaultTraceLog();
 
   if (const auto level = GetEnvironment(kDiagLevelVariable); level && !level->empty()) {
     if (const auto parsed = ParseLevel(*level)) {

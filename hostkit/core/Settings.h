@@ -18,6 +18,7 @@ inline constexpr const char* kTranslationsVariable = "VEMRA_TRANSLATIONS";
 inline constexpr int32_t kDefaultLevel = 2;
 inline constexpr const char* kDefaultLogName = "vemra-trace.log";
 
+// File names are made absolute when they are read.
 struct Settings {
   std::filesystem::path traceLog;
   int32_t level = kDefaultLevel;

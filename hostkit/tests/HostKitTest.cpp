@@ -42,6 +42,13 @@ TEST(Settings, ReadsEveryVariable) {
   EXPECT_EQ(settings.translationsFile, dir / "t.txt");
 }
 
+TEST(Settings, RelativeNamesAreTakenFromTheCurrentFolder) {
+  Variables vars("logs/trace.log", std::nullopt, "answers.txt");
+  const Settings settings = Settings::FromEnvironment();
+  EXPECT_EQ(settings.traceLog, std::filesystem::current_path() / "logs" / "trace.log");
+  EXPECT_EQ(settings.answersFile, std::filesystem::current_path() / "answers.txt");
+}
+
 TEST(Settings, ABadLevelFallsBackToTwoAndSaysSo) {
   for (const std::string bad : {"debug", "3x", "99999999999", "-"}) {
     Variables vars(std::nullopt, bad);
