@@ -1,0 +1,437 @@
+// A client of the component that knows only the host contract: it creates
+// the classes by ProgID and calls IRevisionPrinter through raw vtable slots,
+// with the host's TraceService and InstanceMonitor played by in-process
+// fakes.
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <string>
+
+#include "ComTestSupport.h"
+#include "FakeHostServices.h"
+
+namespace kestrivon::wine_test {
+namespace {
+
+// IRevisionPrinter as the host contract lays it out: IUnknown (0-2) and
+// IDispatch (3-6), then the eight operations in slots 7 to 14. Declared here
+// on purpose, not taken from the IDL.
+struct RevisionPrinterVtbl {
+  HRESULT(STDMETHODCALLTYPE* QueryInterface)(void*, REFIID, void**);
+  ULONG(STDMETHODCALLTYPE* AddRef)(void*);
+  ULONG(STDMETHODCALLTYPE* Release)(void*);
+  HRESULT(STDMETHODCALLTYPE* GetTypeInfoCount)(void*, UINT*);
+  HRESULT(STDMETHODCALLTYPE* GetTypeInfo)(void*, UINT, LCID, ITypeInfo**);
+  HRESULT(STDMETHODCALLTYPE* GetIDsOfNames)(void*, REFIID, LPOLESTR*, UINT, LCID, DISPID*);
+  HRESULT(STDMETHODCALLTYPE* Invoke)
+  (void*, DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*);
+  HRESULT(STDMETHODCALLTYPE* Extension)(void*, BSTR*);
+  HRESULT(STDMETHODCALLTYPE* DoPrint)(void*, IDispatch*, IDispatch*, BSTR, BSTR, VARIANT_BOOL*);
+  HRESULT(STDMETHODCALLTYPE* InitPrnSettings)(void*, VARIANT_BOOL*);
+  HRESULT(STDMETHODCALLTYPE* SetPrnDefaults)(void*, VARIANT_BOOL*);
+  HRESULT(STDMETHODCALLTYPE* AppendFile)(void*, BSTR, BSTR, VARIANT_BOOL*);
+  HRESULT(STDMETHODCALLTYPE* CheckPrnSettings)(void*, BSTR*);
+  HRESULT(STDMETHODCALLTYPE* Version)(void*, LONG*);
+  HRESULT(STDMETHODCALLTYPE* IsPrinterAvailable)(void*, VARIANT_BOOL*);
+};
+static_assert(offsetof(RevisionPrinterVtbl, Extension) == 7 * sizeof(void*));
+static_assert(offsetof(RevisionPrinterVtbl, IsPrinterAvailable) == 14 * sizeof(void*));
+
+constexpr VARIANT_BOOL kTrue = VARIANT_TRUE;
+constexpr VARIANT_BOOL kFalse = VARIANT_FALSE;
+constexpr const wchar_t* kNoFileDoPrintLine =
+    L"VemraKestrivon::NoFile::IRevisionPrinter_DoPrint(): document has no file -> nothing to do";
+
+// One reference to an object through its IRevisionPrinter slots.
+class Printer {
+ public:
+  explicit Printer(void* p = nullptr) : p_(p) {}
+  ~Printer() { Reset(); }
+  Printer(const Printer&) = delete;
+  Printer& operator=(const Printer&) = delete;
+  Printer(Printer&& other) noexcept : p_(std::exchange(other.p_, nullptr)) {}
+
+  void Reset() {
+    if (p_ != nullptr) v()->Release(p_);
+    p_ = nullptr;
+  }
+  void* get() const { return p_; }
+  const RevisionPrinterVtbl* v() const { return *static_cast<RevisionPrinterVtbl* const*>(p_); }
+
+  std::wstring Extension() const {
+    Bstr text;
+    EXPECT_EQ(v()->Extension(p_, text.out()), S_OK);
+    return text.str();
+  }
+  VARIANT_BOOL DoPrint(IDispatch* document, IDispatch* owner, const wchar_t* folder,
+                       const wchar_t* file) const {
+    Bstr folderText(folder);
+    Bstr fileText(file);
+    VARIANT_BOOL result = 1;  // neither true nor false: must be overwritten
+    EXPECT_EQ(v()->DoPrint(p_, document, owner, folderText.get(), fileText.get(), &result), S_OK);
+    return result;
+  }
+  VARIANT_BOOL InitPrnSettings() const { return Flag(v()->InitPrnSettings); }
+  VARIANT_BOOL SetPrnDefaults() const { return Flag(v()->SetPrnDefaults); }
+  VARIANT_BOOL IsPrinterAvailable() const { return Flag(v()->IsPrinterAvailable); }
+  VARIANT_BOOL AppendFile(const wchar_t* toAppend, const wchar_t* main) const {
+    Bstr a(toAppend);
+    Bstr m(main);
+    VARIANT_BOOL result = 1;
+    EXPECT_EQ(v()->AppendFile(p_, a.get(), m.get(), &result), S_OK);
+    return result;
+  }
+  // The answer, or "<null>" when the text is missing altogether.
+  std::wstring CheckPrnSettings() const {
+    Bstr text;
+    EXPECT_EQ(v()->CheckPrnSettings(p_, text.out()), S_OK);
+    return text.get() == nullptr ? L"<null>" : text.str();
+  }
+  LONG Version() const {
+    LONG version = -1;
+    EXPECT_EQ(v()->Version(p_, &version), S_OK);
+    return version;
+  }
+
+ private:
+  VARIANT_BOOL Flag(HRESULT(STDMETHODCALLTYPE* op)(void*, VARIANT_BOOL*)) const {
+    VARIANT_BOOL result = 1;
+    EXPECT_EQ(op(p_, &result), S_OK);
+    return result;
+  }
+  void* p_;
+};
+
+Printer Create(const ContractClass& c) {
+  CLSID clsid{};
+  EXPECT_EQ(CLSIDFromProgID(c.progId, &clsid), S_OK) << c.progId;
+  EXPECT_EQ(GuidText(clsid), c.clsid) << c.progId;
+  Ref<IUnknown> unknown;
+  const HRESULT hr =
+      CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, unknown.outVoid());
+  EXPECT_EQ(hr, S_OK) << c.progId;
+  if (FAILED(hr)) return Printer();
+  void* printer = nullptr;
+  EXPECT_EQ(unknown->QueryInterface(Guid(kRevisionPrinterIid), &printer), S_OK) << c.progId;
+  return Printer(printer);
+}
+
+const ContractClass& ClassNamed(const wchar_t* name) {
+  for (const auto& c : ContractClasses()) {
+    if (std::wstring(c.name) == name) return c;
+  }
+  throw std::logic_error("no such class in the contract table");
+}
+
+// A host object handed to DoPrint: only its reference count matters.
+class Document final : public IDispatch {
+ public:
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
+    if (IsEqualIID(riid, IID_IUnknown) || IsEqualIID(riid, IID_IDispatch)) {
+      *object = static_cast<IDispatch*>(this);
+      AddRef();
+      return S_OK;
+    }
+    *object = nullptr;
+    return E_NOINTERFACE;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return ++refs; }
+  ULONG STDMETHODCALLTYPE Release() override { return --refs; }
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+    *count = 0;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+    return DISP_E_UNKNOWNNAME;
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                                   UINT*) override {
+    return DISP_E_MEMBERNOTFOUND;
+  }
+  ULONG refs = 1;
+};
+
+class FakeHostEnvironment : public testing::Environment {
+ public:
+  void SetUp() override { InstallFakeHostServices(); }
+};
+const auto* const environment = testing::AddGlobalTestEnvironment(new FakeHostEnvironment);
+
+class RawClient : public testing::Test {
+ protected:
+  void SetUp() override { Fake().Reset(); }
+};
+
+TEST_F(RawClient, EveryClassIsOneObjectBehindAllItsInterfaces) {
+  for (const auto& c : ContractClasses()) {
+    SCOPED_TRACE(testing::Message() << c.progId);
+    Printer printer = Create(c);
+    ASSERT_NE(printer.get(), nullptr);
+    auto* unknown = static_cast<IUnknown*>(printer.get());
+    for (const GUID& iid : {IID_IUnknown, IID_IDispatch, Guid(c.defaultIid)}) {
+      Ref<IUnknown> other;
+      EXPECT_EQ(unknown->QueryInterface(iid, other.outVoid()), S_OK) << GuidText(iid);
+      EXPECT_EQ(static_cast<void*>(other.get()), printer.get()) << GuidText(iid);
+    }
+    Ref<IUnknown> second;
+    if (c.secondIid != nullptr) {
+      EXPECT_EQ(unknown->QueryInterface(Guid(c.secondIid), second.outVoid()), S_OK);
+      EXPECT_EQ(static_cast<void*>(second.get()), printer.get());
+    }
+    // Another class's interfaces are not this one's.
+    const ContractClass& other =
+        std::wstring(c.name) == L"NoFile" ? ClassNamed(L"AdobePDF") : ClassNamed(L"NoFile");
+    EXPECT_EQ(unknown->QueryInterface(Guid(other.defaultIid), second.outVoid()), E_NOINTERFACE);
+    EXPECT_EQ(second.get(), nullptr);
+    if (c.secondIid == nullptr) {
+      EXPECT_EQ(unknown->QueryInterface(Guid(L"{0F318467-4A71-4559-BB5B-1430D408735E}"),
+                                        second.outVoid()),
+                E_NOINTERFACE);
+    }
+  }
+}
+
+TEST_F(RawClient, InformationalOperationsAnswerPerClass) {
+  for (const auto& c : ContractClasses()) {
+    SCOPED_TRACE(testing::Message() << c.progId);
+    Printer printer = Create(c);
+    ASSERT_NE(printer.get(), nullptr);
+    EXPECT_EQ(printer.Version(), 1);
+    EXPECT_EQ(printer.Extension(), c.extension);
+    EXPECT_EQ(printer.SetPrnDefaults(), kTrue);
+    EXPECT_EQ(printer.Extension(), c.extension);
+    EXPECT_EQ(printer.Version(), 1);
+  }
+}
+
+TEST_F(RawClient, NoFileCompletesAWholeRevision) {
+  Printer printer = Create(ClassNamed(L"NoFile"));
+  ASSERT_NE(printer.get(), nullptr);
+  EXPECT_EQ(printer.InitPrnSettings(), kTrue);
+  EXPECT_EQ(printer.CheckPrnSettings(), L"");
+  EXPECT_EQ(printer.IsPrinterAvailable(), kTrue);
+  EXPECT_EQ(printer.SetPrnDefaults(), kTrue);
+  EXPECT_EQ(printer.DoPrint(nullptr, nullptr, L"", L""), kTrue);
+  EXPECT_EQ(printer.AppendFile(L"C:\\no such folder\\a.pdf", L"C:\\no such folder\\b"), kTrue);
+  EXPECT_EQ(printer.AppendFile(L"", L""), kTrue);
+  EXPECT_EQ(printer.Extension(), L"NoFile");
+  EXPECT_EQ(printer.Version(), 1);
+  EXPECT_EQ(Fake().traceLines, std::vector<std::wstring>{kNoFileDoPrintLine});
+  EXPECT_TRUE(Fake().errors.empty());
+}
+
+TEST_F(RawClient, DoPrintHoldsTheHostObjectsOnlyForTheCall) {
+  Printer printer = Create(ClassNamed(L"NoFile"));
+  ASSERT_NE(printer.get(), nullptr);
+  Document document;
+  Document owner;
+  EXPECT_EQ(printer.DoPrint(&document, &owner, L"C:\\revisions", L"A-100"), kTrue);
+  EXPECT_EQ(document.refs, 1u);
+  EXPECT_EQ(owner.refs, 1u);
+}
+
+TEST_F(RawClient, PrintersWithoutTheirPipelineAnswerFailureValues) {
+  for (const auto& c : ContractClasses()) {
+    if (std::wstring(c.name) == L"NoFile") continue;
+    SCOPED_TRACE(testing::Message() << c.progId);
+    Printer printer = Create(c);
+    ASSERT_NE(printer.get(), nullptr);
+    EXPECT_EQ(printer.InitPrnSettings(), kFalse);
+    EXPECT_EQ(printer.IsPrinterAvailable(), kFalse);
+    EXPECT_EQ(printer.CheckPrnSettings(), L"");
+    EXPECT_EQ(printer.DoPrint(nullptr, nullptr, L"", L""), kFalse);
+    EXPECT_EQ(printer.AppendFile(L"C:\\missing\\a.pdf", L"C:\\missing\\b.pdf"), kFalse);
+  }
+}
+
+TEST_F(RawClient, NullOutPointersAreTheOnlyFailures) {
+  for (const auto& c : ContractClasses()) {
+    SCOPED_TRACE(testing::Message() << c.progId);
+    Printer printer = Create(c);
+    ASSERT_NE(printer.get(), nullptr);
+    const RevisionPrinterVtbl* v = printer.v();
+    void* p = printer.get();
+    EXPECT_EQ(v->Extension(p, nullptr), E_POINTER);
+    EXPECT_EQ(v->DoPrint(p, nullptr, nullptr, nullptr, nullptr, nullptr), E_POINTER);
+    EXPECT_EQ(v->InitPrnSettings(p, nullptr), E_POINTER);
+    EXPECT_EQ(v->SetPrnDefaults(p, nullptr), E_POINTER);
+    EXPECT_EQ(v->AppendFile(p, nullptr, nullptr, nullptr), E_POINTER);
+    EXPECT_EQ(v->CheckPrnSettings(p, nullptr), E_POINTER);
+    EXPECT_EQ(v->Version(p, nullptr), E_POINTER);
+    EXPECT_EQ(v->IsPrinterAvailable(p, nullptr), E_POINTER);
+  }
+}
+
+TEST_F(RawClient, TheDefaultDispatchCallsTheOperationsByName) {
+  Printer printer = Create(ClassNamed(L"NoFile"));
+  ASSERT_NE(printer.get(), nullptr);
+  Ref<IDispatch> dispatch;
+  ASSERT_EQ(static_cast<IUnknown*>(printer.get())
+                ->QueryInterface(Guid(ClassNamed(L"NoFile").defaultIid), dispatch.outVoid()),
+            S_OK);
+  UINT count = 0;
+  EXPECT_EQ(dispatch->GetTypeInfoCount(&count), S_OK);
+  EXPECT_EQ(count, 1u);
+  Ref<ITypeInfo> info;
+  ASSERT_EQ(dispatch->GetTypeInfo(0, LOCALE_USER_DEFAULT, info.out()), S_OK);
+  TYPEATTR* attr = nullptr;
+  ASSERT_EQ(info->GetTypeAttr(&attr), S_OK);
+  EXPECT_EQ(GuidText(attr->guid), kRevisionPrinterIid);
+  info->ReleaseTypeAttr(attr);
+
+  const wchar_t* names[] = {L"Extension",      L"DoPrint",           L"InitPrnSettings",
+                            L"SetPrnDefaults", L"AppendFile",        L"CheckPrnSettings",
+                            L"Version",        L"IsPrinterAvailable"};
+  for (DISPID expected = 1; const wchar_t* name : names) {
+    DISPID id = DISPID_UNKNOWN;
+    LPOLESTR n[] = {const_cast<LPOLESTR>(name)};
+    EXPECT_EQ(dispatch->GetIDsOfNames(IID_NULL, n, 1, LOCALE_USER_DEFAULT, &id), S_OK) << name;
+    EXPECT_EQ(id, expected++) << name;
+  }
+  LPOLESTR unknownName[] = {const_cast<LPOLESTR>(L"Print")};
+  DISPID id = 0;
+  EXPECT_EQ(dispatch->GetIDsOfNames(IID_NULL, unknownName, 1, LOCALE_USER_DEFAULT, &id),
+            DISP_E_UNKNOWNNAME);
+
+  VARIANT result;
+  VariantInit(&result);
+  DISPPARAMS none{};
+  ASSERT_EQ(dispatch->Invoke(1, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, &result,
+                             nullptr, nullptr),
+            S_OK);
+  ASSERT_EQ(V_VT(&result), VT_BSTR);
+  EXPECT_EQ(std::wstring(V_BSTR(&result)), L"NoFile");
+  VariantClear(&result);
+
+  // DoPrint(Nothing, Nothing, "C:\r", "A-1"): arguments go right to left.
+  Bstr folder(L"C:\\r");
+  Bstr file(L"A-1");
+  VARIANT args[4];
+  for (auto& a : args) VariantInit(&a);
+  V_VT(&args[0]) = VT_BSTR;
+  V_BSTR(&args[0]) = file.get();
+  V_VT(&args[1]) = VT_BSTR;
+  V_BSTR(&args[1]) = folder.get();
+  V_VT(&args[2]) = VT_DISPATCH;
+  V_DISPATCH(&args[2]) = nullptr;
+  V_VT(&args[3]) = VT_DISPATCH;
+  V_DISPATCH(&args[3]) = nullptr;
+  DISPPARAMS params{args, nullptr, 4, 0};
+  ASSERT_EQ(dispatch->Invoke(2, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, &result,
+                             nullptr, nullptr),
+            S_OK);
+  ASSERT_EQ(V_VT(&result), VT_BOOL);
+  EXPECT_EQ(V_BOOL(&result), kTrue);
+  EXPECT_EQ(Fake().traceLines, std::vector<std::wstring>{kNoFileDoPrintLine});
+
+  ASSERT_EQ(dispatch->Invoke(7, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &none, &result,
+                             nullptr, nullptr),
+            S_OK);
+  EXPECT_EQ(V_VT(&result), VT_I4);
+  EXPECT_EQ(V_I4(&result), 1);
+}
+
+class HostServices : public testing::Test {
+ protected:
+  void SetUp() override { Fake().Reset(); }
+};
+
+TEST_F(HostServices, TheMonitorIsMadeOnceAndWatchesTheLiveCount) {
+  Printer first = Create(ClassNamed(L"NoFile"));
+  ASSERT_EQ(Fake().counters.count(L"Kestrivan.InstanceCount"), 1u);
+  LONG* count = Fake().counters[L"Kestrivan.InstanceCount"];
+  ASSERT_NE(count, nullptr);
+  const LONG before = *count;
+  {
+    Printer second = Create(ClassNamed(L"AdobePDF"));
+    EXPECT_EQ(*count, before + 1);
+    Printer harp = Create(ClassNamed(L"VemraHARP"));
+    EXPECT_EQ(*count, before + 1);
+  }
+  EXPECT_EQ(*count, before);
+  first.Reset();
+  EXPECT_EQ(*count, before - 1);
+  EXPECT_EQ(Fake().monitorsCreated, 1);
+  EXPECT_EQ(Fake().getLevelCalls, 1);
+  EXPECT_EQ(Fake().traceServicesCreated, 1);
+}
+
+TEST_F(HostServices, AFailingHostCallIsLoggedWithTheHostsErrorInfo) {
+  Printer printer = Create(ClassNamed(L"NoFile"));
+  Fake().writeTraceResult = static_cast<HRESULT>(0x80041234);
+  Fake().writeTraceErrorText = L"the trace is full";
+  EXPECT_EQ(printer.DoPrint(nullptr, nullptr, L"", L""), kFalse);
+  ASSERT_EQ(Fake().errors.size(), 1u);
+  const LoggedError& e = Fake().errors[0];
+  EXPECT_EQ(static_cast<ULONG>(e.number), 0x80041234u);
+  EXPECT_EQ(e.description, L"the trace is full");
+  EXPECT_EQ(e.source, L"FakeTraceService");
+  EXPECT_EQ(e.classLabel, L"VemraKestrivon::NoFile");
+  EXPECT_EQ(e.procedureLabel, L" Function IRevisionPrinter_DoPrint");
+}
+
+TEST_F(HostServices, WithoutErrorInfoTheSystemTextOrAutomationErrorDescribesIt) {
+  Printer printer = Create(ClassNamed(L"NoFile"));
+  SetErrorInfo(0, nullptr);
+  Fake().writeTraceResult = E_ACCESSDENIED;
+  EXPECT_EQ(printer.DoPrint(nullptr, nullptr, L"", L""), kFalse);
+  Fake().writeTraceResult = static_cast<HRESULT>(0x80041234);
+  EXPECT_EQ(printer.DoPrint(nullptr, nullptr, L"", L""), kFalse);
+  ASSERT_EQ(Fake().errors.size(), 2u);
+
+  wchar_t system[512] = {};
+  const DWORD n =
+      FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                     static_cast<DWORD>(E_ACCESSDENIED), 0, system, 512, nullptr);
+  ASSERT_GT(n, 0u);
+  std::wstring expected(system, n);
+  while (!expected.empty() && (expected.back() == L'\n' || expected.back() == L'\r')) {
+    expected.pop_back();
+  }
+  EXPECT_EQ(Fake().errors[0].number, E_ACCESSDENIED);
+  EXPECT_EQ(Fake().errors[0].description, expected);
+  EXPECT_EQ(Fake().errors[0].source, L"VemraKestrivon");
+  EXPECT_EQ(Fake().errors[1].description, L"Automation error");
+}
+
+TEST_F(HostServices, WhenEvenLogErrorFailsTheHostStillGetsSOkAndTheFailureValue) {
+  Printer printer = Create(ClassNamed(L"NoFile"));
+  Fake().writeTraceResult = E_FAIL;
+  Fake().logErrorResult = E_FAIL;
+  EXPECT_EQ(printer.DoPrint(nullptr, nullptr, L"", L""), kFalse);
+  EXPECT_TRUE(Fake().errors.empty());
+  Fake().Reset();
+  EXPECT_EQ(printer.DoPrint(nullptr, nullptr, L"", L""), kTrue);
+}
+
+TEST(Server, UnloadingFollowsLiveObjectsAndLocks) {
+  Printer printer = Create(ClassNamed(L"PDFFactory"));
+  HMODULE dll = GetModuleHandleW(L"VemraKestrivon.dll");
+  ASSERT_NE(dll, nullptr);
+  using CanUnload = HRESULT(STDAPICALLTYPE*)();
+  auto canUnload =
+      reinterpret_cast<CanUnload>(reinterpret_cast<void*>(GetProcAddress(dll, "DllCanUnloadNow")));
+  ASSERT_NE(canUnload, nullptr);
+  EXPECT_EQ(canUnload(), S_FALSE);
+  printer.Reset();
+  EXPECT_EQ(canUnload(), S_OK);
+
+  Ref<IClassFactory> factory;
+  ASSERT_EQ(CoGetClassObject(Guid(ClassNamed(L"PDFFactory").clsid), CLSCTX_INPROC_SERVER, nullptr,
+                             IID_IClassFactory, factory.outVoid()),
+            S_OK);
+  EXPECT_EQ(factory->LockServer(TRUE), S_OK);
+  EXPECT_EQ(canUnload(), S_FALSE);
+  EXPECT_EQ(factory->LockServer(FALSE), S_OK);
+  EXPECT_EQ(canUnload(), S_OK);
+
+  Ref<IUnknown> aggregated;
+  Document outer;
+  EXPECT_EQ(factory->CreateInstance(&outer, IID_IUnknown, aggregated.outVoid()),
+            CLASS_E_NOAGGREGATION);
+  EXPECT_EQ(canUnload(), S_OK);
+}
+
+}  // namespace
+}  // namespace kestrivon::wine_test

@@ -1,0 +1,199 @@
+// DllRegisterServer / DllUnregisterServer of the component, called directly
+// in the build's prefix, against the keys that the host contract fixes.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+
+#include "ComTestSupport.h"
+
+namespace kestrivon::wine_test {
+namespace {
+
+#ifdef _WIN64
+constexpr const wchar_t* kPlatform = L"win64";
+#else
+constexpr const wchar_t* kPlatform = L"win32";
+#endif
+constexpr const wchar_t* kOleAutomationProxy = L"{00020424-0000-0000-C000-000000000046}";
+
+// Key path or "key path|value name" -> type and data, in both registry views.
+using Snapshot = std::map<std::wstring, std::wstring>;
+
+void Walk(REGSAM view, const std::wstring& path, Snapshot& out) {
+  HKEY key = nullptr;
+  if (RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_READ | view, &key) != ERROR_SUCCESS) {
+    return;
+  }
+  const std::wstring prefix = (view == KEY_WOW64_32KEY ? L"32:" : L"64:") + path;
+  out[prefix] = L"<key>";
+  for (DWORD i = 0;; ++i) {
+    wchar_t name[512];
+    DWORD nameLength = 512;
+    BYTE data[4096];
+    DWORD dataLength = sizeof(data);
+    DWORD type = 0;
+    if (RegEnumValueW(key, i, name, &nameLength, nullptr, &type, data, &dataLength) !=
+        ERROR_SUCCESS) {
+      break;
+    }
+    out[prefix + L"|" + name] =
+        std::to_wstring(type) + L":" +
+        std::wstring(reinterpret_cast<wchar_t*>(data), dataLength / sizeof(wchar_t));
+  }
+  for (DWORD i = 0;; ++i) {
+    wchar_t name[512];
+    DWORD nameLength = 512;
+    if (RegEnumKeyExW(key, i, name, &nameLength, nullptr, nullptr, nullptr, nullptr) !=
+        ERROR_SUCCESS) {
+      break;
+    }
+    Walk(view, path + L"\\" + name, out);
+  }
+  RegCloseKey(key);
+}
+
+// The subtrees that the component or the host own; hostOnly keeps the
+// host's alone.
+Snapshot Take(bool hostOnly = false) {
+  Snapshot s;
+  for (REGSAM view : {KEY_WOW64_64KEY, KEY_WOW64_32KEY}) {
+    Walk(view, std::wstring(L"Interface\\") + kRevisionPrinterIid, s);
+    Walk(view, std::wstring(L"TypeLib\\") + kVBInterfaceLibId, s);
+    if (hostOnly) continue;
+    Walk(view, std::wstring(L"TypeLib\\") + kLibId, s);
+    for (const auto& c : ContractClasses()) {
+      Walk(view, std::wstring(L"CLSID\\") + c.clsid, s);
+      Walk(view, c.progId, s);
+      Walk(view, std::wstring(L"Interface\\") + c.defaultIid, s);
+      if (c.secondIid != nullptr) Walk(view, std::wstring(L"Interface\\") + c.secondIid, s);
+    }
+  }
+  return s;
+}
+
+// A string value of HKCR, or "<missing>".
+std::wstring Value(const std::wstring& path, const wchar_t* name = nullptr) {
+  wchar_t data[1024] = {};
+  DWORD size = sizeof(data);
+  if (RegGetValueW(HKEY_CLASSES_ROOT, path.c_str(), name, RRF_RT_REG_SZ, nullptr, data, &size) !=
+      ERROR_SUCCESS) {
+    return L"<missing>";
+  }
+  return data;
+}
+
+bool KeyExists(const std::wstring& path) {
+  HKEY key = nullptr;
+  if (RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) {
+    return false;
+  }
+  RegCloseKey(key);
+  return true;
+}
+
+using EntryPoint = HRESULT(STDAPICALLTYPE*)();
+
+class Registration : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    dll_ = LoadLibraryW(ComponentDll().c_str());
+    ASSERT_NE(dll_, nullptr) << "cannot load " << testing::PrintToString(ComponentDll());
+    register_ = Entry("DllRegisterServer");
+    unregister_ = Entry("DllUnregisterServer");
+    wchar_t path[MAX_PATH] = {};
+    GetModuleFileNameW(dll_, path, MAX_PATH);
+    dllPath_ = path;
+  }
+  static void TearDownTestSuite() {
+    if (dll_ != nullptr) FreeLibrary(dll_);
+  }
+  // Whatever a test did, the prefix is left registered for the others.
+  void TearDown() override {
+    if (register_ != nullptr) {
+      EXPECT_EQ(register_(), S_OK);
+    }
+  }
+
+  static EntryPoint Entry(const char* name) {
+    return reinterpret_cast<EntryPoint>(reinterpret_cast<void*>(GetProcAddress(dll_, name)));
+  }
+
+  static HMODULE dll_;
+  static EntryPoint register_;
+  static EntryPoint unregister_;
+  static std::wstring dllPath_;
+};
+
+HMODULE Registration::dll_ = nullptr;
+EntryPoint Registration::register_ = nullptr;
+EntryPoint Registration::unregister_ = nullptr;
+std::wstring Registration::dllPath_;
+
+TEST_F(Registration, WritesTheClassProgIdAndTypeLibraryKeys) {
+  ASSERT_NE(register_, nullptr);
+  ASSERT_EQ(register_(), S_OK);
+  for (const auto& c : ContractClasses()) {
+    SCOPED_TRACE(testing::Message() << c.progId);
+    const std::wstring key = std::wstring(L"CLSID\\") + c.clsid;
+    EXPECT_EQ(Value(key), c.progId);
+    EXPECT_EQ(Value(key + L"\\InprocServer32"), dllPath_);
+    EXPECT_EQ(Value(key + L"\\InprocServer32", L"ThreadingModel"), L"Apartment");
+    EXPECT_EQ(Value(key + L"\\ProgID"), c.progId);
+    EXPECT_EQ(Value(key + L"\\VERSION"), L"6.4");
+    EXPECT_EQ(Value(key + L"\\TypeLib"), kLibId);
+    EXPECT_TRUE(KeyExists(key + L"\\Programmable"));
+    EXPECT_EQ(Value(c.progId), c.progId);
+    EXPECT_EQ(Value(std::wstring(c.progId) + L"\\CLSID"), c.clsid);
+
+    const std::wstring iface = std::wstring(L"Interface\\") + c.defaultIid;
+    EXPECT_EQ(Value(iface), c.defaultInterface);
+    EXPECT_EQ(Value(iface + L"\\TypeLib"), kLibId);
+    EXPECT_EQ(Value(iface + L"\\TypeLib", L"Version"), L"6.4");
+    EXPECT_EQ(Value(iface + L"\\ProxyStubClsid32"), kOleAutomationProxy);
+    if (c.secondIid != nullptr) {
+      const std::wstring second = std::wstring(L"Interface\\") + c.secondIid;
+      EXPECT_EQ(Value(second), kSecondInterface);
+      EXPECT_EQ(Value(second + L"\\TypeLib"), kLibId);
+    }
+  }
+  const std::wstring lib = std::wstring(L"TypeLib\\") + kLibId + L"\\6.4";
+  EXPECT_EQ(Value(lib), kLibDescription);
+  EXPECT_EQ(Value(lib + L"\\0\\" + kPlatform), dllPath_);
+}
+
+TEST_F(Registration, NeverWritesTheHostsKeys) {
+  ASSERT_EQ(unregister_(), S_OK);
+  const Snapshot hostBefore = Take(true);
+  ASSERT_EQ(register_(), S_OK);
+  EXPECT_EQ(Take(true), hostBefore);
+  // Present only when the host kit registered it, and then never ours.
+  const std::wstring revisionPrinter = std::wstring(L"Interface\\") + kRevisionPrinterIid;
+  if (KeyExists(revisionPrinter)) {
+    EXPECT_EQ(Value(revisionPrinter + L"\\TypeLib"), kVBInterfaceLibId);
+  }
+  for (const auto& [path, data] : Take(true)) {
+    EXPECT_EQ(data.find(dllPath_), std::wstring::npos) << testing::PrintToString(path);
+  }
+}
+
+TEST_F(Registration, UnregisteringRemovesExactlyWhatRegisteringWrote) {
+  ASSERT_EQ(register_(), S_OK);
+  const Snapshot registered = Take();
+  ASSERT_EQ(unregister_(), S_OK);
+  const Snapshot unregistered = Take();
+  EXPECT_EQ(unregistered, Take(true)) << "keys of the component left behind";
+  // Seven classes with at least nine keys and values each, plus the library.
+  EXPECT_GT(registered.size(), unregistered.size() + 7 * 9);
+  // Twice is fine, and changes nothing.
+  EXPECT_EQ(unregister_(), S_OK);
+  EXPECT_EQ(Take(), unregistered);
+
+  ASSERT_EQ(register_(), S_OK);
+  EXPECT_EQ(Take(), registered);
+  ASSERT_EQ(unregister_(), S_OK);
+  EXPECT_EQ(Take(), unregistered);
+}
+
+}  // namespace
+}  // namespace kestrivon::wine_test
