@@ -1,6 +1,10 @@
 // The host's TraceService and InstanceMonitor, reached through COM by the
 // class identities that the host registers.
 #include <windows.h>
+// windows.h renames these to their W forms; ITraceService and
+// host::TraceService name their members plainly.
+#undef CopyFile
+#undef GetObject
 
 #include <memory>
 #include <string>
