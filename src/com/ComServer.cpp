@@ -12,7 +12,6 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserv
   switch (reason) {
     case DLL_PROCESS_ATTACH:
       kestrivon::com::SetModuleHandle(instance);
-      ::DisableThreadLibraryCalls(instance);
       break;
     case DLL_PROCESS_DETACH:
       // The run time's destructors run after this; from now on the host's

@@ -160,6 +160,8 @@ void Write(const std::wstring& output, const std::wstring& hostLibrary) {
     AddInterface(coclass.get(), index++, defaults[i], IMPLTYPEFLAG_FDEFAULT);
     if (!c.secondIid.empty()) AddInterface(coclass.get(), index++, second, 0);
     AddInterface(coclass.get(), index++, revisionPrinter.get(), 0);
+    // After the interfaces: set before them, Wine's writer also marked the
+    // first coclass dispatchable.
     Check(coclass->SetTypeFlags(TYPEFLAG_FCANCREATE), "SetTypeFlags (coclass)");
     Check(coclass->LayOut(), "LayOut (coclass)");
     ++i;
