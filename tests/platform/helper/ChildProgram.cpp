@@ -3,6 +3,7 @@
 //   sleep MS [N]       sleeps, then ends with N
 //   hold PATH MS       opens PATH exclusively, writes PATH.ready, sleeps
 //   args OUT ARG...    writes each ARG on a line of OUT
+//   late MS PATH       sleeps, then creates PATH
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -55,6 +56,11 @@ int main(int argc, char** argv) {
     return argc >= 4 ? std::atoi(argv[3]) : 0;
   }
   if (mode == "hold" && argc >= 4) return Hold(argv[2], std::atol(argv[3]));
+  if (mode == "late" && argc >= 4) {
+    SleepFor(std::atol(argv[2]));
+    Touch(argv[3]);
+    return 0;
+  }
   if (mode == "args" && argc >= 3) {
     FILE* out = std::fopen(argv[2], "wb");
     if (out == nullptr) return 3;

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -17,7 +18,7 @@ using namespace kestrivon::platform;
 
 class PathMapping : public ::testing::Test {
  protected:
-  fs::path root = fs::temp_directory_path() / "kestrivon-mapping-test";
+  fs::path root = fs::temp_directory_path() / ("kestrivon-mapping-" + std::to_string(::getpid()));
   void SetUp() override {
     fs::remove_all(root);
     fs::create_directories(root / "C" / "Out");

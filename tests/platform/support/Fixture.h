@@ -43,10 +43,11 @@ std::string ChildArgumentPath(const std::string& path);
 // Copies the helper program, keeping it runnable.
 void CopyChildProgram(const std::string& target);
 
-// Another process holds the file open exclusively while the object lives.
+// Another process holds the file open exclusively while the object lives,
+// or for the given time.
 class FileHolder {
  public:
-  explicit FileHolder(const std::string& path);
+  explicit FileHolder(const std::string& path, uint32_t milliseconds = 600000);
   ~FileHolder();
   FileHolder(const FileHolder&) = delete;
   FileHolder& operator=(const FileHolder&) = delete;

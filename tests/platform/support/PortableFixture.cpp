@@ -89,11 +89,11 @@ void CopyChildProgram(const std::string& target) {
   fs::permissions(Host(target), fs::perms::owner_exec, fs::perm_options::add);
 }
 
-FileHolder::FileHolder(const std::string& path) : path_(path) {
+FileHolder::FileHolder(const std::string& path, uint32_t holdMs) : path_(path) {
   const std::string child = ExecutableFolder() + "/kestrivon_test_child";
   std::string mode = "hold";
   std::string target = Host(path);
-  std::string ms = "600000";
+  std::string ms = std::to_string(holdMs);
   char* argv[] = {const_cast<char*>(child.c_str()), mode.data(), target.data(), ms.data(), nullptr};
   pid_t pid = 0;
   if (::posix_spawn(&pid, child.c_str(), nullptr, nullptr, argv, environ) != 0) {

@@ -142,9 +142,13 @@ void CopyChildProgram(const std::string& target) {
   CopyFileA(ChildProgram().c_str(), target.c_str(), FALSE);
 }
 
-FileHolder::FileHolder(const std::string& path) : path_(path) {
+FileHolder::FileHolder(const std::string& path, uint32_t holdMs) : path_(path) {
   std::string commandLine = "\"";
-  commandLine.append(ChildProgram()).append("\" hold \"").append(path).append("\" 600000");
+  commandLine.append(ChildProgram())
+      .append("\" hold \"")
+      .append(path)
+      .append("\" ")
+      .append(std::to_string(holdMs));
   STARTUPINFOA startup = {};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION information = {};

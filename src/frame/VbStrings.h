@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+
+#include "frame/RunTimeError.h"
+
+// The run time's string functions with their 1-based positions and their
+// errors, for procedures that compute positions as the original did.
+namespace kestrivon::vb {
+
+// InStr(start, text, find): position of find at or after start, 0 if none.
+inline size_t InStr(size_t start, const std::string& text, const std::string& find) {
+  if (start < 1) Raise(vb_error::kInvalidProcedureCall);
+  if (start > text.size()) return 0;
+  const size_t found = text.find(find, start - 1);
+  return found == std::string::npos ? 0 : found + 1;
+}
+
+// InStrRev(text, find): position of the last find, 0 if none.
+inline size_t InStrRev(const std::string& text, const std::string& find) {
+  const size_t found = text.rfind(find);
+  return found == std::string::npos ? 0 : found + 1;
+}
+
+// Left(text, length): raises 5 for a negative length.
+inline std::string Left(const std::string& text, long long length) {
+  if (length < 0) Raise(vb_error::kInvalidProcedureCall);
+  return text.substr(0, static_cast<size_t>(length));
+}
+
+inline std::string Right(const std::string& text, long long length) {
+  if (length < 0) Raise(vb_error::kInvalidProcedureCall);
+  const auto n = static_cast<size_t>(length);
+  return n >= text.size() ? text : text.substr(text.size() - n);
+}
+
+}  // namespace kestrivon::vb

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "frame/Variant.h"
+#include "host/HostObject.h"
+
+namespace kestrivon::host {
+
+// The host's object model as far as revision messages reach into it. A
+// failing member raises RunTimeError; a missing object where one is used is
+// error 91.
+
+// A message of the host's message pack.
+class MessageEntry {
+ public:
+  virtual ~MessageEntry() = default;
+  // VemraObject, set by reference.
+  virtual void SetVemraObject(const HostObjectRef& object) = 0;
+  virtual void SetDescription(const std::string& text) = 0;
+};
+
+// The list of messages that the host shows together after a run.
+class MessagePack {
+ public:
+  virtual ~MessagePack() = default;
+  virtual std::shared_ptr<MessageEntry> AddNew() = 0;
+};
+
+// An owner's environment; its Device holds the current message pack.
+class Environment {
+ public:
+  virtual ~Environment() = default;
+  // Device.CurrentMessagePack.
+  virtual std::shared_ptr<MessagePack> CurrentMessagePack() = 0;
+};
+
+// An owner's options, read by name.
+class OptionSet {
+ public:
+  virtual ~OptionSet() = default;
+  virtual bool Exist(const std::string& name) = 0;
+  virtual Variant Option(const std::string& name) = 0;
+};
+
+// The owner of documents (interface IVemraOwner).
+class Owner {
+ public:
+  virtual ~Owner() = default;
+  virtual std::shared_ptr<OptionSet> Options() = 0;
+  virtual std::shared_ptr<host::Environment> Environment() = 0;
+};
+
+// A document, document type or user (the host's base interface).
+class VemraObject {
+ public:
+  virtual ~VemraObject() = default;
+  // The owner object; null when the host answers Nothing.
+  virtual HostObjectRef Owner() = 0;
+};
+
+// A host object seen through one of the interfaces: null for a null
+// object; raises when the object does not implement the interface.
+std::shared_ptr<VemraObject> AsVemraObject(const HostObjectRef& object);
+std::shared_ptr<Owner> AsOwner(const HostObjectRef& object);
+
+}  // namespace kestrivon::host

@@ -1,0 +1,70 @@
+#include "host/portable/Documents.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "frame/RunTimeError.h"
+
+namespace kestrivon::host {
+namespace {
+
+std::string Key(std::string name) {
+  std::transform(name.begin(), name.end(), name.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return name;
+}
+
+template <class Interface>
+std::shared_ptr<Interface> As(const HostObjectRef& object) {
+  if (!object) return nullptr;
+  auto view = std::dynamic_pointer_cast<Interface>(object);
+  if (!view) Raise(vb_error::kTypeMismatch);
+  return view;
+}
+
+}  // namespace
+
+std::shared_ptr<VemraObject> AsVemraObject(const HostObjectRef& object) {
+  return As<VemraObject>(object);
+}
+
+std::shared_ptr<Owner> AsOwner(const HostObjectRef& object) { return As<Owner>(object); }
+
+namespace portable {
+
+std::shared_ptr<MessageEntry> MessagePackObject::AddNew() {
+  auto entry = std::make_shared<MessageEntryObject>(this);
+  entries.push_back(entry);
+  return entry;
+}
+
+void MessageEntryObject::SetDescription(const std::string& text) {
+  description = text;
+  if (pack_ != nullptr && pack_->onEntry) pack_->onEntry(*this);
+}
+
+std::shared_ptr<MessagePack> EnvironmentObject::CurrentMessagePack() {
+  if (!messagePack) Raise(vb_error::kObjectVariableNotSet);
+  return messagePack;
+}
+
+void OptionSetObject::Set(const std::string& name, Variant value) {
+  options_[Key(name)] = std::move(value);
+}
+
+void OptionSetObject::Remove(const std::string& name) { options_.erase(Key(name)); }
+
+bool OptionSetObject::Exist(const std::string& name) { return options_.count(Key(name)) != 0; }
+
+Variant OptionSetObject::Option(const std::string& name) {
+  auto it = options_.find(Key(name));
+  if (it == options_.end()) Raise(vb_error::kInvalidProcedureCall);
+  return it->second;
+}
+
+std::shared_ptr<OptionSet> OwnerObject::Options() { return options; }
+
+std::shared_ptr<host::Environment> OwnerObject::Environment() { return environment; }
+
+}  // namespace portable
+}  // namespace kestrivon::host

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/Documents.h"
+
+namespace kestrivon::host::portable {
+
+// Host objects that tests and the host kit build without a COM runtime.
+// Each records what the component does to it.
+
+class MessageEntryObject;
+
+class MessagePackObject : public HostObject, public MessagePack {
+ public:
+  std::shared_ptr<MessageEntry> AddNew() override;
+  // Called when an entry gets its description, which completes it.
+  std::function<void(const MessageEntryObject&)> onEntry;
+  std::vector<std::shared_ptr<MessageEntryObject>> entries;
+};
+
+class MessageEntryObject : public HostObject, public MessageEntry {
+ public:
+  explicit MessageEntryObject(MessagePackObject* pack) : pack_(pack) {}
+  void SetVemraObject(const HostObjectRef& object) override { vemraObject = object; }
+  void SetDescription(const std::string& text) override;
+  HostObjectRef vemraObject;
+  std::string description;
+
+ private:
+  MessagePackObject* pack_;
+};
+
+class EnvironmentObject : public HostObject, public Environment {
+ public:
+  // Null: the device has no current message pack (error 91 when used).
+  std::shared_ptr<MessagePackObject> messagePack = std::make_shared<MessagePackObject>();
+  std::shared_ptr<MessagePack> CurrentMessagePack() override;
+};
+
+class OptionSetObject : public HostObject, public OptionSet {
+ public:
+  // Names compare without regard to case, as the host's do.
+  void Set(const std::string& name, Variant value);
+  void Remove(const std::string& name);
+  bool Exist(const std::string& name) override;
+  // Raises 5 for an option that is not defined.
+  Variant Option(const std::string& name) override;
+
+ private:
+  std::map<std::string, Variant> options_;
+};
+
+class OwnerObject : public HostObject, public Owner {
+ public:
+  std::shared_ptr<OptionSetObject> options = std::make_shared<OptionSetObject>();
+  std::shared_ptr<EnvironmentObject> environment = std::make_shared<EnvironmentObject>();
+  std::shared_ptr<OptionSet> Options() override;
+  std::shared_ptr<host::Environment> Environment() override;
+};
+
+class DocumentObject : public HostObject, public VemraObject {
+ public:
+  explicit DocumentObject(std::string name = {}, HostObjectRef owner = nullptr)
+      : name(std::move(name)), owner(std::move(owner)) {}
+  HostObjectRef Owner() override { return owner; }
+  std::string name;
+  HostObjectRef owner;
+};
+
+}  // namespace kestrivon::host::portable

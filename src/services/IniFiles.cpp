@@ -1,0 +1,185 @@
+#include "services/IniFiles.h"
+
+#include <vector>
+
+#include "frame/ErrorHandler.h"
+#include "frame/VbStrings.h"
+#include "frame/trace/Trace.h"
+#include "platform/AnsiText.h"
+#include "platform/FileSystem.h"
+#include "platform/ProfileFiles.h"
+#include "platform/SystemNames.h"
+#include "platform/TempFiles.h"
+
+namespace kestrivon {
+namespace {
+
+constexpr uint32_t kIniBuffer = 1024;
+constexpr uint32_t kSectionBuffer = 32767;
+constexpr uint32_t kSectionOverflow = kSectionBuffer - 2;
+
+// Split of the run time: every piece between the separators.
+std::vector<std::string> Split(const std::string& text, const std::string& separator) {
+  std::vector<std::string> pieces;
+  size_t start = 0;
+  while (true) {
+    const size_t found = text.find(separator, start);
+    if (found == std::string::npos) {
+      pieces.push_back(text.substr(start));
+      return pieces;
+    }
+    pieces.push_back(text.substr(start, found - start));
+    start = found + separator.size();
+  }
+}
+
+std::string ReplaceAll(std::string text, char from, const std::string& to) {
+  std::string out;
+  for (char c : text) {
+    if (c == from) {
+      out += to;
+    } else {
+      out += c;
+    }
+  }
+  return out;
+}
+
+}  // namespace
+
+std::string ReadIniString(const std::string& iniFile, const std::string& section,
+                          const std::string& key, const std::string& defaultValue) {
+  std::string result;
+  WithErrorHandler(kGlobalsLabel, "Public Function ReadIniString", [&] {
+    std::string buffer(kIniBuffer, ' ');
+    const uint32_t n = platform::GetPrivateProfileStringA(section, key, defaultValue, buffer.data(),
+                                                          kIniBuffer, iniFile);
+    result = platform::FromAnsiCodePage(vb::Left(buffer, n));
+  });
+  return result;
+}
+
+bool FillDictionaryFromIniFileSection(StringDictionary* dictionary, const std::string& iniFile,
+                                      const std::string& section) {
+  bool result = false;
+  WithErrorHandler(kGlobalsLabel, "Public Function 'FillDictionaryFromIniFileSection'", [&] {
+    if (dictionary == nullptr) {
+      WriteTrace(
+          "VemraKestrivon::Globals::FillDictionaryFromIniFileSection(): Parameter 'oDict' is "
+          "nothing.");
+      return;
+    }
+    std::string buffer(kSectionBuffer, ' ');
+    const auto n = static_cast<int32_t>(
+        platform::GetPrivateProfileSectionA(section, buffer.data(), kSectionBuffer, iniFile));
+    if (n == static_cast<int32_t>(kSectionOverflow)) {
+      WriteTrace(
+          "VemraKestrivon::Globals::FillDictionaryFromIniFileSection(): Size of section exceeds "
+          "32k bytes.");
+      return;
+    }
+    if (n <= 0) {
+      WriteTrace(
+          "VemraKestrivon::Globals::FillDictionaryFromIniFileSection(): No bytes were written to "
+          "'sRet'.");
+      return;
+    }
+    const std::string text =
+        ReplaceAll(platform::FromAnsiCodePage(vb::Left(buffer, n - 1)), '\0', "\r\n");
+    const std::vector<std::string> lines = Split(text, "\r\n");
+    dictionary->RemoveAll();
+    for (const std::string& line : lines) {
+      const std::vector<std::string> pieces = Split(line, "=");
+      if (pieces.size() >= 2) dictionary->Add(pieces[0], pieces[1]);
+    }
+    result = true;
+  });
+  return result;
+}
+
+std::string TempFolder() {
+  // Reports an error and goes on with the next step.
+  constexpr const char* kLabel = "Private Function 'TempFolder'";
+  std::string result;
+  std::string buffer;
+  uint32_t n = 0;
+  WithErrorHandler(kGlobalsLabel, kLabel, [&] { buffer.assign(kIniBuffer, ' '); });
+  WithErrorHandler(kGlobalsLabel, kLabel,
+                   [&] { n = platform::GetTempPathA(kIniBuffer, buffer.data()); });
+  WithErrorHandler(kGlobalsLabel, kLabel,
+                   [&] { result = platform::FromAnsiCodePage(vb::Left(buffer, n)); });
+  WithErrorHandler(kGlobalsLabel, kLabel, [&] {
+    if (vb::Right(result, 1) == "\\")
+      result = vb::Left(result, static_cast<long long>(result.size()) - 1);
+  });
+  return result;
+}
+
+std::string TempFileName(const std::string& extension) {
+  // Reports an error and goes on with the next step.
+  constexpr const char* kLabel = "Public Function TempFileName";
+  std::string folder;
+  std::string buffer;
+  std::string name;
+  WithErrorHandler(kGlobalsLabel, kLabel, [&] { folder = TempFolder(); });
+  WithErrorHandler(kGlobalsLabel, kLabel, [&] { buffer.assign(platform::kMaxPath, ' '); });
+  WithErrorHandler(kGlobalsLabel, kLabel,
+                   [&] { platform::GetTempFileNameA(folder, "R2P", 0, buffer.data()); });
+  WithErrorHandler(kGlobalsLabel, kLabel, [&] {
+    name = platform::FromAnsiCodePage(
+        vb::Left(buffer, static_cast<long long>(vb::InStr(1, buffer, std::string(1, '\0'))) - 1));
+  });
+  // Only the name is wanted, not the file that made it unique.
+  WithErrorHandler(kGlobalsLabel, kLabel, [&] { platform::DeleteFileA(name); });
+  WithErrorHandler(kGlobalsLabel, kLabel, [&] {
+    if (!extension.empty()) {
+      const size_t dot = vb::InStrRev(name, ".");
+      if (dot > 0) name = vb::Left(name, static_cast<long long>(dot) - 1);
+      name = name + "." + extension;
+    }
+  });
+  return name;
+}
+
+std::string WinUserName() {
+  std::string result;
+  WithErrorHandler(kGlobalsLabel, "Public Function 'WinUserName'", [&] {
+    std::string buffer(255, ' ');
+    uint32_t size = 255;
+    if (platform::GetUserNameA(buffer.data(), &size)) {
+      result = platform::FromAnsiCodePage(vb::Left(buffer, static_cast<long long>(size) - 1));
+    }
+  });
+  return result;
+}
+
+bool CheckCreateOutputFolder(const std::string& path) {
+  bool result = false;
+  WithErrorHandler(kGlobalsLabel, "Function CheckCreateOutputFolder()", [&] {
+    const size_t lastSlash = vb::InStrRev(path, "\\");
+    const size_t lastDot = vb::InStrRev(path, ".");
+    std::string folder =
+        lastDot > lastSlash ? vb::Left(path, static_cast<long long>(lastSlash) - 1) : path;
+    // Appended even after a trailing backslash: C:\a\ becomes C:\a\\.
+    folder += "\\";
+    WriteTrace("VemraKestrivon::Globals::CheckCreateOutputFolder(): checking whether '" + folder +
+               "' exists...");
+    const size_t start = vb::Left(folder, 2) == "\\\\" ? 3 : 4;
+    size_t position = vb::InStr(start, folder, "\\");
+    while (position > 0) {
+      const std::string prefix = vb::Left(folder, static_cast<long long>(position) - 1);
+      WriteTrace("VemraKestrivon::Globals::CheckCreateOutputFolder(): checking '" + prefix + "'");
+      if (!platform::FolderExists(prefix)) {
+        if (!platform::CreateFolder(prefix)) break;
+      }
+      position = vb::InStr(position + 1, folder, "\\");
+    }
+    result = platform::FolderExists(folder);
+    WriteTrace(
+        std::string("VemraKestrivon::Globals::CheckCreateOutputFolder(): was successfull: '") +
+        (result ? "True" : "False") + "'");
+  });
+  return result;
+}
+
+}  // namespace kestrivon

@@ -1,0 +1,169 @@
+#include "services/RegistrySettings.h"
+
+#include "frame/ErrorHandler.h"
+#include "frame/trace/Trace.h"
+#include "platform/AnsiText.h"
+#include "platform/ProfileFiles.h"
+#include "platform/Registry.h"
+
+namespace kestrivon {
+namespace {
+
+constexpr uint32_t kRead = 0x19;
+constexpr uint32_t kRead64 = 0x119;
+constexpr uint32_t kWrite = 0x3F;
+constexpr const char* kSleeperKey = "Software\\HALDRIM\\VEMRA";
+constexpr const char* kSleeperValue = "RevisionSleeper";
+
+int32_t& SleeperCache() {
+  static int32_t milliseconds = 0;
+  return milliseconds;
+}
+
+platform::HKey Hive(int32_t hive) { return platform::HiveHandle(hive); }
+
+}  // namespace
+
+bool ExistKey(int32_t hive, const std::string& keyPath) {
+  bool result = false;
+  WithErrorHandler(kGlobalsLabel, "ExistKey", [&] {
+    platform::HKey key = 0;
+    if (platform::RegOpenKeyExA(Hive(hive), keyPath, 0, kRead, &key) != platform::kErrorSuccess) {
+      WriteTrace(std::string("VemraKestrivon::Globals") + ".ExistKey: '" + keyPath +
+                 "' not found trying other registry branch...");
+      if (platform::RegOpenKeyExA(Hive(hive), keyPath, 0, kRead64, &key) !=
+          platform::kErrorSuccess) {
+        return;
+      }
+    }
+    platform::RegCloseKey(key);
+    result = true;
+  });
+  return result;
+}
+
+bool GetValue(int32_t hive, const std::string& keyPath, const std::string& valueName,
+              Variant& value) {
+  bool result = false;
+  platform::HKey key = 0;
+  try {
+    if (platform::RegOpenKeyExA(Hive(hive), keyPath, 0, kRead, &key) == platform::kErrorSuccess) {
+      uint32_t type = 0;
+      uint32_t size = 0;
+      if (platform::RegQueryValueExA(key, valueName, &type, nullptr, &size) ==
+          platform::kErrorSuccess) {
+        switch (type) {
+          case platform::kRegSz: {
+            // One more than asked for: the caller gets the NUL and the spare blank.
+            std::string buffer(size + 1, ' ');
+            if (platform::RegQueryValueExA(key, valueName, nullptr, buffer.data(), &size) ==
+                platform::kErrorSuccess) {
+              value = platform::FromAnsiCodePage(buffer);
+              result = true;
+            }
+            break;
+          }
+          case platform::kRegBinary: {
+            int32_t number = 0;
+            uint32_t one = 1;
+            if (platform::RegQueryValueExA(key, valueName, nullptr, &number, &one) ==
+                platform::kErrorSuccess) {
+              value = number;
+            }
+            result = true;
+            break;
+          }
+          case platform::kRegDword: {
+            int32_t number = 0;
+            uint32_t four = 4;
+            if (platform::RegQueryValueExA(key, valueName, nullptr, &number, &four) ==
+                platform::kErrorSuccess) {
+              value = number;
+              result = true;
+            }
+            break;
+          }
+          default:
+            result = true;
+            break;
+        }
+      }
+    }
+  } catch (...) {  // NOLINT(bugprone-empty-catch): the error is read and dropped
+  }
+  platform::RegCloseKey(key);
+  return result;
+}
+
+bool SetValue(int32_t hive, const std::string& keyPath, const std::string& valueName,
+              const Variant& value) {
+  bool result = false;
+  WithErrorHandler(kGlobalsLabel, "SetValue", [&] {
+    platform::HKey key = 0;
+    if (platform::RegOpenKeyExA(Hive(hive), keyPath, 0, kWrite, &key) != platform::kErrorSuccess) {
+      return;
+    }
+    int32_t status = platform::kErrorSuccess;
+    if (std::holds_alternative<int16_t>(value) || std::holds_alternative<int32_t>(value)) {
+      const int32_t number = std::holds_alternative<int16_t>(value) ? std::get<int16_t>(value)
+                                                                    : std::get<int32_t>(value);
+      status = platform::RegSetValueExA(key, valueName, platform::kRegDword, &number, 4);
+    } else if (const auto* text = std::get_if<std::string>(&value)) {
+      const std::string ansi = platform::ToAnsiCodePage(*text);
+      status = platform::RegSetValueExA(key, valueName, platform::kRegSz, ansi.c_str(),
+                                        static_cast<uint32_t>(ansi.size() + 1));
+    }
+    platform::RegCloseKey(key);
+    result = status == platform::kErrorSuccess;
+  });
+  return result;
+}
+
+int32_t GetRevisionSleeper() {
+  int32_t result = 0;
+  WithErrorHandler(kGlobalsLabel, "Public Function GetRevisionSleeper()", [&] {
+    int32_t& cache = SleeperCache();
+    if (cache < 1) {
+      Variant sleeper;
+      GetValue(kHKeyLocalMachine, kSleeperKey, kSleeperValue, sleeper);
+      if (VariantLength(sleeper) == 0) {
+        if (!GetValue(kHKeyCurrentUser, kSleeperKey, kSleeperValue, sleeper)) {
+          sleeper = int16_t{2};
+        }
+      } else {
+        sleeper = TrimNull(VariantToString(sleeper));
+      }
+      if (!IsNumeric(sleeper)) {
+        WriteTrace(std::string("VemraKestrivon::Globals") + "::GetRevisionSleeper(): " +
+                   "RevisionSleeper is invalid -> using default value (" + "2" + ")...");
+        sleeper = int16_t{2};
+      }
+      // Meant for the NUL and spare blank of a string, but cuts any value.
+      const std::string text = VariantToString(sleeper);
+      if (text.size() > 2) sleeper = text.substr(0, text.size() - 2);
+      const double seconds = VariantToDouble(sleeper);
+      // As written, this test holds for every number.
+      if (!(seconds > 2 || seconds <= 60)) sleeper = int16_t{2};
+      cache = VariantToLong(VariantToDouble(sleeper) * 1000.0);
+    }
+    WriteTrace(std::string("VemraKestrivon::Globals") +
+               "::GetRevisionSleeper(): " + "Current RevisionSleeper: " + std::to_string(cache));
+    result = cache;
+  });
+  return result;
+}
+
+void SetIniSetting(const std::string& iniFile, const std::string& section, const std::string& key,
+                   const std::string& value) {
+  WithErrorHandler(kGlobalsLabel, "SetIniSetting",
+                   [&] { platform::WritePrivateProfileStringA(section, key, value, iniFile); });
+}
+
+std::string TrimNull(const std::string& text) {
+  const size_t nul = text.find('\0');
+  return nul == std::string::npos ? std::string() : text.substr(0, nul);
+}
+
+void ResetRevisionSleeperForReload() { SleeperCache() = 0; }
+
+}  // namespace kestrivon

@@ -1,0 +1,183 @@
+#include <gtest/gtest.h>
+
+#include <regex>
+
+#include "ServiceHost.h"
+#include "platform/FileSystem.h"
+#include "platform/SystemNames.h"
+#include "platform/TempFiles.h"
+#include "services/IniFiles.h"
+#include "support/Fixture.h"
+
+namespace kestrivon::test {
+namespace {
+
+constexpr const char* kPrefix = "VemraKestrivon::Globals::FillDictionaryFromIniFileSection(): ";
+
+using Entries = std::vector<std::pair<std::string, std::string>>;
+
+class IniTest : public ::testing::Test {
+ protected:
+  ServiceHost host;
+  ScratchFolder folder;
+  std::string ini = folder / "HARP.ini";
+};
+
+TEST_F(IniTest, ReadIniStringGivesTheValueOrTheDefault) {
+  WriteWholeFile(ini, "[Printer]\r\nName = HARP PS \r\nLong=" + std::string(1500, 'x') + "\r\n");
+  EXPECT_EQ(ReadIniString(ini, "Printer", "Name", "dflt"), "HARP PS");
+  EXPECT_EQ(ReadIniString(ini, "Printer", "Missing", "dflt"), "dflt");
+  EXPECT_EQ(ReadIniString(folder / "absent.ini", "Printer", "Name", "dflt"), "dflt");
+  EXPECT_EQ(ReadIniString(ini, "Printer", "Long", ""), std::string(1023, 'x'));
+  EXPECT_TRUE(host.errors.empty());
+}
+
+TEST_F(IniTest, SectionLinesBecomeEntriesAsTheyStand) {
+  WriteWholeFile(ini,
+                 "[Archives]\r\nPDF=pdfwrite\r\nKey=a=b\r\nEmpty=\r\nLonely\r\n# c=1\r\n;x=y\r\n"
+                 "  Spaced  =  v  \r\n[Other]\r\nPDF=no\r\n");
+  StringDictionary dictionary;
+  dictionary.Add("old", "entry");
+  ASSERT_TRUE(FillDictionaryFromIniFileSection(&dictionary, ini, "archives"));
+  // The profile function trims and leaves ';' comments out; what it gives is
+  // stored unchanged, a value cut at its first '='.
+  EXPECT_EQ(
+      dictionary.Entries(),
+      (Entries{{"PDF", "pdfwrite"}, {"Key", "a"}, {"Empty", ""}, {"# c", "1"}, {"Spaced", "v"}}));
+  EXPECT_TRUE(host.traceLines.empty());
+}
+
+TEST_F(IniTest, NoDictionaryNoSectionNoFile) {
+  WriteWholeFile(ini, "[Empty]\r\n[Full]\r\nA=1\r\n");
+  EXPECT_FALSE(FillDictionaryFromIniFileSection(nullptr, ini, "Full"));
+  StringDictionary dictionary;
+  dictionary.Add("kept", "1");
+  EXPECT_FALSE(FillDictionaryFromIniFileSection(&dictionary, ini, "Missing"));
+  EXPECT_FALSE(FillDictionaryFromIniFileSection(&dictionary, ini, "Empty"));
+  EXPECT_FALSE(FillDictionaryFromIniFileSection(&dictionary, folder / "absent.ini", "Full"));
+  EXPECT_EQ(dictionary.Entries(), (Entries{{"kept", "1"}}));
+  const std::string noBytes = std::string(kPrefix) + "No bytes were written to 'sRet'.";
+  EXPECT_EQ(host.traceLines,
+            (std::vector<std::string>{std::string(kPrefix) + "Parameter 'oDict' is nothing.",
+                                      noBytes, noBytes, noBytes}));
+  EXPECT_TRUE(host.errors.empty());
+}
+
+TEST_F(IniTest, ADuplicateKeyIsReportedAndLeavesTheEntriesBeforeIt) {
+  WriteWholeFile(ini, "[S]\r\nA=1\r\nB=2\r\nA=3\r\nC=4\r\n");
+  StringDictionary dictionary;
+  EXPECT_FALSE(FillDictionaryFromIniFileSection(&dictionary, ini, "S"));
+  EXPECT_EQ(dictionary.Entries(), (Entries{{"A", "1"}, {"B", "2"}}));
+  ASSERT_EQ(host.errors.size(), 1u);
+  EXPECT_EQ(host.errors[0].classLabel, "VemraKestrivon::Globals");
+  EXPECT_EQ(host.errors[0].procedureLabel, "Public Function 'FillDictionaryFromIniFileSection'");
+  EXPECT_EQ(host.errors[0].error.number, 457);
+}
+
+// A section whose listing (each line with its NUL, then the final NUL)
+// takes `total` characters.
+std::string SectionOf(size_t total) { return "[S]\r\nK=" + std::string(total - 4, 'v') + "\r\n"; }
+
+TEST_F(IniTest, ASectionThatFillsTheBufferIsTakenForTooLarge) {
+  const std::string tooLarge = std::string(kPrefix) + "Size of section exceeds 32k bytes.";
+  for (size_t total : {size_t{32766}, size_t{32767}, size_t{40000}}) {
+    WriteWholeFile(ini, SectionOf(total));
+    StringDictionary dictionary;
+    dictionary.Add("kept", "1");
+    EXPECT_FALSE(FillDictionaryFromIniFileSection(&dictionary, ini, "S")) << total;
+    EXPECT_EQ(dictionary.Count(), 1u) << total;
+    EXPECT_EQ(host.traceLines, std::vector<std::string>{tooLarge}) << total;
+    host.traceLines.clear();
+  }
+  WriteWholeFile(ini, SectionOf(32765));
+  StringDictionary dictionary;
+  EXPECT_TRUE(FillDictionaryFromIniFileSection(&dictionary, ini, "S"));
+  EXPECT_EQ(dictionary.Item("K").size(), 32761u);
+}
+
+TEST_F(IniTest, TempFileNamesAreNewNamesInTheTempFolder) {
+  const std::string temp = TempFolder();
+  ASSERT_FALSE(temp.empty());
+  EXPECT_NE(temp.back(), '\\');
+  char path[platform::kMaxPath] = {};
+  platform::GetTempPathA(platform::kMaxPath, path);
+  EXPECT_EQ(temp + "\\", path);
+
+  const std::string escaped =
+      std::regex_replace(temp, std::regex(R"([\\.^$|()\[\]{}*+?])"), R"(\$&)");
+  const std::string plain = TempFileName("");
+  const std::string ps = TempFileName("PS");
+  const std::string other = TempFileName("PS");
+  EXPECT_TRUE(std::regex_match(plain, std::regex(escaped + R"(\\R2P[0-9a-fA-F]+\.tmp)"))) << plain;
+  EXPECT_TRUE(std::regex_match(ps, std::regex(escaped + R"(\\R2P[0-9a-fA-F]+\.PS)"))) << ps;
+  EXPECT_NE(ps, other);
+  for (const auto& name : {plain, ps, other}) EXPECT_FALSE(PathExists(name)) << name;
+  const std::string tmpOfPs = ps.substr(0, ps.size() - 2) + "tmp";
+  EXPECT_FALSE(PathExists(tmpOfPs)) << "the file that made the name unique is gone";
+  EXPECT_TRUE(host.errors.empty());
+}
+
+TEST_F(IniTest, WinUserNameLeavesTheNulOut) {
+  char buffer[255] = {};
+  uint32_t size = sizeof buffer;
+  ASSERT_TRUE(platform::GetUserNameA(buffer, &size));
+  EXPECT_EQ(WinUserName(), std::string(buffer));
+}
+
+class OutputFolderTest : public IniTest {
+ protected:
+  static std::string Line(const std::string& text) {
+    return "VemraKestrivon::Globals::CheckCreateOutputFolder(): " + text;
+  }
+};
+
+TEST_F(OutputFolderTest, CreatesEveryMissingLevelOfAFilesFolder) {
+  const std::string base = folder.Path();
+  EXPECT_TRUE(CheckCreateOutputFolder(base + "\\out\\a\\b\\file.pdf"));
+  EXPECT_TRUE(platform::FolderExists(base + "\\out\\a\\b"));
+  EXPECT_FALSE(PathExists(base + "\\out\\a\\b\\file.pdf"));
+  ASSERT_GE(host.traceLines.size(), 2u);
+  EXPECT_EQ(host.traceLines.front(),
+            Line("checking whether '" + base + "\\out\\a\\b\\' exists..."));
+  EXPECT_EQ(host.traceLines.back(), Line("was successfull: 'True'"));
+  EXPECT_EQ(host.Count(Line("checking '" + base + "\\out'")), 1u);
+  EXPECT_EQ(host.Count(Line("checking '" + base + "\\out\\a\\b'")), 1u);
+  EXPECT_TRUE(host.errors.empty());
+}
+
+TEST_F(OutputFolderTest, ADotAfterTheLastBackslashMarksAFile) {
+  const std::string base = folder.Path();
+  EXPECT_TRUE(CheckCreateOutputFolder(base + "\\out\\rev1.2"));
+  EXPECT_TRUE(platform::FolderExists(base + "\\out"));
+  EXPECT_FALSE(PathExists(base + "\\out\\rev1.2"));
+  EXPECT_TRUE(CheckCreateOutputFolder(base + "\\out.d\\file"));
+  EXPECT_TRUE(platform::FolderExists(base + "\\out.d\\file")) << "a dotted folder is a folder";
+}
+
+TEST_F(OutputFolderTest, ATrailingBackslashIsDoubled) {
+  const std::string base = folder.Path();
+  EXPECT_TRUE(CheckCreateOutputFolder(base + "\\x\\"));
+  EXPECT_TRUE(platform::FolderExists(base + "\\x"));
+  ASSERT_FALSE(host.traceLines.empty());
+  EXPECT_EQ(host.traceLines.front(), Line("checking whether '" + base + "\\x\\\\' exists..."));
+  EXPECT_EQ(host.Count(Line("checking '" + base + "\\x\\'")), 1u);
+}
+
+TEST_F(OutputFolderTest, ALevelThatCannotBeMadeIsReported) {
+  const std::string base = folder.Path();
+  WriteWholeFile(base + "\\blocker", "a file, not a folder");
+  EXPECT_FALSE(CheckCreateOutputFolder(base + "\\blocker\\sub\\f.pdf"));
+  ASSERT_EQ(host.errors.size(), 1u);
+  EXPECT_EQ(host.errors[0].procedureLabel, "Function CheckCreateOutputFolder()");
+  EXPECT_EQ(host.errors[0].error.number, 58);
+}
+
+TEST_F(OutputFolderTest, AFileNameWithoutAFolderIsAnError) {
+  EXPECT_FALSE(CheckCreateOutputFolder("file.pdf"));
+  ASSERT_EQ(host.errors.size(), 1u);
+  EXPECT_EQ(host.errors[0].error.number, 5);
+  EXPECT_TRUE(host.traceLines.empty());
+}
+
+}  // namespace
+}  // namespace kestrivon::test
