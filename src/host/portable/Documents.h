@@ -26,13 +26,15 @@ class MessagePackObject : public HostObject, public MessagePack {
 class MessageEntryObject : public HostObject, public MessageEntry {
  public:
   explicit MessageEntryObject(MessagePackObject* pack) : pack_(pack) {}
-  void SetVemraObject(const HostObjectRef& object) override { vemraObject = object; }
+  void SetVemraObject(const HostObjectRef& object) override { vemraObject_ = object; }
   void SetDescription(const std::string& text) override;
-  HostObjectRef vemraObject;
+  // Held weakly: the object usually owns the pack through its owner.
+  [[nodiscard]] HostObjectRef VemraObject() const { return vemraObject_.lock(); }
   std::string description;
 
  private:
   MessagePackObject* pack_;
+  std::weak_ptr<HostObject> vemraObject_;
 };
 
 class EnvironmentObject : public HostObject, public Environment {

@@ -39,7 +39,7 @@ TEST_F(RevisionMessagesTest, TheOptionFalseSendsTheMessageToThePackWithoutTitle)
   ASSERT_EQ(Entries(), 1u);
   const auto& entry = *owner->environment->messagePack->entries[0];
   EXPECT_EQ(entry.description, kText);
-  EXPECT_EQ(entry.vemraObject, document);
+  EXPECT_EQ(entry.VemraObject(), document);
 }
 
 TEST_F(RevisionMessagesTest, TheOptionValuesThatMeanFalse) {
