@@ -3,11 +3,12 @@
 #include <cstdint>
 #include <string>
 
+#include "frame/trace/ClassLabels.h"
 #include "host/TraceService.h"
 
 namespace kestrivon {
 
-inline constexpr const char* kGlobalsLabel = "VemraKestrivon::Globals";
+inline constexpr const char* kGlobalsLabel = labels::kGlobals;
 
 // The process-wide TraceService, created on first use and kept until the
 // component unloads. Raises RunTimeError when the host has none.

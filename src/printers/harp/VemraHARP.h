@@ -1,6 +1,7 @@
 #pragma once
 
 #include "frame/RevisionPrinter.h"
+#include "frame/trace/ClassLabels.h"
 
 namespace kestrivon {
 
@@ -8,7 +9,7 @@ namespace kestrivon {
 // does not take part in the component's instance count.
 class VemraHARP final : public RevisionPrinterFrame {
  public:
-  static constexpr const char* kClassLabel = "VemraKestrivon::VemraHARP";
+  static constexpr const char* kClassLabel = labels::kVemraHARP;
 
   // The configuration's default until HARP.ini is read.
   std::string Extension() override { return ".PDF"; }

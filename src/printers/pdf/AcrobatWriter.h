@@ -1,6 +1,7 @@
 #pragma once
 
 #include "frame/RevisionPrinter.h"
+#include "frame/trace/ClassLabels.h"
 
 namespace kestrivon {
 
@@ -8,7 +9,7 @@ namespace kestrivon {
 // their failure value until the family's pipeline is in place.
 class AcrobatWriter final : public RevisionPrinterFrame {
  public:
-  static constexpr const char* kClassLabel = "VemraKestrivon::AcrobatWriter";
+  static constexpr const char* kClassLabel = labels::kAcrobatWriter;
 
   AcrobatWriter();
   ~AcrobatWriter() override;

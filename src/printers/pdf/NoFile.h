@@ -1,6 +1,7 @@
 #pragma once
 
 #include "frame/RevisionPrinter.h"
+#include "frame/trace/ClassLabels.h"
 
 namespace kestrivon {
 
@@ -8,7 +9,7 @@ namespace kestrivon {
 // succeeds at once and no file is produced or touched.
 class NoFile final : public RevisionPrinter {
  public:
-  static constexpr const char* kClassLabel = "VemraKestrivon::NoFile";
+  static constexpr const char* kClassLabel = labels::kNoFile;
 
   NoFile();
   ~NoFile() override;

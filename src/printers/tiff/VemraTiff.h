@@ -1,6 +1,7 @@
 #pragma once
 
 #include "frame/RevisionPrinter.h"
+#include "frame/trace/ClassLabels.h"
 
 namespace kestrivon {
 
@@ -8,7 +9,7 @@ namespace kestrivon {
 // instances beside the component's.
 class VemraTiff final : public RevisionPrinterFrame {
  public:
-  static constexpr const char* kClassLabel = "VemraKestrivon::VemraTiff";
+  static constexpr const char* kClassLabel = labels::kVemraTiff;
 
   VemraTiff();
   ~VemraTiff() override;
