@@ -3,6 +3,7 @@
 #include <atomic>
 #include <new>
 
+#include "com/DocumentObjects.h"
 #include "com/HostObjects.h"
 #include "com/Module.h"
 #include "com/Registration.h"
@@ -74,6 +75,8 @@ extern "C" HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID clsid, REFIID riid,
     create = &CreateTraceService;
   } else if (IsEqualCLSID(clsid, __uuidof(::InstanceMonitor))) {
     create = &CreateInstanceMonitor;
+  } else if (IsEqualCLSID(clsid, kDocumentClsid)) {
+    create = &CreateDocument;
   } else {
     return CLASS_E_CLASSNOTAVAILABLE;
   }

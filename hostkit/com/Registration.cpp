@@ -6,6 +6,7 @@
 #include <array>
 #include <string>
 
+#include "com/DocumentObjects.h"
 #include "com/HostObjects.h"
 #include "com/Module.h"
 
@@ -17,9 +18,10 @@ struct ClassEntry {
   const wchar_t* progId;
 };
 
-const std::array<ClassEntry, 2> kClasses{{
+const std::array<ClassEntry, 3> kClasses{{
     {__uuidof(::TraceService), L"VemraHostKit.TraceService"},
     {__uuidof(::InstanceMonitor), L"VemraHostKit.InstanceMonitor"},
+    {kDocumentClsid, kDocumentProgId},
 }};
 
 constexpr std::array<int, 2> kTypeLibs{kHostServicesLib, kVBInterfaceLib};

@@ -4,7 +4,7 @@
 
 namespace kestrivon::hostkit::com {
 
-// The two classes with their ProgIDs, and the host's two type libraries
+// The classes with their ProgIDs, and the host's two type libraries
 // (with their interfaces' keys) as the host installation registers them.
 HRESULT RegisterServer();
 // Removes exactly that; succeeds when nothing is left to remove.

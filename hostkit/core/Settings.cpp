@@ -1,5 +1,6 @@
 #include "core/Settings.h"
 
+#include <cctype>
 #include <charconv>
 #include <system_error>
 
@@ -48,6 +49,17 @@ std::optional<int32_t> ParseLevel(const std::string& text) {
   const auto [ptr, ec] = std::from_chars(trimmed.data(), end, level);
   if (ec != std::errc() || ptr != end) return std::nullopt;
   return level;
+}
+
+std::optional<Variant> ShowRevisionMessagesOption() {
+  const auto text = GetEnvironment(kShowRevisionMessagesVariable);
+  if (!text) return std::nullopt;
+  std::string lower = Trim(*text);
+  for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  if (lower == "true") return Variant{true};
+  if (lower == "false") return Variant{false};
+  if (const auto number = ParseLevel(*text)) return Variant{*number};
+  return Variant{*text};
 }
 
 Settings Settings::FromEnvironment() {

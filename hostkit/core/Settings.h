@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "frame/Variant.h"
+
 namespace kestrivon::hostkit {
 
 // The environment variables that configure the host kit.
@@ -13,6 +15,10 @@ inline constexpr const char* kTraceLogVariable = "VEMRA_TRACE_LOG";
 inline constexpr const char* kDiagLevelVariable = "VEMRA_DIAG_LEVEL";
 inline constexpr const char* kAnswersVariable = "VEMRA_MSGBOX_ANSWERS";
 inline constexpr const char* kTranslationsVariable = "VEMRA_TRANSLATIONS";
+// The host kit's document: its name, and its owner's option
+// "ShowRevisionMessages" (unset: the option is not defined).
+inline constexpr const char* kDocumentNameVariable = "VEMRA_DOCUMENT_NAME";
+inline constexpr const char* kShowRevisionMessagesVariable = "VEMRA_SHOW_REVISION_MESSAGES";
 
 // The host's ordinary level: traces without the debug-only lines.
 inline constexpr int32_t kDefaultLevel = 2;
@@ -30,6 +36,12 @@ struct Settings {
   // Read once, when the host kit's objects are first created.
   static Settings FromEnvironment();
 };
+
+// The value of the document owner's option "ShowRevisionMessages" as
+// VEMRA_SHOW_REVISION_MESSAGES gives it: True or False (any case) a Boolean,
+// a whole number a Long, other text a String; unset, the option is not
+// defined.
+std::optional<Variant> ShowRevisionMessagesOption();
 
 // Where the trace log goes when VEMRA_TRACE_LOG is not set.
 std::filesystem::path DefaultTraceLog();

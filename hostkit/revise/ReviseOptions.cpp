@@ -47,6 +47,10 @@ ParseResult ParseArguments(const std::vector<std::string>& args) {
       error = optionalValue(options.answers);
     } else if (arg == "--translations") {
       error = optionalValue(options.translations);
+    } else if (arg == "--document") {
+      error = optionalValue(options.document);
+    } else if (arg == "--show-revision-messages") {
+      error = optionalValue(options.showRevisionMessages);
     } else if (arg == "--debug") {
       options.level = kDebugLevel;
     } else if (arg == "--level") {
@@ -96,7 +100,15 @@ Options:
   --level <n>            diagnostic level n (VEMRA_DIAG_LEVEL, default 2)
   --answers <file>       scripted message box answers (VEMRA_MSGBOX_ANSWERS)
   --translations <file>  message text translations (VEMRA_TRANSLATIONS)
+  --document <name>      hand DoPrint a host document of that name with its
+                         owner (VEMRA_DOCUMENT_NAME; default: no document)
+  --show-revision-messages <value>
+                         the owner's option ShowRevisionMessages: True, False,
+                         a number or text (VEMRA_SHOW_REVISION_MESSAGES;
+                         default: not defined, messages are shown as boxes)
   --help                 this text
+
+Message boxes and message-pack entries of the run are listed after it.
 
 Exit status: 0 when DoPrint (and AppendFile) answered True, 1 when one of
 them answered False or failed, 2 for bad arguments or an unknown class,
@@ -111,6 +123,10 @@ std::vector<std::pair<std::string, std::string>> HostKitEnvironment(const Revise
   if (options.level) variables.emplace_back(kDiagLevelVariable, std::to_string(*options.level));
   if (options.answers) variables.emplace_back(kAnswersVariable, *options.answers);
   if (options.translations) variables.emplace_back(kTranslationsVariable, *options.translations);
+  if (options.document) variables.emplace_back(kDocumentNameVariable, *options.document);
+  if (options.showRevisionMessages) {
+    variables.emplace_back(kShowRevisionMessagesVariable, *options.showRevisionMessages);
+  }
   return variables;
 }
 

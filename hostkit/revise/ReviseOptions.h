@@ -20,7 +20,9 @@ struct ReviseOptions {
   std::optional<std::string> log;
   std::optional<std::string> answers;
   std::optional<std::string> translations;
-  std::optional<int32_t> level;  // --debug is level 3
+  std::optional<int32_t> level;                     // --debug is level 3
+  std::optional<std::string> document;              // a host document of that name
+  std::optional<std::string> showRevisionMessages;  // its owner's option
 };
 
 struct HelpRequest {};

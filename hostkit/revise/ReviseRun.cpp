@@ -2,6 +2,8 @@
 
 #include <cstdio>
 #include <exception>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <optional>
 
@@ -53,6 +55,14 @@ std::optional<T> Ask(std::ostream& out, std::string_view operation, const std::f
   return std::nullopt;
 }
 
+// The size of the log before the run, so that the run's own entries can be
+// found afterwards.
+std::uintmax_t LogSize(const std::filesystem::path& path) {
+  std::error_code ec;
+  const std::uintmax_t size = std::filesystem::file_size(path, ec);
+  return ec ? 0 : size;
+}
+
 bool AskBoolean(std::ostream& out, std::string_view operation, const std::function<bool()>& call) {
   return Ask<bool>(out, operation, call, Boolean).value_or(false);
 }
@@ -70,6 +80,7 @@ int RunRevision(std::string_view program, const ReviseOptions& options, ReviseBa
     return kExitUsage;
   }
   out << "Trace log: " << PathToUtf8(log.Path()) << '\n';
+  const std::uintmax_t logBefore = LogSize(log.Path());
 
   ReviseBackend::Created created = backend.Create(options.printerClass);
   if (!created.session) {
@@ -93,8 +104,8 @@ int RunRevision(std::string_view program, const ReviseOptions& options, ReviseBa
       out, "CheckPrnSettings", [&] { return printer.CheckPrnSettings(); }, Quoted);
   AskBoolean(out, "IsPrinterAvailable", [&] { return printer.IsPrinterAvailable(); });
   AskBoolean(out, "SetPrnDefaults", [&] { return printer.SetPrnDefaults(); });
-  // Host documents and their owners are not simulated yet: the printer gets
-  // none, as for a document without a file.
+  // With --document the printer gets the host kit's document and its owner,
+  // else none, as for a document without a file.
   const bool printed = AskBoolean(
       out, "DoPrint", [&] { return printer.DoPrint(options.revisionFolder, options.fileName); });
   bool appended = true;
@@ -109,6 +120,7 @@ int RunRevision(std::string_view program, const ReviseOptions& options, ReviseBa
   created.session.reset();
   out << "Released\n";
   backend.Released();
+  ListMessages(out, log.Path(), logBefore);
 
   if (!printed) {
     out << "Revision failed: DoPrint did not answer True\n";
@@ -123,6 +135,27 @@ int RunRevision(std::string_view program, const ReviseOptions& options, ReviseBa
 }
 
 }  // namespace
+
+void ListMessages(std::ostream& out, const std::filesystem::path& path, std::uintmax_t from) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return;
+  in.seekg(static_cast<std::streamoff>(from));
+  std::string line;
+  while (std::getline(in, line)) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    const std::vector<std::string> fields = SplitEntry(line);
+    if (fields.size() < 2) continue;
+    const auto field = [&fields](size_t i) {
+      return i < fields.size() ? fields[i] : std::string();
+    };
+    if (fields[1] == "MSGBOX") {
+      out << "Message box " << Quoted(field(2)) << " title " << Quoted(field(4)) << " buttons "
+          << field(3) << " -> " << field(5) << '\n';
+    } else if (fields[1] == "MESSAGE") {
+      out << "Message pack entry " << Quoted(field(2)) << " for " << Quoted(field(3)) << '\n';
+    }
+  }
+}
 
 int ReviseMain(std::string_view program, const std::vector<std::string>& args,
                ReviseBackend& backend, std::ostream& out, std::ostream& err) {

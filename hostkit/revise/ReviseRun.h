@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -48,6 +49,10 @@ class ReviseBackend {
   // After the printer has been released.
   virtual void Released() {}
 };
+
+// Lists the message boxes (MSGBOX) and message-pack entries (MESSAGE) that
+// the log holds from the byte offset on, one line each.
+void ListMessages(std::ostream& out, const std::filesystem::path& log, std::uintmax_t from);
 
 inline constexpr int kExitSuccess = 0;
 inline constexpr int kExitRevisionFailed = 1;

@@ -44,6 +44,17 @@ TEST(ReviseOptions, DebugMeansLevelThreeAndNothingElseIsSet) {
   EXPECT_TRUE(HostKitEnvironment(Parsed({"NoFile", "--folder", "f", "--name", "n"})).empty());
 }
 
+TEST(ReviseOptions, ADocumentAndItsOwnersOptionGoToTheHostKit) {
+  const auto options = Parsed({"NoFile", "--folder", "f", "--name", "n", "--document", "A-100",
+                               "--show-revision-messages", "False"});
+  EXPECT_EQ(options.document, "A-100");
+  EXPECT_EQ(options.showRevisionMessages, "False");
+  EXPECT_EQ(HostKitEnvironment(options), (Variables{{"VEMRA_DOCUMENT_NAME", "A-100"},
+                                                    {"VEMRA_SHOW_REVISION_MESSAGES", "False"}}));
+  EXPECT_EQ(ErrorOf({"NoFile", "--folder", "f", "--name", "n", "--document"}),
+            "option --document needs a value");
+}
+
 TEST(ReviseOptions, RefusesIncompleteOrUnknownArguments) {
   EXPECT_EQ(ErrorOf({}), "no revision printer class given");
   EXPECT_EQ(ErrorOf({"NoFile", "--name", "n"}), "no revision folder given (--folder)");

@@ -36,7 +36,8 @@ class VemraRevise : public ::testing::Test {
                  const std::map<std::string, std::string>& variables = {}) {
     std::string command = "env";
     for (const char* name :
-         {kTraceLogVariable, kDiagLevelVariable, kAnswersVariable, kTranslationsVariable}) {
+         {kTraceLogVariable, kDiagLevelVariable, kAnswersVariable, kTranslationsVariable,
+          kDocumentNameVariable, kShowRevisionMessagesVariable}) {
       command += std::string(" -u ") + name;
     }
     for (const auto& [name, value] : variables) command += " " + name + "=" + ShellQuoted(value);

@@ -13,6 +13,7 @@
 #include "host/portable/HostActivation.h"
 #include "platform/portable/DebugOutput.h"
 #include "revise/ReviseRun.h"
+#include "revise/native/HostKitDocument.h"
 
 namespace {
 
@@ -21,7 +22,8 @@ using namespace kestrivon::hostkit;
 
 class NativeSession final : public revise::PrinterSession {
  public:
-  explicit NativeSession(std::unique_ptr<RevisionPrinter> printer) : printer_(std::move(printer)) {}
+  NativeSession(std::unique_ptr<RevisionPrinter> printer, std::shared_ptr<TraceLog> log)
+      : printer_(std::move(printer)), log_(std::move(log)) {}
 
   std::string Extension() override { return printer_->Extension(); }
   int32_t Version() override { return printer_->Version(); }
@@ -30,9 +32,8 @@ class NativeSession final : public revise::PrinterSession {
   bool IsPrinterAvailable() override { return printer_->IsPrinterAvailable(); }
   bool SetPrnDefaults() override { return printer_->SetPrnDefaults(); }
   bool DoPrint(const std::string& revisionFolder, const std::string& fileName) override {
-    // The host's document and its owner come here once the host kit has them.
-    const host::HostObjectRef document;
-    const host::HostObjectRef owner;
+    const auto document = NewHostKitDocument(log_);
+    const host::HostObjectRef owner = document ? document->owner : nullptr;
     return printer_->DoPrint(document, owner, revisionFolder, fileName);
   }
   bool AppendFile(const std::string& fileToAppend, const std::string& fileMain) override {
@@ -41,6 +42,7 @@ class NativeSession final : public revise::PrinterSession {
 
  private:
   std::unique_ptr<RevisionPrinter> printer_;
+  std::shared_ptr<TraceLog> log_;
 };
 
 class NativeBackend final : public revise::ReviseBackend {
@@ -58,7 +60,7 @@ class NativeBackend final : public revise::ReviseBackend {
               "unknown revision printer class '" + printerClass + "'"};
     }
     if (!kit_) Install();
-    return {std::make_unique<NativeSession>(found->create()),
+    return {std::make_unique<NativeSession>(found->create(), kit_->log),
             CreateFailure::kNone,
             std::string(found->progId),
             {}};

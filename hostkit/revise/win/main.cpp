@@ -15,6 +15,7 @@
 
 #include "VemraVBInterface.h"
 #include "core/Environment.h"
+#include "core/Settings.h"
 #include "revise/ReviseRun.h"
 
 namespace {
@@ -62,6 +63,31 @@ std::string Hex(HRESULT hr) {
 
 void Check(HRESULT hr) {
   if (FAILED(hr)) ThrowFailure(hr);
+}
+
+// The host kit's document class, which reads its name and its owner's
+// option from the variables.
+IDispatch* NewDocument() {
+  CLSID clsid;
+  Check(::CLSIDFromProgID(L"VemraHostKit.Document", &clsid));
+  IDispatch* document = nullptr;
+  Check(::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
+                           reinterpret_cast<void**>(&document)));
+  return document;
+}
+
+IDispatch* OwnerOf(IDispatch* document) {
+  DISPID id = DISPID_UNKNOWN;
+  LPOLESTR names[] = {const_cast<LPOLESTR>(L"Owner")};
+  Check(document->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id));
+  DISPPARAMS none{nullptr, nullptr, 0, 0};
+  VARIANT result;
+  VariantInit(&result);
+  Check(document->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, &result,
+                         nullptr, nullptr));
+  IDispatch* owner = V_VT(&result) == VT_DISPATCH ? V_DISPATCH(&result) : nullptr;
+  if (owner == nullptr) VariantClear(&result);
+  return owner;
 }
 
 class Bstr {
@@ -113,13 +139,16 @@ class ComSession final : public revise::PrinterSession {
   bool IsPrinterAvailable() override { return Ask(&IRevisionPrinter::IsPrinterAvailable); }
   bool SetPrnDefaults() override { return Ask(&IRevisionPrinter::SetPrnDefaults); }
   bool DoPrint(const std::string& revisionFolder, const std::string& fileName) override {
-    // The host's document and its owner come here once the host kit has them.
-    IDispatch* document = nullptr;
-    IDispatch* owner = nullptr;
+    // With VEMRA_DOCUMENT_NAME, the host kit's document and its owner.
+    IDispatch* document = GetEnvironment(kDocumentNameVariable) ? NewDocument() : nullptr;
+    IDispatch* owner = document != nullptr ? OwnerOf(document) : nullptr;
     Bstr folder(revisionFolder);
     Bstr name(fileName);
     VARIANT_BOOL printed = VARIANT_FALSE;
-    Check(printer_->DoPrint(document, owner, folder.Get(), name.Get(), &printed));
+    const HRESULT hr = printer_->DoPrint(document, owner, folder.Get(), name.Get(), &printed);
+    if (owner != nullptr) owner->Release();
+    if (document != nullptr) document->Release();
+    Check(hr);
     return printed != VARIANT_FALSE;
   }
   bool AppendFile(const std::string& fileToAppend, const std::string& fileMain) override {

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "com/WindowsHeaders.h"
+
+// IPrinter's slot-8 method is called Release, which C++ cannot declare
+// beside IUnknown::Release; the host kit does not implement IPrinter.
+#define __IPrinter_INTERFACE_DEFINED__
+#include "VemraHostServices.h"
+#undef __IPrinter_INTERFACE_DEFINED__
+
+namespace kestrivon::hostkit::com {
+
+// The host kit's document class: a document (the host's base interface)
+// with an owner, the owner's options and environment, and a message pack
+// whose entries are logged. Not a class of the host's own type library.
+// {6F3D2C1A-8B4E-4F7A-9C2D-5E1B0A7F3D91}
+inline constexpr CLSID kDocumentClsid = {
+    0x6F3D2C1A, 0x8B4E, 0x4F7A, {0x9C, 0x2D, 0x5E, 0x1B, 0x0A, 0x7F, 0x3D, 0x91}};
+inline constexpr const wchar_t* kDocumentProgId = L"VemraHostKit.Document";
+
+HRESULT CreateDocument(REFIID riid, void** object);
+
+}  // namespace kestrivon::hostkit::com

@@ -1,0 +1,277 @@
+// The host's document, owner and message objects reached through COM: the
+// base and owner interfaces by their vtable slots, the rest late-bound by
+// name.
+#include "host/Documents.h"
+
+#include <windows.h>
+
+#include <vector>
+
+// IPrinter's slot-8 method is called Release, which C++ cannot declare
+// beside IUnknown::Release; this file does not use IPrinter.
+#define __IPrinter_INTERFACE_DEFINED__
+#include "VemraHostServices.h"
+#undef __IPrinter_INTERFACE_DEFINED__
+#include "frame/RunTimeError.h"
+#include "host/win/ComError.h"
+#include "host/win/ComHostObject.h"
+#include "host/win/ComPtr.h"
+#include "platform/win/Text.h"
+
+namespace kestrivon::host {
+namespace {
+
+using platform::win::FromWide;
+using platform::win::ToWide;
+using win::Check;
+using win::ComPtr;
+
+// A VARIANT that clears itself.
+struct OwnedVariant {
+  VARIANT v;
+  OwnedVariant() { VariantInit(&v); }
+  ~OwnedVariant() { VariantClear(&v); }
+  OwnedVariant(const OwnedVariant&) = delete;
+  OwnedVariant& operator=(const OwnedVariant&) = delete;
+};
+
+// Calls a member by name. Arguments are given in call order.
+void Invoke(IDispatch* object, const wchar_t* name, WORD flags, std::vector<VARIANT> arguments,
+            VARIANT* result) {
+  if (object == nullptr) Raise(vb_error::kObjectVariableNotSet);
+  DISPID id = DISPID_UNKNOWN;
+  LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
+  Check(object->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id));
+  std::vector<VARIANT> reversed(arguments.rbegin(), arguments.rend());
+  DISPID put = DISPID_PROPERTYPUT;
+  DISPPARAMS params{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
+  if ((flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) {
+    params.rgdispidNamedArgs = &put;
+    params.cNamedArgs = 1;
+  }
+  EXCEPINFO exception{};
+  UINT argumentError = 0;
+  const HRESULT hr = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &params, result,
+                                    &exception, &argumentError);
+  if (hr == DISP_E_EXCEPTION) {
+    if (exception.pfnDeferredFillIn != nullptr) exception.pfnDeferredFillIn(&exception);
+    const HRESULT code =
+        exception.scode != 0 ? exception.scode : MAKE_HRESULT(1, 4, exception.wCode);
+    const std::string description =
+        exception.bstrDescription != nullptr
+            ? FromWide(exception.bstrDescription,
+                       static_cast<int>(SysStringLen(exception.bstrDescription)))
+            : std::string("Automation error");
+    SysFreeString(exception.bstrSource);
+    SysFreeString(exception.bstrDescription);
+    SysFreeString(exception.bstrHelpFile);
+    throw RunTimeError(static_cast<int32_t>(code), description);
+  }
+  Check(hr);
+}
+
+// The object a member answered; null for Nothing.
+ComPtr<IDispatch> DispatchOf(VARIANT& value) {
+  if (V_VT(&value) == VT_DISPATCH) return ComPtr<IDispatch>::Share(V_DISPATCH(&value));
+  if (V_VT(&value) == VT_UNKNOWN && V_UNKNOWN(&value) != nullptr) {
+    ComPtr<IDispatch> dispatch;
+    Check(
+        V_UNKNOWN(&value)->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(dispatch.Put())));
+    return dispatch;
+  }
+  if (V_VT(&value) == VT_EMPTY || V_VT(&value) == VT_NULL) return {};
+  Raise(vb_error::kTypeMismatch);
+}
+
+ComPtr<IDispatch> GetObjectMember(IDispatch* object, const wchar_t* name) {
+  OwnedVariant result;
+  Invoke(object, name, DISPATCH_PROPERTYGET | DISPATCH_METHOD, {}, &result.v);
+  return DispatchOf(result.v);
+}
+
+Variant ToVariant(VARIANT& value) {
+  switch (V_VT(&value)) {
+    case VT_EMPTY:
+      return {};
+    case VT_BOOL:
+      return V_BOOL(&value) != VARIANT_FALSE;
+    case VT_I2:
+      return static_cast<int16_t>(V_I2(&value));
+    case VT_I4:
+      return static_cast<int32_t>(V_I4(&value));
+    case VT_R8:
+      return V_R8(&value);
+    case VT_DATE:
+      return VbDate{V_DATE(&value)};
+    case VT_BSTR:
+      return FromWide(V_BSTR(&value), static_cast<int>(SysStringLen(V_BSTR(&value))));
+    default:
+      break;
+  }
+  OwnedVariant converted;
+  if (SUCCEEDED(VariantChangeType(&converted.v, &value, 0, VT_R8))) return V_R8(&converted.v);
+  if (SUCCEEDED(VariantChangeType(&converted.v, &value, 0, VT_BSTR))) {
+    return FromWide(V_BSTR(&converted.v), static_cast<int>(SysStringLen(V_BSTR(&converted.v))));
+  }
+  Raise(vb_error::kTypeMismatch);
+}
+
+// Keeps the object for the host's own wrapper, as the component hands
+// objects on.
+HostObjectRef Wrap(const ComPtr<IDispatch>& object) { return win::WrapHostObject(object.Get()); }
+
+IDispatch* DispatchOf(const HostObjectRef& object) {
+  const auto* com = dynamic_cast<const win::ComHostObject*>(object.get());
+  if (com == nullptr) Raise(vb_error::kTypeMismatch);
+  return com->Dispatch();
+}
+
+class ComMessageEntry final : public MessageEntry {
+ public:
+  explicit ComMessageEntry(ComPtr<IDispatch> entry) : entry_(std::move(entry)) {}
+  void SetVemraObject(const HostObjectRef& object) override {
+    VARIANT argument;
+    VariantInit(&argument);
+    V_VT(&argument) = VT_DISPATCH;
+    V_DISPATCH(&argument) = object ? DispatchOf(object) : nullptr;
+    Invoke(entry_.Get(), L"VemraObject", DISPATCH_PROPERTYPUTREF, {argument}, nullptr);
+  }
+  void SetDescription(const std::string& text) override {
+    const std::wstring wide = ToWide(text);
+    BSTR bstr = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
+    if (bstr == nullptr) Raise(vb_error::kOutOfMemory);
+    VARIANT argument;
+    VariantInit(&argument);
+    V_VT(&argument) = VT_BSTR;
+    V_BSTR(&argument) = bstr;
+    try {
+      Invoke(entry_.Get(), L"Description", DISPATCH_PROPERTYPUT, {argument}, nullptr);
+    } catch (...) {
+      SysFreeString(bstr);
+      throw;
+    }
+    SysFreeString(bstr);
+  }
+
+ private:
+  ComPtr<IDispatch> entry_;
+};
+
+class ComMessagePack final : public MessagePack {
+ public:
+  explicit ComMessagePack(ComPtr<IDispatch> pack) : pack_(std::move(pack)) {}
+  std::shared_ptr<MessageEntry> AddNew() override {
+    OwnedVariant result;
+    Invoke(pack_.Get(), L"AddNew", DISPATCH_METHOD | DISPATCH_PROPERTYGET, {}, &result.v);
+    ComPtr<IDispatch> entry = DispatchOf(result.v);
+    if (!entry) return nullptr;
+    return std::make_shared<ComMessageEntry>(std::move(entry));
+  }
+
+ private:
+  ComPtr<IDispatch> pack_;
+};
+
+class ComEnvironment final : public Environment {
+ public:
+  explicit ComEnvironment(ComPtr<IDispatch> environment) : environment_(std::move(environment)) {}
+  std::shared_ptr<MessagePack> CurrentMessagePack() override {
+    ComPtr<IDispatch> device = GetObjectMember(environment_.Get(), L"Device");
+    ComPtr<IDispatch> pack = GetObjectMember(device.Get(), L"CurrentMessagePack");
+    if (!pack) return nullptr;
+    return std::make_shared<ComMessagePack>(std::move(pack));
+  }
+
+ private:
+  ComPtr<IDispatch> environment_;
+};
+
+class ComOptionSet final : public OptionSet {
+ public:
+  explicit ComOptionSet(ComPtr<IDispatch> options) : options_(std::move(options)) {}
+  bool Exist(const std::string& name) override {
+    const std::wstring wide = ToWide(name);
+    BSTR bstr = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
+    if (bstr == nullptr) Raise(vb_error::kOutOfMemory);
+    VARIANT argument;
+    VariantInit(&argument);
+    V_VT(&argument) = VT_BSTR;
+    V_BSTR(&argument) = bstr;
+    OwnedVariant result;
+    try {
+      Invoke(options_.Get(), L"Exist", DISPATCH_METHOD | DISPATCH_PROPERTYGET, {argument},
+             &result.v);
+    } catch (...) {
+      SysFreeString(bstr);
+      throw;
+    }
+    SysFreeString(bstr);
+    OwnedVariant truth;
+    Check(VariantChangeType(&truth.v, &result.v, 0, VT_BOOL));
+    return V_BOOL(&truth.v) != VARIANT_FALSE;
+  }
+  Variant Option(const std::string& name) override {
+    const std::wstring wide = ToWide(name);
+    OwnedVariant result;
+    Invoke(options_.Get(), wide.c_str(), DISPATCH_PROPERTYGET, {}, &result.v);
+    return ToVariant(result.v);
+  }
+
+ private:
+  ComPtr<IDispatch> options_;
+};
+
+class ComOwner final : public Owner {
+ public:
+  explicit ComOwner(ComPtr<IVemraOwner> owner) : owner_(std::move(owner)) {}
+  std::shared_ptr<OptionSet> Options() override {
+    ComPtr<IDispatch> options;
+    Check(owner_->get_Options(options.Put()));
+    if (!options) return nullptr;
+    return std::make_shared<ComOptionSet>(std::move(options));
+  }
+  std::shared_ptr<host::Environment> Environment() override {
+    ComPtr<IDispatch> environment;
+    Check(owner_->get_Environment(environment.Put()));
+    if (!environment) return nullptr;
+    return std::make_shared<ComEnvironment>(std::move(environment));
+  }
+
+ private:
+  ComPtr<IVemraOwner> owner_;
+};
+
+class ComVemraObject final : public VemraObject {
+ public:
+  explicit ComVemraObject(ComPtr<IVemraObject> object) : object_(std::move(object)) {}
+  HostObjectRef Owner() override {
+    ComPtr<IDispatch> owner;
+    Check(object_->get_Owner(owner.Put()));
+    return Wrap(owner);
+  }
+
+ private:
+  ComPtr<IVemraObject> object_;
+};
+
+template <class Interface>
+ComPtr<Interface> Query(const HostObjectRef& object) {
+  ComPtr<Interface> view;
+  Check(DispatchOf(object)->QueryInterface(__uuidof(Interface),
+                                           reinterpret_cast<void**>(view.Put())));
+  return view;
+}
+
+}  // namespace
+
+std::shared_ptr<VemraObject> AsVemraObject(const HostObjectRef& object) {
+  if (!object) return nullptr;
+  return std::make_shared<ComVemraObject>(Query<IVemraObject>(object));
+}
+
+std::shared_ptr<Owner> AsOwner(const HostObjectRef& object) {
+  if (!object) return nullptr;
+  return std::make_shared<ComOwner>(Query<IVemraOwner>(object));
+}
+
+}  // namespace kestrivon::host
