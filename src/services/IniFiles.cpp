@@ -33,7 +33,7 @@ std::vector<std::string> Split(const std::string& text, const std::string& separ
   }
 }
 
-std::string ReplaceAll(std::string text, char from, const std::string& to) {
+std::string ReplaceAll(const std::string& text, char from, const std::string& to) {
   std::string out;
   for (char c : text) {
     if (c == from) {

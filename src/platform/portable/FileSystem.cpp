@@ -50,10 +50,11 @@ std::string StripTrailingSlash(std::string root) {
 }
 
 std::string Join(const std::string& root, const std::string& rest) {
-  const std::string base = StripTrailingSlash(root);
+  std::string base = StripTrailingSlash(root);
   if (rest.empty()) return base;
   if (base == "/") return rest.front() == '/' ? rest : "/" + rest;
-  return rest.front() == '/' ? base + rest : base + "/" + rest;
+  if (rest.front() != '/') base += '/';
+  return base += rest;
 }
 
 bool Exists(const std::string& hostPath) {
@@ -84,7 +85,8 @@ std::string ResolveCase(const std::string& hostPath) {
   for (size_t i = 1; i < parts.size(); ++i) {
     const std::string& part = parts[i];
     const std::string folder = current.empty() ? "/" : current;
-    std::string next = current + "/" + part;
+    std::string next = current;
+    next.append("/").append(part);
     if (!part.empty() && part != "." && part != ".." && !Exists(next)) {
       if (DIR* dir = ::opendir(folder.c_str())) {
         while (dirent* entry = ::readdir(dir)) {
@@ -260,7 +262,7 @@ std::vector<std::string> FolderFileNames(const std::string& folder) {
     while (dirent* entry = ::readdir(dir)) {
       const std::string name = entry->d_name;
       if (name == "." || name == "..") continue;
-      if (portable::IsFile(host + "/" + name)) names.push_back(name);
+      if (portable::IsFile(std::string(host).append("/").append(name))) names.push_back(name);
     }
     ::closedir(dir);
   }

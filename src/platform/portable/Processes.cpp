@@ -137,7 +137,7 @@ std::string FindProgram(const std::string& name) {
   }
   for (const auto& folder : folders) {
     if (folder.empty()) continue;
-    std::string found = tryPath(folder + "/" + name);
+    std::string found = tryPath(std::string(folder).append("/").append(name));
     if (!found.empty()) return found;
   }
   return {};
@@ -247,6 +247,7 @@ bool CreateProcessA(const std::string& commandLine, bool inheritHandles, uint32_
   std::vector<std::string> args{token};
   for (auto& arg : portable::SplitArguments(commandLine.substr(end))) args.push_back(arg);
   std::vector<char*> argv;
+  argv.reserve(args.size() + 1);
   for (auto& arg : args) argv.push_back(arg.data());
   argv.push_back(nullptr);
   pid_t pid = 0;
