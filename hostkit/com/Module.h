@@ -3,6 +3,7 @@
 #include <string>
 
 #include "com/WindowsHeaders.h"
+#include "com/server/InprocServer.h"
 #include "core/HostKit.h"
 
 namespace kestrivon::hostkit::com {
@@ -11,16 +12,13 @@ namespace kestrivon::hostkit::com {
 inline constexpr int kHostServicesLib = 1;
 inline constexpr int kVBInterfaceLib = 2;
 
-void SetModuleHandle(HINSTANCE module) noexcept;
-std::wstring ModulePath();
-
-// Live objects and server locks decide DllCanUnloadNow.
-void ObjectCreated() noexcept;
-void ObjectDestroyed() noexcept;
-void LockModule(bool lock) noexcept;
-bool CanUnload() noexcept;
-
-HRESULT LoadOwnTypeLib(int resource, ITypeLib** lib);
+using kestrivon::com::server::CanUnload;
+using kestrivon::com::server::LoadOwnTypeLib;
+using kestrivon::com::server::LockModule;
+using kestrivon::com::server::ModulePath;
+using kestrivon::com::server::ObjectCreated;
+using kestrivon::com::server::ObjectDestroyed;
+using kestrivon::com::server::SetModuleHandle;
 
 // The vtable type information of one of the host service interfaces, kept
 // until the DLL unloads; answers IDispatch calls.
