@@ -28,8 +28,7 @@ bool SyncShell(const std::string& commandLine, int32_t timeout, bool waitForInpu
     } else {
       returned = static_cast<int32_t>(platform::WaitForSingleObject(process, wait));
       WriteTrace(
-          "VemraKestrivon::Globals::SyncShell(): embedded application has finished its task -> "
-          "return value: '" +
+          "VemraKestrivon::Globals::SyncShell(): embedded application has finished its task -> return value: '" +
           std::to_string(returned) + "'");
     }
     platform::CloseHandle(process);

@@ -65,8 +65,7 @@ bool FillDictionaryFromIniFileSection(StringDictionary* dictionary, const std::s
   WithErrorHandler(kGlobalsLabel, "Public Function 'FillDictionaryFromIniFileSection'", [&] {
     if (dictionary == nullptr) {
       WriteTrace(
-          "VemraKestrivon::Globals::FillDictionaryFromIniFileSection(): Parameter 'oDict' is "
-          "nothing.");
+          "VemraKestrivon::Globals::FillDictionaryFromIniFileSection(): Parameter 'oDict' is nothing.");
       return;
     }
     std::string buffer(kSectionBuffer, ' ');
@@ -74,14 +73,12 @@ bool FillDictionaryFromIniFileSection(StringDictionary* dictionary, const std::s
         platform::GetPrivateProfileSectionA(section, buffer.data(), kSectionBuffer, iniFile));
     if (n == static_cast<int32_t>(kSectionOverflow)) {
       WriteTrace(
-          "VemraKestrivon::Globals::FillDictionaryFromIniFileSection(): Size of section exceeds "
-          "32k bytes.");
+          "VemraKestrivon::Globals::FillDictionaryFromIniFileSection(): Size of section exceeds 32k bytes.");
       return;
     }
     if (n <= 0) {
       WriteTrace(
-          "VemraKestrivon::Globals::FillDictionaryFromIniFileSection(): No bytes were written to "
-          "'sRet'.");
+          "VemraKestrivon::Globals::FillDictionaryFromIniFileSection(): No bytes were written to 'sRet'.");
       return;
     }
     const std::string text =

@@ -50,8 +50,7 @@ bool WaitWhileFileInAccess(const std::string& path) {
         done = TestForFileAccess(path);
       } else {
         WriteTrace(
-            "VemraKestrivon::Globals::WaitWhileFileInAccess(): File does not exist. Waiting for "
-            "file...");
+            "VemraKestrivon::Globals::WaitWhileFileInAccess(): File does not exist. Waiting for file...");
       }
       platform::Sleep(kSlice);
     }

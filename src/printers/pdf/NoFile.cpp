@@ -32,8 +32,7 @@ bool NoFile::DoPrint(const host::HostObjectRef& /*document*/, const host::HostOb
   bool result = false;
   WithErrorHandler(kClassLabel, " Function IRevisionPrinter_DoPrint", [&] {
     WriteTrace(
-        "VemraKestrivon::NoFile::IRevisionPrinter_DoPrint(): document has no file -> nothing to "
-        "do");
+        "VemraKestrivon::NoFile::IRevisionPrinter_DoPrint(): document has no file -> nothing to do");
     result = true;
   });
   return result;
