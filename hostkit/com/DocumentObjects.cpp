@@ -93,32 +93,17 @@ class DualObject : public Counted<Interface> {
     return S_OK;
   }
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID /*lcid*/, ITypeInfo** info) override {
-    if (info == nullptr) return E_POINTER;
-    *info = nullptr;
-    if (index != 0) return DISP_E_BADINDEX;
-    return HostServicesTypeInfo(__uuidof(Interface), info);
+    return DispatchTypeInfo(__uuidof(Interface), index, info);
   }
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID /*lcid*/,
                                           DISPID* ids) override {
-    if (!IsEqualIID(riid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
-    ITypeInfo* info = nullptr;
-    HRESULT hr = HostServicesTypeInfo(__uuidof(Interface), &info);
-    if (FAILED(hr)) return hr;
-    hr = ::DispGetIDsOfNames(info, names, count, ids);
-    info->Release();
-    return hr;
+    return DispatchIDsOfNames(__uuidof(Interface), riid, names, count, ids);
   }
   HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID riid, LCID /*lcid*/, WORD flags,
                                    DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception,
                                    UINT* argError) override {
-    if (!IsEqualIID(riid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
-    ITypeInfo* info = nullptr;
-    HRESULT hr = HostServicesTypeInfo(__uuidof(Interface), &info);
-    if (FAILED(hr)) return hr;
-    hr = ::DispInvoke(static_cast<Interface*>(this), info, id, flags, params, result, exception,
-                      argError);
-    info->Release();
-    return hr;
+    return DispatchInvoke(__uuidof(Interface), static_cast<Interface*>(this), id, riid, flags,
+                          params, result, exception, argError);
   }
 };
 
@@ -358,20 +343,21 @@ class OwnerObject final : public DualObject<IVemraOwner> {
   RESERVED(7)
   RESERVED(8)
   RESERVED(9)
-  RESERVED(10) RESERVED(11) RESERVED(12) RESERVED(13) RESERVED(14) RESERVED(15) RESERVED(16)
-      RESERVED(17) RESERVED(18) RESERVED(19) RESERVED(20) RESERVED(21) RESERVED(23) RESERVED(24)
-          RESERVED(25) RESERVED(26) RESERVED(27) RESERVED(28) RESERVED(29) RESERVED(30) RESERVED(31)
-              RESERVED(32) RESERVED(33) RESERVED(34) RESERVED(35) RESERVED(36) RESERVED(37)
-                  RESERVED(38) RESERVED(39) RESERVED(40) RESERVED(41) RESERVED(42) RESERVED(43)
-                      RESERVED(44) RESERVED(45) RESERVED(46) RESERVED(47) RESERVED(48) RESERVED(49)
-                          RESERVED(50) RESERVED(51) RESERVED(52) RESERVED(53) RESERVED(54)
-                              RESERVED(56) RESERVED(57) RESERVED(58) RESERVED(59) RESERVED(60)
-                                  RESERVED(61) RESERVED(62) RESERVED(63) RESERVED(64) RESERVED(65)
-                                      RESERVED(66) RESERVED(67) RESERVED(68) RESERVED(69)
-                                          RESERVED(70) RESERVED(71) RESERVED(72) RESERVED(73)
-                                              RESERVED(74) RESERVED(75) RESERVED(76) RESERVED(77)
-                                                  RESERVED(78) RESERVED(79) RESERVED(80)
-                                                      RESERVED(81) RESERVED(82)
+  RESERVED(10)
+  RESERVED(11) RESERVED(12) RESERVED(13) RESERVED(14) RESERVED(15) RESERVED(16) RESERVED(17)
+      RESERVED(18) RESERVED(19) RESERVED(20) RESERVED(21) RESERVED(23) RESERVED(24) RESERVED(25)
+          RESERVED(26) RESERVED(27) RESERVED(28) RESERVED(29) RESERVED(30) RESERVED(31) RESERVED(32)
+              RESERVED(33) RESERVED(34) RESERVED(35) RESERVED(36) RESERVED(37) RESERVED(38)
+                  RESERVED(39) RESERVED(40) RESERVED(41) RESERVED(42) RESERVED(43) RESERVED(44)
+                      RESERVED(45) RESERVED(46) RESERVED(47) RESERVED(48) RESERVED(49) RESERVED(50)
+                          RESERVED(51) RESERVED(52) RESERVED(53) RESERVED(54) RESERVED(56)
+                              RESERVED(57) RESERVED(58) RESERVED(59) RESERVED(60) RESERVED(61)
+                                  RESERVED(62) RESERVED(63) RESERVED(64) RESERVED(65) RESERVED(66)
+                                      RESERVED(67) RESERVED(68) RESERVED(69) RESERVED(70)
+                                          RESERVED(71) RESERVED(72) RESERVED(73) RESERVED(74)
+                                              RESERVED(75) RESERVED(76) RESERVED(77) RESERVED(78)
+                                                  RESERVED(79) RESERVED(80) RESERVED(81)
+                                                      RESERVED(82)
 
                                                           private : IDispatch* options_;
   IDispatch* environment_;
@@ -394,10 +380,11 @@ class DocumentObject final : public DualObject<IVemraObject> {
   RESERVED(8)
   RESERVED(10)
   RESERVED(11)
-  RESERVED(12) RESERVED(13) RESERVED(14) RESERVED(15) RESERVED(16) RESERVED(18) RESERVED(20)
-      RESERVED(21) RESERVED(22) RESERVED(23) RESERVED(24) RESERVED(25) RESERVED(26) RESERVED(27)
-          RESERVED(28) RESERVED(29) RESERVED(30) RESERVED(31) RESERVED(32) RESERVED(34) RESERVED(35)
-              RESERVED(36) RESERVED(37)
+  RESERVED(12)
+  RESERVED(13) RESERVED(14) RESERVED(15) RESERVED(16) RESERVED(18) RESERVED(20) RESERVED(21)
+      RESERVED(22) RESERVED(23) RESERVED(24) RESERVED(25) RESERVED(26) RESERVED(27) RESERVED(28)
+          RESERVED(29) RESERVED(30) RESERVED(31) RESERVED(32) RESERVED(34) RESERVED(35) RESERVED(36)
+              RESERVED(37)
 
                   private : static constexpr long kDocumentSystemType = 29;
   std::string name_;

@@ -105,32 +105,17 @@ class HostObject : public Interface, public ISupportErrorInfo {
     return S_OK;
   }
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID /*lcid*/, ITypeInfo** info) override {
-    if (info == nullptr) return E_POINTER;
-    *info = nullptr;
-    if (index != 0) return DISP_E_BADINDEX;
-    return HostServicesTypeInfo(__uuidof(Interface), info);
+    return DispatchTypeInfo(__uuidof(Interface), index, info);
   }
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID /*lcid*/,
                                           DISPID* ids) override {
-    if (!IsEqualIID(riid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
-    ITypeInfo* info = nullptr;
-    HRESULT hr = HostServicesTypeInfo(__uuidof(Interface), &info);
-    if (FAILED(hr)) return hr;
-    hr = ::DispGetIDsOfNames(info, names, count, ids);
-    info->Release();
-    return hr;
+    return DispatchIDsOfNames(__uuidof(Interface), riid, names, count, ids);
   }
   HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID riid, LCID /*lcid*/, WORD flags,
                                    DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception,
                                    UINT* argError) override {
-    if (!IsEqualIID(riid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
-    ITypeInfo* info = nullptr;
-    HRESULT hr = HostServicesTypeInfo(__uuidof(Interface), &info);
-    if (FAILED(hr)) return hr;
-    hr = ::DispInvoke(static_cast<Interface*>(this), info, id, flags, params, result, exception,
-                      argError);
-    info->Release();
-    return hr;
+    return DispatchInvoke(__uuidof(Interface), static_cast<Interface*>(this), id, riid, flags,
+                          params, result, exception, argError);
   }
 
   HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID riid) override {

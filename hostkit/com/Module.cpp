@@ -40,6 +40,34 @@ HRESULT HostServicesTypeInfo(REFIID iid, ITypeInfo** info) {
   }
 }
 
+HRESULT DispatchTypeInfo(REFIID iid, UINT index, ITypeInfo** info) {
+  if (info == nullptr) return E_POINTER;
+  *info = nullptr;
+  if (index != 0) return DISP_E_BADINDEX;
+  return HostServicesTypeInfo(iid, info);
+}
+
+HRESULT DispatchIDsOfNames(REFIID iid, REFIID riid, LPOLESTR* names, UINT count, DISPID* ids) {
+  if (!IsEqualIID(riid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+  ITypeInfo* info = nullptr;
+  HRESULT hr = HostServicesTypeInfo(iid, &info);
+  if (FAILED(hr)) return hr;
+  hr = ::DispGetIDsOfNames(info, names, count, ids);
+  info->Release();
+  return hr;
+}
+
+HRESULT DispatchInvoke(REFIID iid, void* object, DISPID id, REFIID riid, WORD flags,
+                       DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception, UINT* argError) {
+  if (!IsEqualIID(riid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+  ITypeInfo* info = nullptr;
+  HRESULT hr = HostServicesTypeInfo(iid, &info);
+  if (FAILED(hr)) return hr;
+  hr = ::DispInvoke(object, info, id, flags, params, result, exception, argError);
+  info->Release();
+  return hr;
+}
+
 HostKit& Kit() {
   static std::once_flag once;
   static std::optional<HostKit> kit;

@@ -24,6 +24,13 @@ using kestrivon::com::server::SetModuleHandle;
 // until the DLL unloads; answers IDispatch calls.
 HRESULT HostServicesTypeInfo(REFIID iid, ITypeInfo** info);
 
+// IDispatch of an object implementing the host service interface `iid`,
+// answered through that interface's type information.
+HRESULT DispatchTypeInfo(REFIID iid, UINT index, ITypeInfo** info);
+HRESULT DispatchIDsOfNames(REFIID iid, REFIID riid, LPOLESTR* names, UINT count, DISPID* ids);
+HRESULT DispatchInvoke(REFIID iid, void* object, DISPID id, REFIID riid, WORD flags,
+                       DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception, UINT* argError);
+
 // The host kit's objects, shared by every COM object of the process: one
 // log, one message box script. Created on first use from the environment.
 HostKit& Kit();
