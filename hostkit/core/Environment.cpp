@@ -2,6 +2,8 @@
 
 #ifdef _WIN32
 #include <windows.h>
+
+#include "platform/win/Text.h"
 #else
 #include <cstdlib>
 #endif
@@ -11,31 +13,9 @@
 namespace kestrivon::hostkit {
 
 #ifdef _WIN32
-namespace {
-
-std::wstring Wide(const std::string& utf8) {
-  if (utf8.empty()) return {};
-  const int n =
-      ::MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), nullptr, 0);
-  std::wstring wide(static_cast<size_t>(n), L'\0');
-  ::MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), wide.data(), n);
-  return wide;
-}
-
-std::string Utf8(const std::wstring& wide) {
-  if (wide.empty()) return {};
-  const int n = ::WideCharToMultiByte(CP_UTF8, 0, wide.data(), static_cast<int>(wide.size()),
-                                      nullptr, 0, nullptr, nullptr);
-  std::string utf8(static_cast<size_t>(n), '\0');
-  ::WideCharToMultiByte(CP_UTF8, 0, wide.data(), static_cast<int>(wide.size()), utf8.data(), n,
-                        nullptr, nullptr);
-  return utf8;
-}
-
-}  // namespace
 
 std::optional<std::string> GetEnvironment(const std::string& name) {
-  const std::wstring wideName = Wide(name);
+  const std::wstring wideName = platform::win::ToWide(name);
   std::vector<wchar_t> buffer(256);
   for (;;) {
     ::SetLastError(ERROR_SUCCESS);
@@ -45,13 +25,14 @@ std::optional<std::string> GetEnvironment(const std::string& name) {
       if (::GetLastError() == ERROR_ENVVAR_NOT_FOUND) return std::nullopt;
       return std::string();
     }
-    if (n < buffer.size()) return Utf8(std::wstring(buffer.data(), n));
+    if (n < buffer.size()) return platform::win::FromWide(buffer.data(), static_cast<int>(n));
     buffer.resize(n);
   }
 }
 
 void SetEnvironment(const std::string& name, const std::optional<std::string>& value) {
-  ::SetEnvironmentVariableW(Wide(name).c_str(), value ? Wide(*value).c_str() : nullptr);
+  ::SetEnvironmentVariableW(platform::win::ToWide(name).c_str(),
+                            value ? platform::win::ToWide(*value).c_str() : nullptr);
 }
 
 #else

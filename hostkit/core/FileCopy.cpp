@@ -2,6 +2,8 @@
 
 #ifdef _WIN32
 #include <windows.h>
+
+#include "platform/win/Text.h"
 #else
 #include <filesystem>
 #include <system_error>
@@ -14,15 +16,6 @@ namespace kestrivon::hostkit {
 #ifdef _WIN32
 
 namespace {
-
-std::wstring Wide(const std::string& utf8) {
-  if (utf8.empty()) return {};
-  const int n =
-      ::MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), nullptr, 0);
-  std::wstring wide(static_cast<size_t>(n), L'\0');
-  ::MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), wide.data(), n);
-  return wide;
-}
 
 std::string SystemMessage(DWORD code) {
   char* text = nullptr;
@@ -43,7 +36,8 @@ std::string SystemMessage(DWORD code) {
 // refuses to overwrite on Windows.
 bool CopyOneFile(const std::string& source, const std::string& target, bool overwrite,
                  std::string& why) {
-  if (::CopyFileW(Wide(source).c_str(), Wide(target).c_str(), overwrite ? FALSE : TRUE)) {
+  if (::CopyFileW(platform::win::ToWide(source).c_str(), platform::win::ToWide(target).c_str(),
+                  overwrite ? FALSE : TRUE)) {
     return true;
   }
   why = SystemMessage(::GetLastError());
