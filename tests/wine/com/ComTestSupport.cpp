@@ -31,18 +31,6 @@ const std::vector<ContractClass>& ContractClasses() {
   return classes;
 }
 
-GUID Guid(const wchar_t* text) {
-  GUID guid{};
-  EXPECT_EQ(IIDFromString(text, &guid), S_OK) << text;
-  return guid;
-}
-
-std::wstring GuidText(const GUID& guid) {
-  wchar_t text[40] = {};
-  StringFromGUID2(guid, text, 40);
-  return text;
-}
-
 }  // namespace kestrivon::wine_test
 
 // Each test program runs in a single-threaded apartment, as the host does.

@@ -22,10 +22,14 @@
 #define __IPrinter_INTERFACE_DEFINED__
 #include "VemraHostServices.h"
 #undef __IPrinter_INTERFACE_DEFINED__
+#include "WineComTest.h"
 #include "core/TraceLog.h"
 
 namespace {
 
+using kestrivon::wine_test::Bstr;
+using kestrivon::wine_test::Guid;
+using kestrivon::wine_test::Ref;
 namespace fs = std::filesystem;
 using Fields = std::vector<std::string>;
 
@@ -41,60 +45,11 @@ fs::path workFolder;
 fs::path logPath;
 constexpr LONG kLevel = 3;
 
-GUID Guid(const wchar_t* text) {
-  GUID guid{};
-  EXPECT_EQ(::IIDFromString(text, &guid), S_OK) << "bad GUID text";
-  return guid;
-}
-
 std::string Narrow(const std::wstring& wide) {
   std::string text;
   for (wchar_t c : wide) text += c < 128 ? static_cast<char>(c) : '?';
   return text;
 }
-
-class Bstr {
- public:
-  Bstr() = default;
-  explicit Bstr(const wchar_t* text) : b_(SysAllocString(text)) {}
-  ~Bstr() { SysFreeString(b_); }
-  Bstr(const Bstr&) = delete;
-  Bstr& operator=(const Bstr&) = delete;
-  BSTR get() const { return b_; }
-  BSTR* out() {
-    SysFreeString(b_);
-    b_ = nullptr;
-    return &b_;
-  }
-  std::wstring str() const { return b_ == nullptr ? L"" : std::wstring(b_, SysStringLen(b_)); }
-
- private:
-  BSTR b_ = nullptr;
-};
-
-template <class T>
-class Ref {
- public:
-  Ref() = default;
-  ~Ref() { reset(); }
-  Ref(const Ref&) = delete;
-  Ref& operator=(const Ref&) = delete;
-  Ref(Ref&& other) noexcept : p_(std::exchange(other.p_, nullptr)) {}
-  void** out() {
-    reset();
-    return reinterpret_cast<void**>(&p_);
-  }
-  T* get() const { return p_; }
-  T* operator->() const { return p_; }
-  explicit operator bool() const { return p_ != nullptr; }
-  void reset() {
-    if (p_ != nullptr) p_->Release();
-    p_ = nullptr;
-  }
-
- private:
-  T* p_ = nullptr;
-};
 
 // A registry value under HKEY_CLASSES_ROOT; nullopt-like empty marker.
 bool ReadClassesValue(const std::wstring& key, const wchar_t* name, std::wstring& value) {
@@ -156,7 +111,7 @@ class LogMark {
 Ref<ITraceService> NewTraceService() {
   Ref<ITraceService> service;
   EXPECT_EQ(::CoCreateInstance(Guid(kTraceServiceClsid), nullptr, CLSCTX_INPROC_SERVER,
-                               Guid(kTraceServiceIid), service.out()),
+                               Guid(kTraceServiceIid), service.outVoid()),
             S_OK);
   return service;
 }
@@ -164,7 +119,7 @@ Ref<ITraceService> NewTraceService() {
 Ref<IInstanceMonitor> NewInstanceMonitor() {
   Ref<IInstanceMonitor> monitor;
   EXPECT_EQ(::CoCreateInstance(Guid(kInstanceMonitorClsid), nullptr, CLSCTX_INPROC_SERVER,
-                               __uuidof(IInstanceMonitor), monitor.out()),
+                               __uuidof(IInstanceMonitor), monitor.outVoid()),
             S_OK);
   return monitor;
 }
@@ -264,8 +219,7 @@ TEST(Registration, ClassesAreInProcessApartmentWithProgIds) {
 TEST(Registration, TheHostsTypeLibrariesAndTheirInterfaces) {
   for (const wchar_t* libId : {kHostServicesLibId, kVBInterfaceLibId}) {
     Ref<ITypeLib> lib;
-    EXPECT_EQ(::LoadRegTypeLib(Guid(libId), 1, 0, 0, reinterpret_cast<ITypeLib**>(lib.out())), S_OK)
-        << Narrow(libId);
+    EXPECT_EQ(::LoadRegTypeLib(Guid(libId), 1, 0, 0, lib.out()), S_OK) << Narrow(libId);
   }
   std::wstring lib;
   ASSERT_TRUE(ReadClassesValue(std::wstring(L"Interface\\") + kRevisionPrinterIid + L"\\TypeLib",
@@ -445,8 +399,9 @@ TEST(TraceService, ScriptsReachItByName) {
   CLSID clsid{};
   ASSERT_EQ(::CLSIDFromProgID(L"VemraHostKit.TraceService", &clsid), S_OK);
   Ref<IDispatch> service;
-  ASSERT_EQ(::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, service.out()),
-            S_OK);
+  ASSERT_EQ(
+      ::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, service.outVoid()),
+      S_OK);
   UINT count = 0;
   EXPECT_EQ(service->GetTypeInfoCount(&count), S_OK);
   EXPECT_EQ(count, 1u);
@@ -499,7 +454,7 @@ TEST(InstanceMonitor, AnswersTheLevelAndWatchesCounters) {
             (std::vector<Fields>{{"LEVEL", "3"},
                                  {"COUNTER", "Kestrivan.InstanceCount", "4", "registered"}}));
   Ref<ISupportErrorInfo> support;
-  ASSERT_EQ(monitor->QueryInterface(IID_ISupportErrorInfo, support.out()), S_OK);
+  ASSERT_EQ(monitor->QueryInterface(IID_ISupportErrorInfo, support.outVoid()), S_OK);
   EXPECT_EQ(support->InterfaceSupportsErrorInfo(__uuidof(IInstanceMonitor)), S_OK);
 }
 
