@@ -35,6 +35,15 @@ struct OwnedVariant {
   OwnedVariant& operator=(const OwnedVariant&) = delete;
 };
 
+// A string argument, freed with the variant.
+void SetText(OwnedVariant& argument, const std::string& text) {
+  const std::wstring wide = ToWide(text);
+  BSTR bstr = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
+  if (bstr == nullptr) Raise(vb_error::kOutOfMemory);
+  V_VT(&argument.v) = VT_BSTR;
+  V_BSTR(&argument.v) = bstr;
+}
+
 // Calls a member by name. Arguments are given in call order.
 void Invoke(IDispatch* object, const wchar_t* name, WORD flags, std::vector<VARIANT> arguments,
             VARIANT* result) {
@@ -137,20 +146,9 @@ class ComMessageEntry final : public MessageEntry {
     Invoke(entry_.Get(), L"VemraObject", DISPATCH_PROPERTYPUTREF, {argument}, nullptr);
   }
   void SetDescription(const std::string& text) override {
-    const std::wstring wide = ToWide(text);
-    BSTR bstr = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
-    if (bstr == nullptr) Raise(vb_error::kOutOfMemory);
-    VARIANT argument;
-    VariantInit(&argument);
-    V_VT(&argument) = VT_BSTR;
-    V_BSTR(&argument) = bstr;
-    try {
-      Invoke(entry_.Get(), L"Description", DISPATCH_PROPERTYPUT, {argument}, nullptr);
-    } catch (...) {
-      SysFreeString(bstr);
-      throw;
-    }
-    SysFreeString(bstr);
+    OwnedVariant argument;
+    SetText(argument, text);
+    Invoke(entry_.Get(), L"Description", DISPATCH_PROPERTYPUT, {argument.v}, nullptr);
   }
 
  private:
@@ -190,22 +188,11 @@ class ComOptionSet final : public OptionSet {
  public:
   explicit ComOptionSet(ComPtr<IDispatch> options) : options_(std::move(options)) {}
   bool Exist(const std::string& name) override {
-    const std::wstring wide = ToWide(name);
-    BSTR bstr = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
-    if (bstr == nullptr) Raise(vb_error::kOutOfMemory);
-    VARIANT argument;
-    VariantInit(&argument);
-    V_VT(&argument) = VT_BSTR;
-    V_BSTR(&argument) = bstr;
+    OwnedVariant argument;
+    SetText(argument, name);
     OwnedVariant result;
-    try {
-      Invoke(options_.Get(), L"Exist", DISPATCH_METHOD | DISPATCH_PROPERTYGET, {argument},
-             &result.v);
-    } catch (...) {
-      SysFreeString(bstr);
-      throw;
-    }
-    SysFreeString(bstr);
+    Invoke(options_.Get(), L"Exist", DISPATCH_METHOD | DISPATCH_PROPERTYGET, {argument.v},
+           &result.v);
     OwnedVariant truth;
     Check(VariantChangeType(&truth.v, &result.v, 0, VT_BOOL));
     return V_BOOL(&truth.v) != VARIANT_FALSE;
