@@ -193,19 +193,31 @@ int32_t RegOpenKeyExA(HKey key, const std::string& subKey, uint32_t /*options*/,
   return kErrorSuccess;
 }
 
-int32_t RegQueryValueExA(HKey key, const std::string& valueName, uint32_t* type, void* data,
-                         uint32_t* dataSize) {
+namespace {
+
+// The key behind an open handle or a predefined hive, checked for the right
+// the call needs, with the error Windows gives otherwise.
+int32_t NodeFor(HKey key, uint32_t right, portable::Node*& node) {
   OpenKey* open = Handle(key);
-  portable::Node* node = nullptr;
   if (open != nullptr) {
-    if ((open->access & kKeyQueryValue) == 0) return kErrorAccessDenied;
+    if ((open->access & right) == 0) return kErrorAccessDenied;
     node = NodeOf(*open);
   } else if (portable::IsPredefined(key)) {
     node = &portable::State().hives[key];
   } else {
     return kErrorInvalidHandle;
   }
-  if (node == nullptr) return kErrorFileNotFound;
+  return node == nullptr ? kErrorFileNotFound : kErrorSuccess;
+}
+
+}  // namespace
+
+int32_t RegQueryValueExA(HKey key, const std::string& valueName, uint32_t* type, void* data,
+                         uint32_t* dataSize) {
+  portable::Node* node = nullptr;
+  if (const int32_t status = NodeFor(key, kKeyQueryValue, node); status != kErrorSuccess) {
+    return status;
+  }
   if (data != nullptr && dataSize == nullptr) return kErrorInvalidParameter;
   auto it = node->values.find(valueName);
   if (it == node->values.end()) return kErrorFileNotFound;
@@ -228,17 +240,10 @@ int32_t RegQueryValueExA(HKey key, const std::string& valueName, uint32_t* type,
 
 int32_t RegSetValueExA(HKey key, const std::string& valueName, uint32_t type, const void* data,
                        uint32_t dataSize) {
-  OpenKey* open = Handle(key);
   portable::Node* node = nullptr;
-  if (open != nullptr) {
-    if ((open->access & kKeySetValue) == 0) return kErrorAccessDenied;
-    node = NodeOf(*open);
-  } else if (portable::IsPredefined(key)) {
-    node = &portable::State().hives[key];
-  } else {
-    return kErrorInvalidHandle;
+  if (const int32_t status = NodeFor(key, kKeySetValue, node); status != kErrorSuccess) {
+    return status;
   }
-  if (node == nullptr) return kErrorFileNotFound;
   std::string bytes;
   if (data != nullptr) bytes.assign(static_cast<const char*>(data), dataSize);
   node->values[valueName] = portable::RegistryValue{type, bytes};
