@@ -9,7 +9,7 @@
 #include <string>
 
 #include "com/Module.h"
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 #include "platform/win/Text.h"
 
 namespace kestrivon::hostkit::com {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "frame/Variant.h"
+#include "runtime/Variant.h"
 
 namespace kestrivon::hostkit {
 

@@ -1,6 +1,6 @@
 #include "core/SimInstanceMonitor.h"
 
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon::hostkit {
 

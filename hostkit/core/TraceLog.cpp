@@ -7,7 +7,7 @@
 #include <system_error>
 
 #include "core/Environment.h"
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon::hostkit {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "TestSupport.h"
 #include "core/HostKit.h"
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon::hostkit::test {
 namespace {

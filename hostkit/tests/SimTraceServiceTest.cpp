@@ -5,7 +5,7 @@
 
 #include "TestSupport.h"
 #include "core/SimTraceService.h"
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon::hostkit::test {
 namespace {

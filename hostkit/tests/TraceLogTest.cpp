@@ -4,7 +4,7 @@
 
 #include "TestSupport.h"
 #include "core/TraceLog.h"
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon::hostkit::test {
 namespace {

@@ -7,7 +7,6 @@
 
 #include "com/Module.h"
 #include "com/PrinterObject.h"
-#include "frame/ClassTable.h"
 
 namespace kestrivon::com {
 namespace {
@@ -16,11 +15,8 @@ namespace {
 // do not keep the DLL loaded; LockServer does.
 class ClassFactory final : public IClassFactory {
  public:
-  void Bind(const PrinterClass& printerClass, const ClassIds& ids) {
-    class_ = &printerClass;
-    ids_ = ids;
-  }
-  [[nodiscard]] const ClassIds& Ids() const { return ids_; }
+  void Bind(const ClassIdentity& identity) { identity_ = &identity; }
+  [[nodiscard]] const ClassIdentity& Identity() const { return *identity_; }
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
     if (object == nullptr) return E_POINTER;
@@ -38,7 +34,7 @@ class ClassFactory final : public IClassFactory {
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
     if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-    return PrinterObject::Create(*class_, ids_, riid, object);
+    return PrinterObject::Create(*identity_, riid, object);
   }
   HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
     LockModule(lock != FALSE);
@@ -46,8 +42,7 @@ class ClassFactory final : public IClassFactory {
   }
 
  private:
-  const PrinterClass* class_ = nullptr;
-  ClassIds ids_;
+  const ClassIdentity* identity_ = nullptr;
 };
 
 constexpr size_t kMaxClasses = 16;
@@ -56,11 +51,8 @@ size_t factoryCount = 0;
 std::once_flag bound;
 
 void BindFactories() {
-  for (const auto& c : PrinterClasses()) {
-    ClassIds ids;
-    if (factoryCount < factories.size() && ParseClassIds(c, ids)) {
-      factories[factoryCount++].Bind(c, ids);
-    }
+  for (const auto& identity : ClassIdentities()) {
+    if (factoryCount < factories.size()) factories[factoryCount++].Bind(identity);
   }
 }
 
@@ -71,7 +63,7 @@ HRESULT GetClassFactory(REFCLSID clsid, REFIID riid, void** factory) {
   *factory = nullptr;
   std::call_once(bound, BindFactories);
   for (size_t i = 0; i < factoryCount; ++i) {
-    if (IsEqualCLSID(clsid, factories[i].Ids().clsid)) {
+    if (IsEqualCLSID(clsid, *factories[i].Identity().clsid)) {
       return factories[i].QueryInterface(riid, factory);
     }
   }

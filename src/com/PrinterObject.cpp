@@ -12,11 +12,6 @@ namespace {
 using platform::win::FromWide;
 using platform::win::ToWide;
 
-bool ParseGuid(std::string_view text, GUID& guid) {
-  const std::wstring wide = ToWide(std::string(text));
-  return SUCCEEDED(::IIDFromString(wide.c_str(), &guid));
-}
-
 std::string Utf8(BSTR text) {
   return text == nullptr ? std::string() : FromWide(text, static_cast<int>(SysStringLen(text)));
 }
@@ -56,23 +51,14 @@ HRESULT AnswerText(BSTR* out, Op&& op) noexcept {
 
 }  // namespace
 
-bool ParseClassIds(const PrinterClass& printerClass, ClassIds& ids) {
-  ids = {};
-  ids.hasSecond = !printerClass.secondIid.empty();
-  return ParseGuid(printerClass.clsid, ids.clsid) &&
-         ParseGuid(printerClass.defaultIid, ids.defaultIid) &&
-         (!ids.hasSecond || ParseGuid(printerClass.secondIid, ids.secondIid));
-}
-
-HRESULT PrinterObject::Create(const PrinterClass& printerClass, const ClassIds& ids, REFIID riid,
-                              void** object) {
+HRESULT PrinterObject::Create(const ClassIdentity& identity, REFIID riid, void** object) {
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
   PrinterObject* created = nullptr;
   try {
     // The printer's constructor runs the class frame (PPMInit, counting,
     // trace), which reports its own failures.
-    created = new PrinterObject(ids, printerClass.create());
+    created = new PrinterObject(identity, identity.printerClass->create());
   } catch (...) {
     return E_OUTOFMEMORY;
   }
@@ -81,8 +67,8 @@ HRESULT PrinterObject::Create(const PrinterClass& printerClass, const ClassIds& 
   return hr;
 }
 
-PrinterObject::PrinterObject(const ClassIds& ids, std::unique_ptr<RevisionPrinter> printer)
-    : ids_(ids), printer_(std::move(printer)) {
+PrinterObject::PrinterObject(const ClassIdentity& identity, std::unique_ptr<RevisionPrinter> printer)
+    : identity_(identity), printer_(std::move(printer)) {
   ObjectCreated();
 }
 
@@ -95,8 +81,8 @@ PrinterObject::~PrinterObject() {
 HRESULT PrinterObject::QueryInterface(REFIID riid, void** object) {
   if (object == nullptr) return E_POINTER;
   if (IsEqualIID(riid, IID_IUnknown) || IsEqualIID(riid, IID_IDispatch) ||
-      IsEqualIID(riid, __uuidof(IRevisionPrinter)) || IsEqualIID(riid, ids_.defaultIid) ||
-      (ids_.hasSecond && IsEqualIID(riid, ids_.secondIid))) {
+      IsEqualIID(riid, __uuidof(IRevisionPrinter)) || IsEqualIID(riid, *identity_.defaultIid) ||
+      (identity_.secondIid != nullptr && IsEqualIID(riid, *identity_.secondIid))) {
     *object = static_cast<IRevisionPrinter*>(this);
     AddRef();
     return S_OK;

@@ -5,20 +5,9 @@
 #include <memory>
 
 #include "VemraVBInterface.h"
-#include "frame/ClassTable.h"
+#include "com/ClassIdentities.h"
 
 namespace kestrivon::com {
-
-// A registered class's identities as COM wants them.
-struct ClassIds {
-  CLSID clsid{};
-  IID defaultIid{};
-  IID secondIid{};
-  bool hasSecond = false;
-};
-
-// Parses the class table's texts; false when one is not a GUID.
-bool ParseClassIds(const PrinterClass& printerClass, ClassIds& ids);
 
 // One revision printer as the host sees it: IRevisionPrinter's vtable over a
 // RevisionPrinter of the class table. The class's default interface (and
@@ -29,8 +18,7 @@ bool ParseClassIds(const PrinterClass& printerClass, ClassIds& ids);
 class PrinterObject final : public IRevisionPrinter {
  public:
   // Makes a new object of the class and hands out the asked interface.
-  static HRESULT Create(const PrinterClass& printerClass, const ClassIds& ids, REFIID riid,
-                        void** object);
+  static HRESULT Create(const ClassIdentity& identity, REFIID riid, void** object);
 
   // IUnknown
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override;
@@ -62,11 +50,11 @@ class PrinterObject final : public IRevisionPrinter {
   PrinterObject& operator=(const PrinterObject&) = delete;
 
  private:
-  PrinterObject(const ClassIds& ids, std::unique_ptr<RevisionPrinter> printer);
+  PrinterObject(const ClassIdentity& identity, std::unique_ptr<RevisionPrinter> printer);
   ~PrinterObject();
 
   LONG refs_ = 1;
-  ClassIds ids_;
+  const ClassIdentity& identity_;
   std::unique_ptr<RevisionPrinter> printer_;
 };
 

@@ -7,16 +7,19 @@
 
 #include "com/Module.h"
 #include "com/server/SelfRegistration.h"
-#include "frame/ClassTable.h"
-#include "platform/win/Text.h"
+#include "com/ClassIdentities.h"
 
 namespace kestrivon::com {
 namespace {
 
-std::wstring Wide(std::string_view text) { return platform::win::ToWide(std::string(text)); }
+std::wstring GuidText(const GUID& guid) {
+  wchar_t text[40] = {};
+  ::StringFromGUID2(guid, text, 40);
+  return text;
+}
 
-server::InprocClass Entry(const PrinterClass& c) {
-  return {Wide(c.clsid), Wide(c.progId), Wide(kTypeLibraryId),
+server::InprocClass Entry(const ClassIdentity& c) {
+  return {GuidText(*c.clsid), ProgId(*c.printerClass), GuidText(kTypeLibraryId),
           std::to_wstring(kTypeLibraryMajor) + L"." + std::to_wstring(kTypeLibraryMinor), true};
 }
 
@@ -26,7 +29,7 @@ HRESULT RegisterServer() {
   try {
     const std::wstring dllPath = ModulePath();
     if (dllPath.empty()) return SELFREG_E_CLASS;
-    for (const auto& c : PrinterClasses()) {
+    for (const auto& c : ClassIdentities()) {
       if (server::RegisterInprocClass(Entry(c), dllPath) != ERROR_SUCCESS) return SELFREG_E_CLASS;
     }
     // The dual default interfaces get their Interface keys from here; the
@@ -42,7 +45,7 @@ HRESULT UnregisterServer() {
   try {
     HRESULT result = S_OK;
     if (FAILED(server::UnregisterOwnTypeLib(kOwnTypeLib))) result = SELFREG_E_TYPELIB;
-    for (const auto& c : PrinterClasses()) {
+    for (const auto& c : ClassIdentities()) {
       const auto entry = Entry(c);
       if (server::UnregisterInprocClass(entry.clsid, entry.progId) != ERROR_SUCCESS) {
         result = SELFREG_E_CLASS;

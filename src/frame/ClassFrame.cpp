@@ -6,7 +6,7 @@
 namespace kestrivon {
 
 void CountedClassInitialize(std::string_view classLabel, const CountLine& createdLine) {
-  WithErrorHandlerNoThrow(classLabel, "Class_Initialize", [&] {
+  Procedure(classLabel, "Class_Initialize").GuardNoThrow([&] {
     PPMInit();
     ++InstanceCount();
     if (PPMLevelDebug()) createdLine(InstanceCount());
@@ -15,7 +15,7 @@ void CountedClassInitialize(std::string_view classLabel, const CountLine& create
 
 void CountedClassTerminate(std::string_view classLabel, const std::function<void()>& cleanUp,
                            const CountLine& releasedLine) {
-  WithErrorHandlerNoThrow(classLabel, "Class_Terminate", [&] {
+  Procedure(classLabel, "Class_Terminate").GuardNoThrow([&] {
     --InstanceCount();
     if (cleanUp) cleanUp();
     if (PPMLevelDebug()) releasedLine(InstanceCount());

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "frame/Variant.h"
+#include "runtime/Variant.h"
 #include "host/HostObject.h"
 
 namespace kestrivon::host {

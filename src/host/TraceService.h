@@ -4,14 +4,12 @@
 #include <memory>
 #include <string>
 
+#include "runtime/RunTimeError.h"
+
 namespace kestrivon::host {
 
 // What LogError receives: the run time's current error.
-struct ErrorInfo {
-  int32_t number = 0;
-  std::string description;
-  std::string source;
-};
+using kestrivon::ErrorInfo;
 
 // The host's trace and message service. Strings are UTF-8 on this side of
 // the seam; a failing call raises RunTimeError.

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/Owned.h"
+
 namespace kestrivon::platform {
 
 // File and folder work with the semantics of the scripting file-system
@@ -42,5 +44,6 @@ using FileHandle = std::intptr_t;
 inline constexpr FileHandle kInvalidFile = -1;
 FileHandle OpenFileExclusive(const std::string& path);
 void CloseFile(FileHandle file);
+using OwnedFile = Owned<FileHandle, &CloseFile, kInvalidFile>;
 
 }  // namespace kestrivon::platform

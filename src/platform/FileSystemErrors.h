@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon::platform {
 

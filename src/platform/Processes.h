@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+#include "platform/Owned.h"
+
 namespace kestrivon::platform {
 
 using Handle = std::uintptr_t;
@@ -43,5 +45,8 @@ uint32_t WaitForInputIdle(Handle process, uint32_t milliseconds);
 bool GetExitCodeProcess(Handle process, uint32_t* exitCode);
 bool TerminateProcess(Handle process, uint32_t exitCode);
 bool CloseHandle(Handle handle);
+
+// A process or thread handle, closed with CloseHandle.
+using OwnedHandle = Owned<Handle, &CloseHandle, Handle{0}>;
 
 }  // namespace kestrivon::platform

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+#include "platform/Owned.h"
+
 namespace kestrivon::platform {
 
 // An open registry key (HKEY). The predefined hives are the 32-bit handle
@@ -11,10 +13,16 @@ using HKey = std::intptr_t;
 
 constexpr HKey HiveHandle(int32_t hive) { return static_cast<HKey>(hive); }
 
-inline constexpr HKey kHKeyClassesRoot = HiveHandle(static_cast<int32_t>(0x80000000u));
-inline constexpr HKey kHKeyCurrentUser = HiveHandle(static_cast<int32_t>(0x80000001u));
-inline constexpr HKey kHKeyLocalMachine = HiveHandle(static_cast<int32_t>(0x80000002u));
-inline constexpr HKey kHKeyUsers = HiveHandle(static_cast<int32_t>(0x80000003u));
+// The hives as 32-bit values, as callers pass them around.
+inline constexpr auto kHiveClassesRoot = static_cast<int32_t>(0x80000000u);
+inline constexpr auto kHiveCurrentUser = static_cast<int32_t>(0x80000001u);
+inline constexpr auto kHiveLocalMachine = static_cast<int32_t>(0x80000002u);
+inline constexpr auto kHiveUsers = static_cast<int32_t>(0x80000003u);
+
+inline constexpr HKey kHKeyClassesRoot = HiveHandle(kHiveClassesRoot);
+inline constexpr HKey kHKeyCurrentUser = HiveHandle(kHiveCurrentUser);
+inline constexpr HKey kHKeyLocalMachine = HiveHandle(kHiveLocalMachine);
+inline constexpr HKey kHKeyUsers = HiveHandle(kHiveUsers);
 
 // Access rights.
 inline constexpr uint32_t kKeyQueryValue = 0x0001;
@@ -52,5 +60,8 @@ int32_t RegQueryValueExA(HKey key, const std::string& valueName, uint32_t* type,
 int32_t RegSetValueExA(HKey key, const std::string& valueName, uint32_t type, const void* data,
                        uint32_t dataSize);
 int32_t RegCloseKey(HKey key);
+
+// An open key, closed with RegCloseKey.
+using OwnedKey = Owned<HKey, &RegCloseKey, HKey{0}>;
 
 }  // namespace kestrivon::platform

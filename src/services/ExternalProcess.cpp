@@ -12,26 +12,27 @@ constexpr uint32_t kStartupInfoSize = 68;
 
 bool SyncShell(const std::string& commandLine, int32_t timeout, bool waitForInputIdle,
                bool hideWindow) {
-  bool result = false;
-  WithErrorHandler(kGlobalsLabel, "Public Function 'SyncShell'", [&] {
+  // The answer is set before the closing traces: a failing trace there
+  // still answers it.
+  return Procedure(kGlobalsLabel, "Public Function 'SyncShell'").Guard(false, [&](bool& result) {
     const uint32_t wait = timeout <= 0 ? platform::kInfinite : static_cast<uint32_t>(timeout);
-    const platform::Handle process = StartProcess(commandLine, hideWindow);
-    if (process == 0) return;
+    platform::OwnedHandle process(StartProcess(commandLine, hideWindow));
+    if (!process.Valid()) return;
     WriteTrace("VemraKestrivon::Globals::SyncShell(): Process started (process-handle: " +
-               std::to_string(process) + ")");
+               std::to_string(process.Get()) + ")");
     int32_t returned = 0;
     if (waitForInputIdle) {
-      returned = static_cast<int32_t>(platform::WaitForInputIdle(process, wait));
+      returned = static_cast<int32_t>(platform::WaitForInputIdle(process.Get(), wait));
       WriteTrace(
           "VemraKestrivon::Globals::SyncShell(): embedded application started -> return value: '" +
           std::to_string(returned) + "'");
     } else {
-      returned = static_cast<int32_t>(platform::WaitForSingleObject(process, wait));
+      returned = static_cast<int32_t>(platform::WaitForSingleObject(process.Get(), wait));
       WriteTrace(
           "VemraKestrivon::Globals::SyncShell(): embedded application has finished its task -> return value: '" +
           std::to_string(returned) + "'");
     }
-    platform::CloseHandle(process);
+    process.Reset();
     result = returned == 0;
     switch (returned) {
       case 0:
@@ -51,12 +52,10 @@ bool SyncShell(const std::string& commandLine, int32_t timeout, bool waitForInpu
         break;
     }
   });
-  return result;
 }
 
 platform::Handle StartProcess(const std::string& commandLine, bool hideWindow) {
-  platform::Handle result = 0;
-  WithErrorHandler(kGlobalsLabel, "Private Function 'StartProcess'", [&] {
+  return Procedure(kGlobalsLabel, "Private Function 'StartProcess'").Guard(platform::Handle{0}, [&] {
     platform::StartupInfo startup;
     startup.cb = kStartupInfoSize;
     if (hideWindow) {
@@ -67,12 +66,11 @@ platform::Handle StartProcess(const std::string& commandLine, bool hideWindow) {
     if (!platform::CreateProcessA(commandLine, true, platform::kNormalPriorityClass, startup,
                                   &information)) {
       WriteTrace("VemraKestrivon::Globals::StartProcess(): CreateProcess() failed");
-      return;
+      return platform::Handle{0};
     }
     // The thread handle stays open, as it always has.
-    result = information.process;
+    return information.process;
   });
-  return result;
 }
 
 }  // namespace kestrivon

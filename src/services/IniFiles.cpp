@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "frame/ErrorHandler.h"
-#include "frame/VbStrings.h"
+#include "runtime/VbStrings.h"
 #include "frame/trace/Trace.h"
 #include "platform/AnsiText.h"
 #include "platform/FileSystem.h"
@@ -49,24 +49,22 @@ std::string ReplaceAll(const std::string& text, char from, const std::string& to
 
 std::string ReadIniString(const std::string& iniFile, const std::string& section,
                           const std::string& key, const std::string& defaultValue) {
-  std::string result;
-  WithErrorHandler(kGlobalsLabel, "Public Function ReadIniString", [&] {
+  return Procedure(kGlobalsLabel, "Public Function ReadIniString").Guard(std::string(), [&] {
     std::string buffer(kIniBuffer, ' ');
     const uint32_t n = platform::GetPrivateProfileStringA(section, key, defaultValue, buffer.data(),
                                                           kIniBuffer, iniFile);
-    result = platform::FromAnsiCodePage(vb::Left(buffer, n));
+    return platform::FromAnsiCodePage(vb::Left(buffer, n));
   });
-  return result;
 }
 
 bool FillDictionaryFromIniFileSection(StringDictionary* dictionary, const std::string& iniFile,
                                       const std::string& section) {
-  bool result = false;
-  WithErrorHandler(kGlobalsLabel, "Public Function 'FillDictionaryFromIniFileSection'", [&] {
+  const Procedure procedure(kGlobalsLabel, "Public Function 'FillDictionaryFromIniFileSection'");
+  return procedure.Guard(false, [&] {
     if (dictionary == nullptr) {
       WriteTrace(
           "VemraKestrivon::Globals::FillDictionaryFromIniFileSection(): Parameter 'oDict' is nothing.");
-      return;
+      return false;
     }
     std::string buffer(kSectionBuffer, ' ');
     const auto n = static_cast<int32_t>(
@@ -74,12 +72,12 @@ bool FillDictionaryFromIniFileSection(StringDictionary* dictionary, const std::s
     if (n == static_cast<int32_t>(kSectionOverflow)) {
       WriteTrace(
           "VemraKestrivon::Globals::FillDictionaryFromIniFileSection(): Size of section exceeds 32k bytes.");
-      return;
+      return false;
     }
     if (n <= 0) {
       WriteTrace(
           "VemraKestrivon::Globals::FillDictionaryFromIniFileSection(): No bytes were written to 'sRet'.");
-      return;
+      return false;
     }
     const std::string text =
         ReplaceAll(platform::FromAnsiCodePage(vb::Left(buffer, n - 1)), '\0', "\r\n");
@@ -89,70 +87,60 @@ bool FillDictionaryFromIniFileSection(StringDictionary* dictionary, const std::s
       const std::vector<std::string> pieces = Split(line, "=");
       if (pieces.size() >= 2) dictionary->Add(pieces[0], pieces[1]);
     }
-    result = true;
+    return true;
   });
-  return result;
 }
 
 std::string TempFolder() {
-  // Reports an error and goes on with the next step.
-  constexpr const char* kLabel = "Private Function 'TempFolder'";
   std::string result;
   std::string buffer;
   uint32_t n = 0;
-  WithErrorHandler(kGlobalsLabel, kLabel, [&] { buffer.assign(kIniBuffer, ' '); });
-  WithErrorHandler(kGlobalsLabel, kLabel,
-                   [&] { n = platform::GetTempPathA(kIniBuffer, buffer.data()); });
-  WithErrorHandler(kGlobalsLabel, kLabel,
-                   [&] { result = platform::FromAnsiCodePage(vb::Left(buffer, n)); });
-  WithErrorHandler(kGlobalsLabel, kLabel, [&] {
-    if (vb::Right(result, 1) == "\\")
-      result = vb::Left(result, static_cast<long long>(result.size()) - 1);
-  });
+  Procedure(kGlobalsLabel, "Private Function 'TempFolder'")
+      .Steps([&] { buffer.assign(kIniBuffer, ' '); },
+             [&] { n = platform::GetTempPathA(kIniBuffer, buffer.data()); },
+             [&] { result = platform::FromAnsiCodePage(vb::Left(buffer, n)); },
+             [&] {
+               if (vb::Right(result, 1) == "\\")
+                 result = vb::Left(result, static_cast<long long>(result.size()) - 1);
+             });
   return result;
 }
 
 std::string TempFileName(const std::string& extension) {
-  // Reports an error and goes on with the next step.
-  constexpr const char* kLabel = "Public Function TempFileName";
   std::string folder;
   std::string buffer;
   std::string name;
-  WithErrorHandler(kGlobalsLabel, kLabel, [&] { folder = TempFolder(); });
-  WithErrorHandler(kGlobalsLabel, kLabel, [&] { buffer.assign(platform::kMaxPath, ' '); });
-  WithErrorHandler(kGlobalsLabel, kLabel,
-                   [&] { platform::GetTempFileNameA(folder, "R2P", 0, buffer.data()); });
-  WithErrorHandler(kGlobalsLabel, kLabel, [&] {
-    name = platform::FromAnsiCodePage(
-        vb::Left(buffer, static_cast<long long>(vb::InStr(1, buffer, std::string(1, '\0'))) - 1));
-  });
-  // Only the name is wanted, not the file that made it unique.
-  WithErrorHandler(kGlobalsLabel, kLabel, [&] { platform::DeleteFileA(name); });
-  WithErrorHandler(kGlobalsLabel, kLabel, [&] {
-    if (!extension.empty()) {
-      const size_t dot = vb::InStrRev(name, ".");
-      if (dot > 0) name = vb::Left(name, static_cast<long long>(dot) - 1);
-      name = name + "." + extension;
-    }
-  });
+  Procedure(kGlobalsLabel, "Public Function TempFileName")
+      .Steps([&] { folder = TempFolder(); },  //
+             [&] { buffer.assign(platform::kMaxPath, ' '); },
+             [&] { platform::GetTempFileNameA(folder, "R2P", 0, buffer.data()); },
+             [&] {
+               const auto nul = vb::InStr(1, buffer, std::string(1, '\0'));
+               name = platform::FromAnsiCodePage(vb::Left(buffer, static_cast<long long>(nul) - 1));
+             },
+             // Only the name is wanted, not the file that made it unique.
+             [&] { platform::DeleteFileA(name); },
+             [&] {
+               if (extension.empty()) return;
+               const size_t dot = vb::InStrRev(name, ".");
+               if (dot > 0) name = vb::Left(name, static_cast<long long>(dot) - 1);
+               name = name + "." + extension;
+             });
   return name;
 }
 
 std::string WinUserName() {
-  std::string result;
-  WithErrorHandler(kGlobalsLabel, "Public Function 'WinUserName'", [&] {
+  return Procedure(kGlobalsLabel, "Public Function 'WinUserName'").Guard(std::string(), [&] {
     std::string buffer(255, ' ');
     uint32_t size = 255;
-    if (platform::GetUserNameA(buffer.data(), &size)) {
-      result = platform::FromAnsiCodePage(vb::Left(buffer, static_cast<long long>(size) - 1));
-    }
+    if (!platform::GetUserNameA(buffer.data(), &size)) return std::string();
+    return platform::FromAnsiCodePage(vb::Left(buffer, static_cast<long long>(size) - 1));
   });
-  return result;
 }
 
 bool CheckCreateOutputFolder(const std::string& path) {
-  bool result = false;
-  WithErrorHandler(kGlobalsLabel, "Function CheckCreateOutputFolder()", [&] {
+  // The answer is set before the last trace: a failing trace still answers it.
+  return Procedure(kGlobalsLabel, "Function CheckCreateOutputFolder()").Guard(false, [&](bool& result) {
     const size_t lastSlash = vb::InStrRev(path, "\\");
     const size_t lastDot = vb::InStrRev(path, ".");
     std::string folder =
@@ -176,7 +164,6 @@ bool CheckCreateOutputFolder(const std::string& path) {
         std::string("VemraKestrivon::Globals::CheckCreateOutputFolder(): was successfull: '") +
         (result ? "True" : "False") + "'");
   });
-  return result;
 }
 
 }  // namespace kestrivon

@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "frame/ErrorHandler.h"
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 #include "frame/trace/Trace.h"
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"
@@ -29,20 +29,16 @@ int32_t Difference(int32_t a, int32_t b) {
 }  // namespace
 
 bool WaitWhileFileInAccess(const std::string& path) {
-  bool result = false;
-  WithErrorHandler(kGlobalsLabel, "Function WaitWhileFileInAccess", [&] {
+  return Procedure(kGlobalsLabel, "Function WaitWhileFileInAccess").Guard(false, [&] {
     bool found = false;
     bool done = false;
     const int32_t start = TraceServiceObject().CurrentTicks();
     while (true) {
-      if (done) {
-        result = true;
-        return;
-      }
+      if (done) return true;
       const int32_t now = TraceServiceObject().CurrentTicks();
       if (Difference(now, start) > kAppearanceLimit && !found) {
         WriteTrace("VemraKestrivon::Globals::WaitWhileFileInAccess(): Waiting time exceeded");
-        return;
+        return false;
       }
       MyDoEvents();
       if (platform::FileExists(path)) {
@@ -55,30 +51,22 @@ bool WaitWhileFileInAccess(const std::string& path) {
       platform::Sleep(kSlice);
     }
   });
-  return result;
 }
 
 bool TestForFileAccess(const std::string& path) {
   // A file still held by its writer is the expected failure: it is traced,
   // not reported as an error.
-  try {
-    const platform::FileHandle file = platform::OpenFileExclusive(path);
-    if (file == platform::kInvalidFile)
-      platform::RaiseFileSystemError(platform::kErrPermissionDenied);
-    struct Closer {
-      platform::FileHandle file;
-      ~Closer() { platform::CloseFile(file); }
-    } closer{file};
+  const auto held = Attempt([&] {
+    const platform::OwnedFile file(platform::OpenFileExclusive(path));
+    if (!file.Valid()) platform::RaiseFileSystemError(platform::kErrPermissionDenied);
     WriteTrace("VemraKestrivon::Globals::TestForFileAccess(): File was printed");
-    return true;
-  } catch (...) {
-    WriteTrace("VemraKestrivon::Globals::TestForFileAccess(): File is growing...");
-    return false;
-  }
+  });
+  if (held) WriteTrace("VemraKestrivon::Globals::TestForFileAccess(): File is growing...");
+  return !held;
 }
 
 void MyDoEvents() {
-  WithErrorHandler(kGlobalsLabel, "Function MyDoEvents", [] {
+  Procedure(kGlobalsLabel, "Function MyDoEvents").Guard([] {
     platform::Message message;
     while (platform::PeekMessageA(&message, 0, 0, 0, platform::kPmRemove)) {
       if (IsLegalMessage(static_cast<int32_t>(message.message))) {
@@ -109,16 +97,13 @@ bool IsLegalMessage(int32_t id) {
 }
 
 bool FileCreationDateCheck(double reference, const std::string& path) {
-  bool result = false;
-  WithErrorHandler(kGlobalsLabel, "Function FileCreationDateCheck", [&] {
-    if (path.empty()) return;
-    result = platform::FileDateCreated(path) >= reference;
+  return Procedure(kGlobalsLabel, "Function FileCreationDateCheck").Guard(false, [&] {
+    return !path.empty() && platform::FileDateCreated(path) >= reference;
   });
-  return result;
 }
 
 void DeleteTempOutputFile(const std::string& path) {
-  WithErrorHandler(kGlobalsLabel, "Sub DeleteTempOutputFile", [&] {
+  Procedure(kGlobalsLabel, "Sub DeleteTempOutputFile").Guard([&] {
     if (!path.empty()) platform::DeleteFileWithForce(path, true);
   });
 }

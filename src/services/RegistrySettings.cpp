@@ -22,41 +22,41 @@ int32_t& SleeperCache() {
 
 platform::HKey Hive(int32_t hive) { return platform::HiveHandle(hive); }
 
+bool Open(int32_t hive, const std::string& keyPath, uint32_t access, platform::OwnedKey& key) {
+  return platform::RegOpenKeyExA(Hive(hive), keyPath, 0, access, key.Put()) ==
+         platform::kErrorSuccess;
+}
+
 }  // namespace
 
 bool ExistKey(int32_t hive, const std::string& keyPath) {
-  bool result = false;
-  WithErrorHandler(kGlobalsLabel, "ExistKey", [&] {
-    platform::HKey key = 0;
-    if (platform::RegOpenKeyExA(Hive(hive), keyPath, 0, kRead, &key) != platform::kErrorSuccess) {
+  return Procedure(kGlobalsLabel, "ExistKey").Guard(false, [&] {
+    platform::OwnedKey key;
+    if (!Open(hive, keyPath, kRead, key)) {
       WriteTrace(std::string("VemraKestrivon::Globals") + ".ExistKey: '" + keyPath +
                  "' not found trying other registry branch...");
-      if (platform::RegOpenKeyExA(Hive(hive), keyPath, 0, kRead64, &key) !=
-          platform::kErrorSuccess) {
-        return;
-      }
+      if (!Open(hive, keyPath, kRead64, key)) return false;
     }
-    platform::RegCloseKey(key);
-    result = true;
+    return true;
   });
-  return result;
 }
 
 bool GetValue(int32_t hive, const std::string& keyPath, const std::string& valueName,
               Variant& value) {
+  // Errors are read and dropped: the answer is what result held by then.
   bool result = false;
-  platform::HKey key = 0;
-  try {
-    if (platform::RegOpenKeyExA(Hive(hive), keyPath, 0, kRead, &key) == platform::kErrorSuccess) {
+  platform::OwnedKey key;
+  IgnoreErrors([&] {
+    if (Open(hive, keyPath, kRead, key)) {
       uint32_t type = 0;
       uint32_t size = 0;
-      if (platform::RegQueryValueExA(key, valueName, &type, nullptr, &size) ==
+      if (platform::RegQueryValueExA(key.Get(), valueName, &type, nullptr, &size) ==
           platform::kErrorSuccess) {
         switch (type) {
           case platform::kRegSz: {
             // One more than asked for: the caller gets the NUL and the spare blank.
             std::string buffer(size + 1, ' ');
-            if (platform::RegQueryValueExA(key, valueName, nullptr, buffer.data(), &size) ==
+            if (platform::RegQueryValueExA(key.Get(), valueName, nullptr, buffer.data(), &size) ==
                 platform::kErrorSuccess) {
               value = platform::FromAnsiCodePage(buffer);
               result = true;
@@ -66,7 +66,7 @@ bool GetValue(int32_t hive, const std::string& keyPath, const std::string& value
           case platform::kRegBinary: {
             int32_t number = 0;
             uint32_t one = 1;
-            if (platform::RegQueryValueExA(key, valueName, nullptr, &number, &one) ==
+            if (platform::RegQueryValueExA(key.Get(), valueName, nullptr, &number, &one) ==
                 platform::kErrorSuccess) {
               value = number;
             }
@@ -76,7 +76,7 @@ bool GetValue(int32_t hive, const std::string& keyPath, const std::string& value
           case platform::kRegDword: {
             int32_t number = 0;
             uint32_t four = 4;
-            if (platform::RegQueryValueExA(key, valueName, nullptr, &number, &four) ==
+            if (platform::RegQueryValueExA(key.Get(), valueName, nullptr, &number, &four) ==
                 platform::kErrorSuccess) {
               value = number;
               result = true;
@@ -89,39 +89,32 @@ bool GetValue(int32_t hive, const std::string& keyPath, const std::string& value
         }
       }
     }
-  } catch (...) {  // NOLINT(bugprone-empty-catch): the error is read and dropped
-  }
-  platform::RegCloseKey(key);
+  });
   return result;
 }
 
 bool SetValue(int32_t hive, const std::string& keyPath, const std::string& valueName,
               const Variant& value) {
-  bool result = false;
-  WithErrorHandler(kGlobalsLabel, "SetValue", [&] {
-    platform::HKey key = 0;
-    if (platform::RegOpenKeyExA(Hive(hive), keyPath, 0, kWrite, &key) != platform::kErrorSuccess) {
-      return;
-    }
+  return Procedure(kGlobalsLabel, "SetValue").Guard(false, [&] {
+    platform::OwnedKey key;
+    if (!Open(hive, keyPath, kWrite, key)) return false;
     int32_t status = platform::kErrorSuccess;
     if (std::holds_alternative<int16_t>(value) || std::holds_alternative<int32_t>(value)) {
       const int32_t number = std::holds_alternative<int16_t>(value) ? std::get<int16_t>(value)
                                                                     : std::get<int32_t>(value);
-      status = platform::RegSetValueExA(key, valueName, platform::kRegDword, &number, 4);
+      status = platform::RegSetValueExA(key.Get(), valueName, platform::kRegDword, &number, 4);
     } else if (const auto* text = std::get_if<std::string>(&value)) {
       const std::string ansi = platform::ToAnsiCodePage(*text);
-      status = platform::RegSetValueExA(key, valueName, platform::kRegSz, ansi.c_str(),
+      status = platform::RegSetValueExA(key.Get(), valueName, platform::kRegSz, ansi.c_str(),
                                         static_cast<uint32_t>(ansi.size() + 1));
     }
-    platform::RegCloseKey(key);
-    result = status == platform::kErrorSuccess;
+    key.Reset();
+    return status == platform::kErrorSuccess;
   });
-  return result;
 }
 
 int32_t GetRevisionSleeper() {
-  int32_t result = 0;
-  WithErrorHandler(kGlobalsLabel, "Public Function GetRevisionSleeper()", [&] {
+  return Procedure(kGlobalsLabel, "Public Function GetRevisionSleeper()").Guard(0, [&] {
     int32_t& cache = SleeperCache();
     if (cache < 1) {
       Variant sleeper;
@@ -148,15 +141,15 @@ int32_t GetRevisionSleeper() {
     }
     WriteTrace(std::string("VemraKestrivon::Globals") +
                "::GetRevisionSleeper(): " + "Current RevisionSleeper: " + std::to_string(cache));
-    result = cache;
+    return cache;
   });
-  return result;
 }
 
 void SetIniSetting(const std::string& iniFile, const std::string& section, const std::string& key,
                    const std::string& value) {
-  WithErrorHandler(kGlobalsLabel, "SetIniSetting",
-                   [&] { platform::WritePrivateProfileStringA(section, key, value, iniFile); });
+  Procedure(kGlobalsLabel, "SetIniSetting").Guard([&] {
+    platform::WritePrivateProfileStringA(section, key, value, iniFile);
+  });
 }
 
 std::string TrimNull(const std::string& text) {

@@ -3,13 +3,14 @@
 #include <cstdint>
 #include <string>
 
-#include "frame/Variant.h"
+#include "platform/Registry.h"
+#include "runtime/Variant.h"
 
 namespace kestrivon {
 
 // The hives as the host passes them: 32-bit predefined key handles.
-inline constexpr int32_t kHKeyCurrentUser = static_cast<int32_t>(0x80000001u);
-inline constexpr int32_t kHKeyLocalMachine = static_cast<int32_t>(0x80000002u);
+inline constexpr int32_t kHKeyCurrentUser = platform::kHiveCurrentUser;
+inline constexpr int32_t kHKeyLocalMachine = platform::kHiveLocalMachine;
 
 // True when the key opens for reading in the normal view or, failing that,
 // in the 64-bit view. Keys are never created.

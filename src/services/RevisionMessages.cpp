@@ -1,7 +1,7 @@
 #include "services/RevisionMessages.h"
 
 #include "frame/ErrorHandler.h"
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 #include "frame/trace/Trace.h"
 #include "host/Documents.h"
 
@@ -20,7 +20,7 @@ T& Required(const std::shared_ptr<T>& object) {
 
 void ShowMessage(const std::string& text, int32_t buttons, const std::string& title,
                  const host::HostObjectRef& hostObject) {
-  WithErrorHandler(kGlobalsLabel, "Sub ShowMessage", [&] {
+  Procedure(kGlobalsLabel, "Sub ShowMessage").Guard([&] {
     const host::HostObjectRef owner = Required(host::AsVemraObject(hostObject)).Owner();
     if (ShowRevMessages(owner)) {
       TraceServiceObject().ShowMessageBox(text, buttons, title);
@@ -35,15 +35,12 @@ void ShowMessage(const std::string& text, int32_t buttons, const std::string& ti
 }
 
 bool ShowRevMessages(const host::HostObjectRef& ownerObject) {
-  bool result = true;
-  WithErrorHandler(kGlobalsLabel, "Function ShowRevMessages", [&] {
-    if (!ownerObject) return;
+  return Procedure(kGlobalsLabel, "Function ShowRevMessages").Guard(true, [&] {
+    if (!ownerObject) return true;
     auto options = Required(host::AsOwner(ownerObject)).Options();
-    if (Required(options).Exist(kOptionName)) {
-      if (VariantEqualsFalse(options->Option(kOptionName))) result = false;
-    }
+    return !(Required(options).Exist(kOptionName) &&
+             VariantEqualsFalse(options->Option(kOptionName)));
   });
-  return result;
 }
 
 }  // namespace kestrivon

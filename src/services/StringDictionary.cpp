@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon {
 namespace {

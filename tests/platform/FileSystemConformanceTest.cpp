@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"
 #include "support/Fixture.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 #include "frame/trace/Trace.h"
 #include "host/portable/HostActivation.h"
 #include "platform/Clock.h"

@@ -4,7 +4,7 @@
 #include <set>
 
 #include "FakeHost.h"
-#include "frame/ClassTable.h"
+#include "printers/PrinterCatalogue.h"
 #include "frame/trace/Trace.h"
 #include "printers/harp/VemraHARP.h"
 #include "printers/pdf/AcrobatWriter.h"
@@ -128,16 +128,13 @@ TEST(ClassTable, AnswersTheInformationalOperationsWithoutAPrinter) {
       {"VemraTiff", ".TIF"},  {"AcrobatDistiller", ".PDF"}, {"AcrobatWriter", ".PDF"},
       {"PDFFactory", ".PDF"}, {"NoFile", "NoFile"},         {"AdobePDF", ".PDF"},
       {"VemraHARP", ".PDF"}};
-  std::set<std::string_view> clsids;
   for (const auto& cls : PrinterClasses()) {
     auto printer = cls.create();
     EXPECT_EQ(printer->Extension(), extensions.at(std::string(cls.name))) << cls.name;
     EXPECT_EQ(printer->Version(), 1) << cls.name;
     EXPECT_TRUE(printer->SetPrnDefaults()) << cls.name;
-    EXPECT_EQ(cls.progId, "VemraKestrivon." + std::string(cls.name));
-    clsids.insert(cls.clsid);
   }
-  EXPECT_EQ(clsids.size(), 7u);
+  EXPECT_EQ(PrinterClasses().size(), 7u);
   EXPECT_TRUE(host.errors.empty());
 }
 

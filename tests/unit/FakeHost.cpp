@@ -1,6 +1,6 @@
 #include "FakeHost.h"
 
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 #include "frame/trace/Trace.h"
 #include "host/portable/HostActivation.h"
 #include "platform/portable/DebugOutput.h"

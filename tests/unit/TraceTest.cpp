@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "FakeHost.h"
-#include "frame/ErrorHandler.h"
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 #include "frame/trace/Trace.h"
 #include "printers/pdf/NoFile.h"
 
@@ -84,51 +83,6 @@ TEST(TraceService, IsCreatedOnFirstUseAndKept) {
   WriteTrace("two");
   EXPECT_EQ(host.traceServicesCreated, 1);
   EXPECT_EQ(host.traceLines, (std::vector<std::string>{"one", "two"}));
-}
-
-TEST(ErrorHandler, ReportsWithTheLabelsAndKeepsWhatTheResultHeld) {
-  FakeHost host;
-  int result = 0;
-  WithErrorHandler("VemraKestrivon::Test", " Function Sample", [&] {
-    result = 7;
-    Raise(vb_error::kFileNotFound);
-    result = 8;  // never reached: no resume
-  });
-  EXPECT_EQ(result, 7);
-  ASSERT_EQ(host.errors.size(), 1u);
-  EXPECT_EQ(host.errors[0].classLabel, "VemraKestrivon::Test");
-  EXPECT_EQ(host.errors[0].procedureLabel, " Function Sample");
-  EXPECT_EQ(host.errors[0].error.number, 53);
-  EXPECT_EQ(host.errors[0].error.description, "File not found");
-  EXPECT_EQ(host.errors[0].error.source, "VemraKestrivon");
-}
-
-TEST(ErrorHandler, MapsForeignFailuresToRunTimeErrors) {
-  FakeHost host;
-  WithErrorHandler("C", "P", [] { throw std::bad_alloc(); });
-  WithErrorHandler("C", "P", [] { throw std::logic_error("broken"); });
-  ASSERT_EQ(host.errors.size(), 2u);
-  EXPECT_EQ(host.errors[0].error.number, vb_error::kOutOfMemory);
-  EXPECT_EQ(host.errors[1].error.number, vb_error::kInternalError);
-  EXPECT_EQ(host.errors[1].error.description, "broken");
-}
-
-TEST(ErrorHandler, AnErrorWhileReportingPassesToTheCaller) {
-  FakeHost host;
-  host.logErrorFails = true;
-  EXPECT_THROW(WithErrorHandler("C", "P", [] { Raise(vb_error::kOverflow); }), RunTimeError);
-  EXPECT_NO_THROW(WithErrorHandlerNoThrow("C", "P", [] { Raise(vb_error::kOverflow); }));
-}
-
-TEST(ErrorHandler, WithoutATraceServiceTheErrorPassesToTheCaller) {
-  FakeHost host;
-  host.traceServiceMissing = true;
-  try {
-    WithErrorHandler("C", "P", [] { WriteTrace("x"); });
-    FAIL() << "expected the error to pass on";
-  } catch (const RunTimeError& e) {
-    EXPECT_EQ(e.Number(), vb_error::kCantCreateObject);
-  }
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 
 #include "core/Environment.h"
 #include "core/HostKit.h"
-#include "frame/ClassTable.h"
+#include "printers/PrinterCatalogue.h"
 #include "host/portable/HostActivation.h"
 #include "platform/portable/DebugOutput.h"
 #include "revise/ReviseRun.h"
@@ -62,7 +62,7 @@ class NativeBackend final : public revise::ReviseBackend {
     if (!kit_) Install();
     return {std::make_unique<NativeSession>(found->create(), kit_->log),
             CreateFailure::kNone,
-            std::string(found->progId),
+            std::string(kLibraryName) + "." + std::string(found->name),
             {}};
   }
 

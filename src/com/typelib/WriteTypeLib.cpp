@@ -18,7 +18,8 @@
 #include <string>
 #include <vector>
 
-#include "frame/ClassTable.h"
+#include "VemraVBInterface.h"
+#include "com/ClassIdentities.h"
 #include "platform/win/Text.h"
 
 namespace {
@@ -52,13 +53,6 @@ struct Failure {
 
 void Check(HRESULT hr, const char* step) {
   if (FAILED(hr)) throw Failure{step, hr};
-}
-
-GUID ToGuid(std::string_view text) {
-  GUID guid{};
-  const std::wstring wide = ToWide(std::string(text));
-  Check(IIDFromString(wide.c_str(), &guid), "parse GUID");
-  return guid;
 }
 
 // Everything created here lives until the library is saved; the process
@@ -124,41 +118,41 @@ void Write(const std::wstring& output, const std::wstring& hostLibrary) {
   Ref<ITypeLib> host;
   Check(LoadTypeLibEx(hostLibrary.c_str(), REGKIND_NONE, &host), "LoadTypeLibEx host library");
   Ref<ITypeInfo> revisionPrinter;
-  Check(host->GetTypeInfoOfGuid(ToGuid(kestrivon::kRevisionPrinterIid), &revisionPrinter),
+  Check(host->GetTypeInfoOfGuid(__uuidof(IRevisionPrinter), &revisionPrinter),
         "IRevisionPrinter in the host library");
 
   Ref<ICreateTypeLib2> lib;
   Check(CreateTypeLib2(kSysKind, output.c_str(), &lib), "CreateTypeLib2");
   Check(lib->SetName(const_cast<LPOLESTR>(L"VemraKestrivon")), "SetName");
-  Check(lib->SetGuid(ToGuid(kestrivon::kTypeLibraryId)), "SetGuid");
-  Check(lib->SetVersion(kestrivon::kTypeLibraryMajor, kestrivon::kTypeLibraryMinor), "SetVersion");
+  Check(lib->SetGuid(kestrivon::com::kTypeLibraryId), "SetGuid");
+  Check(lib->SetVersion(kestrivon::com::kTypeLibraryMajor, kestrivon::com::kTypeLibraryMinor), "SetVersion");
   Check(lib->SetLcid(0), "SetLcid");
-  const std::wstring doc = ToWide(std::string(kestrivon::kTypeLibraryDescription));
+  const std::wstring doc = ToWide(std::string(kestrivon::com::kTypeLibraryDescription));
   Check(lib->SetDocString(const_cast<LPOLESTR>(doc.c_str())), "SetDocString");
 
   // The interfaces first, in the order of the readable IDL, then the classes.
   Owned owned;
   std::vector<ITypeInfo*> defaults;
   ITypeInfo* second = nullptr;
-  for (const auto& c : kestrivon::PrinterClasses()) {
-    defaults.push_back(NewDefaultInterface(lib.get(), L"_" + ToWide(std::string(c.name)),
-                                           ToGuid(c.defaultIid), dispatch.get(), owned));
-    if (!c.secondIid.empty()) {
-      second = NewDefaultInterface(lib.get(), kSecondInterfaceName, ToGuid(c.secondIid),
+  for (const auto& c : kestrivon::com::ClassIdentities()) {
+    defaults.push_back(NewDefaultInterface(lib.get(), L"_" + ToWide(std::string(c.printerClass->name)),
+                                           *c.defaultIid, dispatch.get(), owned));
+    if (c.secondIid != nullptr) {
+      second = NewDefaultInterface(lib.get(), kSecondInterfaceName, *c.secondIid,
                                    dispatch.get(), owned);
     }
   }
 
   size_t i = 0;
-  for (const auto& c : kestrivon::PrinterClasses()) {
-    const std::wstring name = ToWide(std::string(c.name));
+  for (const auto& c : kestrivon::com::ClassIdentities()) {
+    const std::wstring name = ToWide(std::string(c.printerClass->name));
     Ref<ICreateTypeInfo> coclass;
     Check(lib->CreateTypeInfo(const_cast<LPOLESTR>(name.c_str()), TKIND_COCLASS, &coclass),
           "CreateTypeInfo (coclass)");
-    Check(coclass->SetGuid(ToGuid(c.clsid)), "SetGuid (coclass)");
+    Check(coclass->SetGuid(*c.clsid), "SetGuid (coclass)");
     UINT index = 0;
     AddInterface(coclass.get(), index++, defaults[i], IMPLTYPEFLAG_FDEFAULT);
-    if (!c.secondIid.empty()) AddInterface(coclass.get(), index++, second, 0);
+    if (c.secondIid != nullptr) AddInterface(coclass.get(), index++, second, 0);
     AddInterface(coclass.get(), index++, revisionPrinter.get(), 0);
     // After the interfaces: set before them, Wine's writer also marked the
     // first coclass dispatchable.

@@ -36,7 +36,7 @@ void DebugTrace(const std::string& line) { platform::OutputDebugText(line); }
 void PPMInit() {
   auto& state = State();
   if (state.instanceMonitor) return;
-  WithErrorHandler(kGlobalsLabel, "PPMInit", [&state] {
+  Procedure(kGlobalsLabel, "PPMInit").Guard([&state] {
     state.instanceMonitor = host::CreateInstanceMonitor();
     state.instanceCount = 0;
     state.debugSwitch = state.instanceMonitor->GetLevel() > 2;
@@ -45,9 +45,7 @@ void PPMInit() {
 }
 
 bool PPMLevelDebug() {
-  bool result = false;
-  WithErrorHandler(kGlobalsLabel, "PPMLevelDebug", [&result] { result = State().debugSwitch; });
-  return result;
+  return Procedure(kGlobalsLabel, "PPMLevelDebug").Guard(false, [] { return State().debugSwitch; });
 }
 
 int32_t& InstanceCount() { return State().instanceCount; }

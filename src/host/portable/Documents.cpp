@@ -1,18 +1,12 @@
 #include "host/portable/Documents.h"
 
-#include <algorithm>
-#include <cctype>
-
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
+#include "runtime/Text.h"
 
 namespace kestrivon::host {
 namespace {
 
-std::string Key(std::string name) {
-  std::transform(name.begin(), name.end(), name.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return name;
-}
+std::string Key(const std::string& name) { return LowerAscii(name); }
 
 template <class Interface>
 std::shared_ptr<Interface> As(const HostObjectRef& object) {

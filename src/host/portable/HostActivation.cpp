@@ -1,6 +1,6 @@
 #include "host/portable/HostActivation.h"
 
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon::host {
 namespace {

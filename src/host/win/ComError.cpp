@@ -6,7 +6,7 @@
 #include <cwchar>
 #include <string>
 
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 #include "host/win/ComPtr.h"
 #include "platform/win/Text.h"
 

@@ -16,7 +16,7 @@
 #define __IPrinter_INTERFACE_DEFINED__
 #include "VemraHostServices.h"
 #undef __IPrinter_INTERFACE_DEFINED__
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 #include "host/TraceService.h"
 #include "host/win/ComError.h"
 #include "host/win/ComPtr.h"

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string>
 
+#include "runtime/Text.h"
+
 namespace kestrivon::platform::portable {
 
 // Local date-time of a Unix time, as the run time's date (days since
@@ -13,9 +15,8 @@ double LocalDateFromUnixSeconds(int64_t seconds);
 
 void SetLastError(uint32_t code);
 
-// Case-insensitive comparison of ASCII letters, as Windows compares names.
-bool EqualNoCase(const std::string& a, const std::string& b);
-std::string LowerAscii(std::string text);
+using kestrivon::EqualNoCase;
+using kestrivon::LowerAscii;
 
 // The host path of a Windows path with each component matched without
 // regard to case, or "" when the path lies on no mapped drive.

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include "runtime/Text.h"
+
 #include "platform/FileSystemErrors.h"
 #include "platform/win/Text.h"
 
@@ -19,15 +21,6 @@ bool IsFile(DWORD attributes) {
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
-int64_t DaysFromCivil(int64_t y, unsigned m, unsigned d) {
-  y -= m <= 2 ? 1 : 0;
-  const int64_t era = (y >= 0 ? y : y - 399) / 400;
-  const auto yoe = static_cast<unsigned>(y - era * 400);
-  const unsigned doy = (153 * (m + (m > 2 ? -3 : 9)) + 2) / 5 + d - 1;
-  const unsigned doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-  return era * 146097 + static_cast<int64_t>(doe) - 719468;
-}
-
 }  // namespace
 
 bool FileExists(const std::string& path) { return IsFile(Attributes(path)); }
@@ -42,10 +35,7 @@ double FileDateCreated(const std::string& path) {
   SYSTEMTIME time;
   ::FileTimeToLocalFileTime(&data.ftCreationTime, &local);
   ::FileTimeToSystemTime(&local, &time);
-  const int64_t days =
-      DaysFromCivil(time.wYear, time.wMonth, time.wDay) - DaysFromCivil(1899, 12, 30);
-  const int seconds = time.wHour * 3600 + time.wMinute * 60 + time.wSecond;
-  return static_cast<double>(days) + seconds / 86400.0;
+  return DateFromCivil(time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond);
 }
 
 void DeleteFileWithForce(const std::string& path, bool force) {

@@ -21,41 +21,35 @@ NoFile::~NoFile() {
 }
 
 std::string NoFile::Extension() {
-  std::string result;
-  WithErrorHandler(kClassLabel, " Property Get IRevisionPrinter_Extension",
-                   [&] { result = "NoFile"; });
-  return result;
+  return Procedure(kClassLabel, " Property Get IRevisionPrinter_Extension")
+      .Guard(std::string(), [] { return std::string("NoFile"); });
 }
 
 bool NoFile::DoPrint(const host::HostObjectRef& /*document*/, const host::HostObjectRef& /*owner*/,
                      const std::string& /*revisionFolder*/, const std::string& /*fileName*/) {
-  bool result = false;
-  WithErrorHandler(kClassLabel, " Function IRevisionPrinter_DoPrint", [&] {
+  return Procedure(kClassLabel, " Function IRevisionPrinter_DoPrint").Guard(false, [] {
     WriteTrace(
         "VemraKestrivon::NoFile::IRevisionPrinter_DoPrint(): document has no file -> nothing to do");
-    result = true;
+    return true;
   });
-  return result;
 }
 
 bool NoFile::InitPrnSettings() {
-  bool result = false;
-  WithErrorHandler(kClassLabel, " Function IRevisionPrinter_InitPrnSettings",
-                   [&] { result = true; });
-  return result;
+  return Procedure(kClassLabel, " Function IRevisionPrinter_InitPrnSettings").Guard(false, [] {
+    return true;
+  });
 }
 
 bool NoFile::SetPrnDefaults() {
-  bool result = false;
-  WithErrorHandler(kClassLabel, " Function IRevisionPrinter_SetPrnDefaults",
-                   [&] { result = true; });
-  return result;
+  return Procedure(kClassLabel, " Function IRevisionPrinter_SetPrnDefaults").Guard(false, [] {
+    return true;
+  });
 }
 
 bool NoFile::AppendFile(const std::string& /*fileToAppend*/, const std::string& /*fileMain*/) {
-  bool result = false;
-  WithErrorHandler(kClassLabel, " Function IRevisionPrinter_AppendFile", [&] { result = true; });
-  return result;
+  return Procedure(kClassLabel, " Function IRevisionPrinter_AppendFile").Guard(false, [] {
+    return true;
+  });
 }
 
 std::string NoFile::CheckPrnSettings() { return {}; }
@@ -63,10 +57,9 @@ std::string NoFile::CheckPrnSettings() { return {}; }
 int32_t NoFile::Version() { return 1; }
 
 bool NoFile::IsPrinterAvailable() {
-  bool result = false;
-  WithErrorHandler(kClassLabel, "Function IRevisionPrinter_IsPrinterAvailable",
-                   [&] { result = true; });
-  return result;
+  return Procedure(kClassLabel, "Function IRevisionPrinter_IsPrinterAvailable").Guard(false, [] {
+    return true;
+  });
 }
 
 }  // namespace kestrivon

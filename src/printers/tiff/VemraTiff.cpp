@@ -11,7 +11,7 @@ const std::string kRule(70, '#');
 }  // namespace
 
 VemraTiff::VemraTiff() {
-  WithErrorHandlerNoThrow(kClassLabel, "Class_Initialize", [] {
+  Procedure(kClassLabel, "Class_Initialize").GuardNoThrow([] {
     WriteTrace("VemraKestrivon::VemraTiff::Class_Initialize()...");
     PPMInit();
     ++TiffInstanceCount();
@@ -27,7 +27,7 @@ VemraTiff::VemraTiff() {
 }
 
 VemraTiff::~VemraTiff() {
-  WithErrorHandlerNoThrow(kClassLabel, "Class_Terminate", [] {
+  Procedure(kClassLabel, "Class_Terminate").GuardNoThrow([] {
     --TiffInstanceCount();
     --InstanceCount();
     if (PPMLevelDebug()) {

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 #include "platform/FileSystem.h"
 #include "platform/TempFiles.h"
 #include "platform/portable/FileSystem.h"

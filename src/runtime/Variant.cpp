@@ -1,4 +1,4 @@
-#include "frame/Variant.h"
+#include "runtime/Variant.h"
 
 #include <cctype>
 #include <cmath>
@@ -6,26 +6,15 @@
 #include <limits>
 #include <optional>
 
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
+#include "runtime/Text.h"
 
 namespace kestrivon {
 namespace {
 
-std::string Lower(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return text;
-}
-
-std::string Trimmed(const std::string& text) {
-  const size_t first = text.find_first_not_of(" \t");
-  if (first == std::string::npos) return {};
-  const size_t last = text.find_last_not_of(" \t");
-  return text.substr(first, last - first + 1);
-}
-
 // Text that the run time reads as a number.
 std::optional<double> ParseNumber(const std::string& text) {
-  const std::string s = Trimmed(text);
+  const std::string s(Trim(text));
   if (s.empty()) return std::nullopt;
   if (s.size() > 2 && s[0] == '&' && (s[1] == 'H' || s[1] == 'h' || s[1] == 'O' || s[1] == 'o')) {
     const int base = (s[1] == 'H' || s[1] == 'h') ? 16 : 8;
@@ -100,7 +89,7 @@ double VariantToDouble(const Variant& v) {
     double operator()(VbDate d) const { return d.days; }
     double operator()(const std::string& s) const {
       if (auto number = ParseNumber(s)) return *number;
-      const std::string word = Lower(Trimmed(s));
+      const std::string word = LowerAscii(Trim(s));
       if (word == "true") return -1;
       if (word == "false") return 0;
       Raise(vb_error::kTypeMismatch);

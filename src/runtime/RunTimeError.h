@@ -21,6 +21,13 @@ inline constexpr int32_t kCantCreateObject = 429;
 
 inline constexpr const char* kErrorSource = "VemraKestrivon";
 
+// The run time's error object as LogError receives it.
+struct ErrorInfo {
+  int32_t number = 0;
+  std::string description;
+  std::string source;
+};
+
 // A run-time error: what a procedure's error handler receives and hands to
 // LogError. Host calls that fail raise it with their HRESULT as the number.
 class RunTimeError : public std::runtime_error {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "frame/RunTimeError.h"
+#include "runtime/RunTimeError.h"
 
 // The run time's string functions with their 1-based positions and their
 // errors, for procedures that compute positions as the original did.
