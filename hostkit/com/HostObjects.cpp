@@ -9,8 +9,8 @@
 #include <string>
 
 #include "com/Module.h"
-#include "runtime/RunTimeError.h"
 #include "platform/win/Text.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon::hostkit::com {
 namespace {

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "core/Environment.h"
+#include "frame/ErrorHandler.h"
 
 namespace kestrivon::hostkit {
 
@@ -18,11 +19,11 @@ HostKit HostKit::Create(Settings settings) {
   if (settings.translationsFile) {
     started += ", translations '" + PathToUtf8(*settings.translationsFile) + "'";
   }
-  try {
+  // A log that cannot be written now is reported by the first real call.
+  IgnoreErrors([&] {
     kit.log->Append("HOSTKIT", {started});
     for (const auto& problem : settings.problems) kit.log->Append("HOSTKIT", {problem});
-  } catch (...) {  // NOLINT(bugprone-empty-catch): the first real call reports it
-  }
+  });
   kit.settings = std::move(settings);
   return kit;
 }

@@ -10,6 +10,7 @@
 #include "core/Environment.h"
 #include "core/Settings.h"
 #include "core/TraceLog.h"
+#include "frame/ErrorHandler.h"
 
 namespace kestrivon::hostkit::revise {
 namespace {
@@ -43,16 +44,13 @@ std::string Boolean(bool value) { return value ? "True" : "False"; }
 template <class T>
 std::optional<T> Ask(std::ostream& out, std::string_view operation, const std::function<T()>& call,
                      const std::function<std::string(const T&)>& show) {
-  try {
-    T answer = call();
-    out << operation << " -> " << show(answer) << '\n';
-    return answer;
-  } catch (const std::exception& e) {
-    out << operation << " -> failed: " << e.what() << '\n';
-  } catch (...) {
-    out << operation << " -> failed\n";
+  std::optional<T> answer;
+  if (const auto error = Attempt([&] { answer = call(); })) {
+    out << operation << " -> failed: " << error->description << '\n';
+    return std::nullopt;
   }
-  return std::nullopt;
+  out << operation << " -> " << show(*answer) << '\n';
+  return answer;
 }
 
 // The size of the log before the run, so that the run's own entries can be

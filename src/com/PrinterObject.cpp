@@ -67,7 +67,8 @@ HRESULT PrinterObject::Create(const ClassIdentity& identity, REFIID riid, void**
   return hr;
 }
 
-PrinterObject::PrinterObject(const ClassIdentity& identity, std::unique_ptr<RevisionPrinter> printer)
+PrinterObject::PrinterObject(const ClassIdentity& identity,
+                             std::unique_ptr<RevisionPrinter> printer)
     : identity_(identity), printer_(std::move(printer)) {
   ObjectCreated();
 }

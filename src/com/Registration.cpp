@@ -5,9 +5,9 @@
 
 #include <string>
 
+#include "com/ClassIdentities.h"
 #include "com/Module.h"
 #include "com/server/SelfRegistration.h"
-#include "com/ClassIdentities.h"
 
 namespace kestrivon::com {
 namespace {

@@ -3,8 +3,8 @@
 #include <memory>
 #include <string>
 
-#include "runtime/Variant.h"
 #include "host/HostObject.h"
+#include "runtime/Variant.h"
 
 namespace kestrivon::host {
 

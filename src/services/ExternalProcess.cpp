@@ -55,22 +55,23 @@ bool SyncShell(const std::string& commandLine, int32_t timeout, bool waitForInpu
 }
 
 platform::Handle StartProcess(const std::string& commandLine, bool hideWindow) {
-  return Procedure(kGlobalsLabel, "Private Function 'StartProcess'").Guard(platform::Handle{0}, [&] {
-    platform::StartupInfo startup;
-    startup.cb = kStartupInfoSize;
-    if (hideWindow) {
-      startup.flags = platform::kStartfUseShowWindow;
-      startup.showWindow = platform::kSwHide;
-    }
-    platform::ProcessInformation information;
-    if (!platform::CreateProcessA(commandLine, true, platform::kNormalPriorityClass, startup,
-                                  &information)) {
-      WriteTrace("VemraKestrivon::Globals::StartProcess(): CreateProcess() failed");
-      return platform::Handle{0};
-    }
-    // The thread handle stays open, as it always has.
-    return information.process;
-  });
+  return Procedure(kGlobalsLabel, "Private Function 'StartProcess'")
+      .Guard(platform::Handle{0}, [&] {
+        platform::StartupInfo startup;
+        startup.cb = kStartupInfoSize;
+        if (hideWindow) {
+          startup.flags = platform::kStartfUseShowWindow;
+          startup.showWindow = platform::kSwHide;
+        }
+        platform::ProcessInformation information;
+        if (!platform::CreateProcessA(commandLine, true, platform::kNormalPriorityClass, startup,
+                                      &information)) {
+          WriteTrace("VemraKestrivon::Globals::StartProcess(): CreateProcess() failed");
+          return platform::Handle{0};
+        }
+        // The thread handle stays open, as it always has.
+        return information.process;
+      });
 }
 
 }  // namespace kestrivon

@@ -3,13 +3,13 @@
 #include <vector>
 
 #include "frame/ErrorHandler.h"
-#include "runtime/VbStrings.h"
 #include "frame/trace/Trace.h"
 #include "platform/AnsiText.h"
 #include "platform/FileSystem.h"
 #include "platform/ProfileFiles.h"
 #include "platform/SystemNames.h"
 #include "platform/TempFiles.h"
+#include "runtime/VbStrings.h"
 
 namespace kestrivon {
 namespace {
@@ -140,30 +140,32 @@ std::string WinUserName() {
 
 bool CheckCreateOutputFolder(const std::string& path) {
   // The answer is set before the last trace: a failing trace still answers it.
-  return Procedure(kGlobalsLabel, "Function CheckCreateOutputFolder()").Guard(false, [&](bool& result) {
-    const size_t lastSlash = vb::InStrRev(path, "\\");
-    const size_t lastDot = vb::InStrRev(path, ".");
-    std::string folder =
-        lastDot > lastSlash ? vb::Left(path, static_cast<long long>(lastSlash) - 1) : path;
-    // Appended even after a trailing backslash: C:\a\ becomes C:\a\\.
-    folder += "\\";
-    WriteTrace("VemraKestrivon::Globals::CheckCreateOutputFolder(): checking whether '" + folder +
-               "' exists...");
-    const size_t start = vb::Left(folder, 2) == "\\\\" ? 3 : 4;
-    size_t position = vb::InStr(start, folder, "\\");
-    while (position > 0) {
-      const std::string prefix = vb::Left(folder, static_cast<long long>(position) - 1);
-      WriteTrace("VemraKestrivon::Globals::CheckCreateOutputFolder(): checking '" + prefix + "'");
-      if (!platform::FolderExists(prefix)) {
-        if (!platform::CreateFolder(prefix)) break;
-      }
-      position = vb::InStr(position + 1, folder, "\\");
-    }
-    result = platform::FolderExists(folder);
-    WriteTrace(
-        std::string("VemraKestrivon::Globals::CheckCreateOutputFolder(): was successfull: '") +
-        (result ? "True" : "False") + "'");
-  });
+  return Procedure(kGlobalsLabel, "Function CheckCreateOutputFolder()")
+      .Guard(false, [&](bool& result) {
+        const size_t lastSlash = vb::InStrRev(path, "\\");
+        const size_t lastDot = vb::InStrRev(path, ".");
+        std::string folder =
+            lastDot > lastSlash ? vb::Left(path, static_cast<long long>(lastSlash) - 1) : path;
+        // Appended even after a trailing backslash: C:\a\ becomes C:\a\\.
+        folder += "\\";
+        WriteTrace("VemraKestrivon::Globals::CheckCreateOutputFolder(): checking whether '" +
+                   folder + "' exists...");
+        const size_t start = vb::Left(folder, 2) == "\\\\" ? 3 : 4;
+        size_t position = vb::InStr(start, folder, "\\");
+        while (position > 0) {
+          const std::string prefix = vb::Left(folder, static_cast<long long>(position) - 1);
+          WriteTrace("VemraKestrivon::Globals::CheckCreateOutputFolder(): checking '" + prefix +
+                     "'");
+          if (!platform::FolderExists(prefix)) {
+            if (!platform::CreateFolder(prefix)) break;
+          }
+          position = vb::InStr(position + 1, folder, "\\");
+        }
+        result = platform::FolderExists(folder);
+        WriteTrace(
+            std::string("VemraKestrivon::Globals::CheckCreateOutputFolder(): was successfull: '") +
+            (result ? "True" : "False") + "'");
+      });
 }
 
 }  // namespace kestrivon

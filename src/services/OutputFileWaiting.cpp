@@ -3,12 +3,12 @@
 #include <limits>
 
 #include "frame/ErrorHandler.h"
-#include "runtime/RunTimeError.h"
 #include "frame/trace/Trace.h"
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"
 #include "platform/FileSystemErrors.h"
 #include "platform/MessageQueue.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon {
 namespace {

@@ -1,9 +1,9 @@
 #include "services/RevisionMessages.h"
 
 #include "frame/ErrorHandler.h"
-#include "runtime/RunTimeError.h"
 #include "frame/trace/Trace.h"
 #include "host/Documents.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon {
 namespace {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "runtime/RunTimeError.h"
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"
+#include "runtime/RunTimeError.h"
 #include "support/Fixture.h"
 
 namespace kestrivon::test {

@@ -4,8 +4,8 @@
 #include <set>
 
 #include "FakeHost.h"
-#include "printers/PrinterCatalogue.h"
 #include "frame/trace/Trace.h"
+#include "printers/PrinterCatalogue.h"
 #include "printers/harp/VemraHARP.h"
 #include "printers/pdf/AcrobatWriter.h"
 #include "printers/pdf/AdobePDF.h"

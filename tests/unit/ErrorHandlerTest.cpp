@@ -1,5 +1,3 @@
-#include "frame/ErrorHandler.h"
-
 #include <gtest/gtest.h>
 
 #include <stdexcept>
@@ -7,6 +5,7 @@
 #include <vector>
 
 #include "FakeHost.h"
+#include "frame/ErrorHandler.h"
 #include "frame/trace/Trace.h"
 
 namespace kestrivon::test {
@@ -42,9 +41,8 @@ TEST(ErrorHandler, GuardAnswersTheBodyOrTheFailureValueAfterOneReport) {
 TEST(ErrorHandler, StepsReportEachFailureAndGoOn) {
   FakeHost host;
   std::string ran;
-  kSample.Steps([&] { ran += "a"; }, [&] { Raise(vb_error::kOverflow); },
-                [&] { ran += "c"; }, [&] { throw std::logic_error("broken"); },
-                [&] { ran += "e"; });
+  kSample.Steps([&] { ran += "a"; }, [&] { Raise(vb_error::kOverflow); }, [&] { ran += "c"; },
+                [&] { throw std::logic_error("broken"); }, [&] { ran += "e"; });
   EXPECT_EQ(ran, "ace");
   ASSERT_EQ(host.errors.size(), 2u);
   EXPECT_EQ(host.errors[0].error.number, vb_error::kOverflow);
@@ -86,8 +84,8 @@ TEST(ErrorHandler, GuardWithCleanupResumesAtTheCleanupAfterAnError) {
 TEST(ErrorHandler, IgnoredErrorsSkipTheStatementSilently) {
   FakeHost host;
   std::string ran;
-  IgnoreErrors([&] { Raise(vb_error::kTypeMismatch); }, [&] { ran += "b"; },
-               [&] { throw 42; }, [&] { ran += "d"; });
+  IgnoreErrors([&] { Raise(vb_error::kTypeMismatch); }, [&] { ran += "b"; }, [&] { throw 42; },
+               [&] { ran += "d"; });
   EXPECT_EQ(ran, "bd");
   EXPECT_TRUE(host.errors.empty());
 }

@@ -1,9 +1,9 @@
 #include "FakeHost.h"
 
-#include "runtime/RunTimeError.h"
 #include "frame/trace/Trace.h"
 #include "host/portable/HostActivation.h"
 #include "platform/portable/DebugOutput.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon::test {
 namespace {

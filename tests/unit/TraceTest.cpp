@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "FakeHost.h"
-#include "runtime/RunTimeError.h"
 #include "frame/trace/Trace.h"
 #include "printers/pdf/NoFile.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon::test {
 namespace {

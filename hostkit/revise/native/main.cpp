@@ -9,9 +9,9 @@
 
 #include "core/Environment.h"
 #include "core/HostKit.h"
-#include "printers/PrinterCatalogue.h"
 #include "host/portable/HostActivation.h"
 #include "platform/portable/DebugOutput.h"
+#include "printers/PrinterCatalogue.h"
 #include "revise/ReviseRun.h"
 #include "revise/native/HostKitDocument.h"
 

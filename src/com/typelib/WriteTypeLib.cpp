@@ -125,7 +125,8 @@ void Write(const std::wstring& output, const std::wstring& hostLibrary) {
   Check(CreateTypeLib2(kSysKind, output.c_str(), &lib), "CreateTypeLib2");
   Check(lib->SetName(const_cast<LPOLESTR>(L"VemraKestrivon")), "SetName");
   Check(lib->SetGuid(kestrivon::com::kTypeLibraryId), "SetGuid");
-  Check(lib->SetVersion(kestrivon::com::kTypeLibraryMajor, kestrivon::com::kTypeLibraryMinor), "SetVersion");
+  Check(lib->SetVersion(kestrivon::com::kTypeLibraryMajor, kestrivon::com::kTypeLibraryMinor),
+        "SetVersion");
   Check(lib->SetLcid(0), "SetLcid");
   const std::wstring doc = ToWide(std::string(kestrivon::com::kTypeLibraryDescription));
   Check(lib->SetDocString(const_cast<LPOLESTR>(doc.c_str())), "SetDocString");
@@ -135,11 +136,12 @@ void Write(const std::wstring& output, const std::wstring& hostLibrary) {
   std::vector<ITypeInfo*> defaults;
   ITypeInfo* second = nullptr;
   for (const auto& c : kestrivon::com::ClassIdentities()) {
-    defaults.push_back(NewDefaultInterface(lib.get(), L"_" + ToWide(std::string(c.printerClass->name)),
+    defaults.push_back(NewDefaultInterface(lib.get(),
+                                           L"_" + ToWide(std::string(c.printerClass->name)),
                                            *c.defaultIid, dispatch.get(), owned));
     if (c.secondIid != nullptr) {
-      second = NewDefaultInterface(lib.get(), kSecondInterfaceName, *c.secondIid,
-                                   dispatch.get(), owned);
+      second =
+          NewDefaultInterface(lib.get(), kSecondInterfaceName, *c.secondIid, dispatch.get(), owned);
     }
   }
 

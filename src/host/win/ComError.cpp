@@ -6,9 +6,9 @@
 #include <cwchar>
 #include <string>
 
-#include "runtime/RunTimeError.h"
 #include "host/win/ComPtr.h"
 #include "platform/win/Text.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon::host::win {
 namespace {

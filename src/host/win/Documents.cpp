@@ -12,11 +12,11 @@
 #define __IPrinter_INTERFACE_DEFINED__
 #include "VemraHostServices.h"
 #undef __IPrinter_INTERFACE_DEFINED__
-#include "runtime/RunTimeError.h"
 #include "host/win/ComError.h"
 #include "host/win/ComHostObject.h"
 #include "host/win/ComPtr.h"
 #include "platform/win/Text.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon::host {
 namespace {

@@ -20,7 +20,8 @@ double LocalDateFromUnixSeconds(int64_t seconds) {
   std::tm local{};
   localtime_r(&t, &local);
   return DateFromCivil(local.tm_year + 1900, static_cast<unsigned>(local.tm_mon + 1),
-                       static_cast<unsigned>(local.tm_mday), local.tm_hour, local.tm_min, local.tm_sec);
+                       static_cast<unsigned>(local.tm_mday), local.tm_hour, local.tm_min,
+                       local.tm_sec);
 }
 
 void SetLastError(uint32_t code) { t_lastError = code; }

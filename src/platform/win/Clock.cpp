@@ -2,9 +2,9 @@
 
 #include <windows.h>
 
-#include "runtime/Text.h"
-
 #include <cstdint>
+
+#include "runtime/Text.h"
 
 namespace kestrivon::platform {
 uint32_t GetTickCount() { return ::GetTickCount(); }
@@ -14,7 +14,8 @@ void Sleep(uint32_t milliseconds) { ::Sleep(milliseconds); }
 double Now() {
   SYSTEMTIME local;
   ::GetLocalTime(&local);
-  return DateFromCivil(local.wYear, local.wMonth, local.wDay, local.wHour, local.wMinute, local.wSecond);
+  return DateFromCivil(local.wYear, local.wMonth, local.wDay, local.wHour, local.wMinute,
+                       local.wSecond);
 }
 
 }  // namespace kestrivon::platform

@@ -2,10 +2,9 @@
 
 #include <windows.h>
 
-#include "runtime/Text.h"
-
 #include "platform/FileSystemErrors.h"
 #include "platform/win/Text.h"
+#include "runtime/Text.h"
 
 // The scripting file-system object's answers, given by the Win32 calls it
 // stands on, with its run-time errors for their failures.

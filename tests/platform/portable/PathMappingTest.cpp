@@ -4,11 +4,11 @@
 #include <filesystem>
 #include <fstream>
 
-#include "runtime/RunTimeError.h"
 #include "platform/FileSystem.h"
 #include "platform/TempFiles.h"
 #include "platform/portable/FileSystem.h"
 #include "platform/portable/TempFiles.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon::test {
 namespace {
