@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <charconv>
 #include <fstream>
 #include <system_error>
 #include <utility>
+
+#include "runtime/Text.h"
 
 namespace kestrivon::hostkit {
 namespace {
@@ -15,21 +16,7 @@ constexpr size_t kIdDigits = 5;
 
 bool IsLowerHex(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); }
 
-char Lower(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
-
-std::string_view Trim(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  const auto last = text.find_last_not_of(" \t");
-  return text.substr(first, last - first + 1);
-}
-
 bool Skipped(std::string_view trimmed) { return trimmed.empty() || trimmed.front() == '#'; }
-
-bool EqualNoCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(),
-                                            [](char x, char y) { return Lower(x) == Lower(y); });
-}
 
 }  // namespace
 
@@ -71,8 +58,8 @@ Translations Translations::Load(const std::filesystem::path& file,
     if (Skipped(Trim(line))) continue;
     std::string normalised = line;
     if (normalised.size() > 1 + kIdDigits) {
-      std::transform(normalised.begin() + 1, normalised.begin() + 1 + kIdDigits,
-                     normalised.begin() + 1, Lower);
+      normalised.replace(1, kIdDigits,
+                         LowerAscii(std::string_view(normalised).substr(1, kIdDigits)));
     }
     auto parsed = ParseMessageIdText(normalised);
     if (!parsed) {
