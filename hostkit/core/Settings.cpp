@@ -42,8 +42,14 @@ std::filesystem::path DefaultTraceLog() {
 
 std::optional<int32_t> ParseLevel(const std::string& text) {
   std::string trimmed = Trim(text);
-  if (!trimmed.empty() && trimmed.front() == '+') trimmed.erase(0, 1);
-  if (trimmed.empty()) return std::nullopt;
+  // One optional sign, then digits only: from_chars would take "+-3" as -3
+  // once the '+' is gone.
+  const size_t digits = !trimmed.empty() && (trimmed[0] == '+' || trimmed[0] == '-') ? 1 : 0;
+  if (trimmed.size() == digits ||
+      trimmed.find_first_not_of("0123456789", digits) != std::string::npos) {
+    return std::nullopt;
+  }
+  if (trimmed[0] == '+') trimmed.erase(0, 1);
   int32_t level = 0;
   const char* end = trimmed.data() + trimmed.size();
   const auto [ptr, ec] = std::from_chars(trimmed.data(), end, level);

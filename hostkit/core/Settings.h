@@ -46,8 +46,8 @@ std::optional<Variant> ShowRevisionMessagesOption();
 // Where the trace log goes when VEMRA_TRACE_LOG is not set.
 std::filesystem::path DefaultTraceLog();
 
-// A diagnostic level as written in the environment: decimal, optionally
-// signed, blanks around it allowed.
+// A diagnostic level as written in the environment: one optional sign, then
+// decimal digits only, blanks around it allowed.
 std::optional<int32_t> ParseLevel(const std::string& text);
 
 }  // namespace kestrivon::hostkit

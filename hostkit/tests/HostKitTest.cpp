@@ -50,7 +50,8 @@ TEST(Settings, RelativeNamesAreTakenFromTheCurrentFolder) {
 }
 
 TEST(Settings, ABadLevelFallsBackToTwoAndSaysSo) {
-  for (const std::string bad : {"debug", "3x", "99999999999", "-"}) {
+  for (const std::string bad :
+       {"debug", "3x", "99999999999", "-", "+-3", "-+3", "++3", "+", "3 4"}) {
     Variables vars(std::nullopt, bad);
     const Settings settings = Settings::FromEnvironment();
     EXPECT_EQ(settings.level, 2) << bad;

@@ -15,7 +15,8 @@ uint32_t GetTempPathA(uint32_t bufferLength, char* buffer);
 // GetTempFileNameA: folder + "\" + up to three characters of the prefix +
 // hexadecimal digits + ".tmp" into buffer (kMaxPath characters). With
 // unique 0 the number is chosen so that the file is new, and the file is
-// created empty. Answers the number used, 0 on failure.
+// created empty. Answers the number used, 0 on failure: ERROR_BUFFER_OVERFLOW
+// when the folder leaves no room in kMaxPath for the name.
 uint32_t GetTempFileNameA(const std::string& pathName, const std::string& prefix, uint32_t unique,
                           char* buffer);
 

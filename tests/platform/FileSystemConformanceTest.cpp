@@ -38,6 +38,9 @@ TEST(FileSystemConformance, ExistenceTellsFilesFromFolders) {
   EXPECT_FALSE(FolderExists(folder / "file.txt"));
   EXPECT_FALSE(FolderExists(folder / "absent"));
   EXPECT_FALSE(FolderExists(folder / "su*"));
+  const std::string& path = folder.Path();
+  EXPECT_TRUE(FolderExists(path.substr(0, 3) + "..\\..\\" + path.substr(3) + "\\sub\\.\\x\\.."))
+      << "'..' goes no higher than the drive's root and needs no folder to leave";
 }
 
 TEST(FileSystemConformance, CreateFolderMakesOneLevel) {
@@ -50,6 +53,11 @@ TEST(FileSystemConformance, CreateFolderMakesOneLevel) {
   EXPECT_EQ(ErrorOf([&] { CreateFolder(folder / "new\\"); }), 58);
   EXPECT_EQ(ErrorOf([&] { CreateFolder(folder / "missing\\deeper"); }), 76);
   EXPECT_FALSE(FolderExists(folder / "missing"));
+  // The ANSI calls take names of up to 260 characters.
+  const std::string longest = folder / std::string(259 - folder.Path().size(), 'x');
+  EXPECT_TRUE(CreateFolder(longest));
+  EXPECT_TRUE(FolderExists(longest));
+  EXPECT_EQ(ErrorOf([&] { CreateFolder(longest + "y"); }), 76);
 }
 
 TEST(FileSystemConformance, DeleteFileForcedAndUnforced) {

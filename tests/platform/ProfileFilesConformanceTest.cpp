@@ -89,13 +89,14 @@ TEST_F(ProfileConformance, LongValuesAndDefaultsAreCutToTheBuffer) {
   EXPECT_EQ(count, 4u);
 }
 
-TEST_F(ProfileConformance, AMissingFileGivesTheDefault) {
-  char buffer[16];
-  std::memset(buffer, 1, sizeof buffer);
-  const uint32_t count =
-      GetPrivateProfileStringA("Sec", "Key", "d", buffer, 16, folder / "absent.ini");
-  EXPECT_EQ(count, 1u);
-  EXPECT_EQ(Shown(buffer, 3), "d\\0#");
+TEST_F(ProfileConformance, AMissingFileOrADeviceGivesTheDefault) {
+  // Z: is the host's root under Wine: a device reads as empty there.
+  for (const std::string& name : {folder / "absent.ini", std::string("Z:\\dev\\zero")}) {
+    char buffer[16];
+    std::memset(buffer, 1, sizeof buffer);
+    EXPECT_EQ(GetPrivateProfileStringA("Sec", "Key", "d", buffer, 16, name), 1u);
+    EXPECT_EQ(Shown(buffer, 3), "d\\0#") << name;
+  }
 }
 
 TEST_F(ProfileConformance, SectionListsItsLinesButNotComments) {
@@ -106,6 +107,14 @@ TEST_F(ProfileConformance, SectionListsItsLinesButNotComments) {
   EXPECT_EQ(Shown(buffer, count + 2),
             "Key=value\\0Spaced=some value\\0# hash=1\\0Multi=a=b\\0Empty=\\0Lonely\\0"
             "Quoted=\"q v\"\\0SQ='s'\\0Half=\"h\\0key=dup\\0\\0#");
+}
+
+TEST_F(ProfileConformance, ALoneCarriageReturnEndsALine) {
+  WriteWholeFile(file, "[S]\rA=1\nB=2\r\rC=3\r[T]\rD=4");
+  char buffer[32];
+  std::memset(buffer, 1, sizeof buffer);
+  EXPECT_EQ(GetPrivateProfileSectionA("S", buffer, 32, file), 12u);
+  EXPECT_EQ(Shown(buffer, 14), "A=1\\0B=2\\0C=3\\0\\0#");
 }
 
 TEST_F(ProfileConformance, MissingSectionOrFileGivesTwoNuls) {

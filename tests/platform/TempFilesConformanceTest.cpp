@@ -61,6 +61,8 @@ TEST(TempFilesConformance, NoNameInAMissingFolder) {
   char name[kMaxPath] = {};
   EXPECT_EQ(GetTempFileNameA(folder / "absent", "R2P", 0, name), 0u);
   EXPECT_EQ(GetLastError(), 267u);
+  EXPECT_EQ(GetTempFileNameA(folder / std::string(260, 'x'), "R2P", 0, name), 0u);
+  EXPECT_EQ(GetLastError(), 206u) << "past the ANSI calls' length";
 }
 
 TEST(TempFilesConformance, DeleteFileAnswersWhyItFailed) {

@@ -172,6 +172,15 @@ TEST_F(OutputFolderTest, ALevelThatCannotBeMadeIsReported) {
   EXPECT_EQ(host.errors[0].error.number, 58);
 }
 
+TEST_F(OutputFolderTest, ADeepPathStopsAtOnceAtTheLengthLimit) {
+  std::string deep = folder.Path();
+  for (int level = 0; level < 2000; ++level) deep += "\\d";
+  EXPECT_FALSE(CheckCreateOutputFolder(deep + "\\f.pdf"));
+  EXPECT_TRUE(platform::FolderExists(deep.substr(0, deep.rfind('\\', 260))));
+  ASSERT_EQ(host.errors.size(), 1u);
+  EXPECT_EQ(host.errors[0].error.number, 76);
+}
+
 TEST_F(OutputFolderTest, AFileNameWithoutAFolderIsAnError) {
   EXPECT_FALSE(CheckCreateOutputFolder("file.pdf"));
   ASSERT_EQ(host.errors.size(), 1u);

@@ -77,30 +77,62 @@ std::vector<std::string> SplitComponents(const std::string& path) {
   return parts;
 }
 
-// Matches each component without regard to case, as Windows names do.
+// The entry of a folder named like `name` without regard to case (the exact
+// name first), or "".
+std::string FindNoCase(const std::string& folder, const std::string& name) {
+  std::string found;
+  if (name.empty()) return found;
+  if (DIR* dir = ::opendir(folder.c_str())) {
+    while (dirent* entry = ::readdir(dir)) {
+      if (name == entry->d_name) {
+        found = name;
+        break;
+      }
+      if (found.empty() && EqualNoCase(entry->d_name, name)) found = entry->d_name;
+    }
+    ::closedir(dir);
+  }
+  return found;
+}
+
+// Matches each component without regard to case, as Windows names do. The
+// longest prefix that exists as written needs no matching; past it each
+// component is looked up in its folder until one is missing, so that a deep
+// path costs a few look-ups, not one per component and prefix.
 std::string ResolveCase(const std::string& hostPath) {
   if (hostPath.empty() || Exists(hostPath)) return hostPath;
-  const std::vector<std::string> parts = SplitComponents(hostPath);
-  std::string current = parts.front();  // "" for an absolute path
-  for (size_t i = 1; i < parts.size(); ++i) {
-    const std::string& part = parts[i];
-    const std::string folder = current.empty() ? "/" : current;
-    std::string next = current;
-    next.append("/").append(part);
-    if (!part.empty() && part != "." && part != ".." && !Exists(next)) {
-      if (DIR* dir = ::opendir(folder.c_str())) {
-        while (dirent* entry = ::readdir(dir)) {
-          if (EqualNoCase(entry->d_name, part)) {
-            next = current + "/" + entry->d_name;
-            break;
-          }
-        }
-        ::closedir(dir);
-      }
-    }
-    current = next;
+  size_t known = hostPath.rfind('/');
+  while (known != std::string::npos && known > 0 && !Exists(hostPath.substr(0, known))) {
+    known = hostPath.rfind('/', known - 1);
+  }
+  if (known == std::string::npos) return hostPath;
+  std::string current = hostPath.substr(0, known);  // "" for the root
+  for (size_t start = known + 1; start <= hostPath.size();) {
+    const size_t end = std::min(hostPath.find('/', start), hostPath.size());
+    const std::string match =
+        FindNoCase(current.empty() ? "/" : current, hostPath.substr(start, end - start));
+    if (match.empty()) return current + hostPath.substr(start - 1);
+    current.append("/").append(match);
+    start = end + 1;
   }
   return current;
+}
+
+// Resolves "." and ".." as Windows does, never above the root (the drive's,
+// or the share's for a UNC path), and takes runs of separators for one.
+std::string Collapse(const std::string& rest) {
+  std::vector<std::string> kept;
+  for (std::string& part : SplitComponents(rest)) {
+    if (part == "..") {
+      if (!kept.empty()) kept.pop_back();
+    } else if (!part.empty() && part != ".") {
+      kept.push_back(std::move(part));
+    }
+  }
+  std::string path;
+  for (const std::string& part : kept) path.append("/").append(part);
+  if (!rest.empty() && rest.back() == '/') path += '/';
+  return path;
 }
 
 bool IsFile(const std::string& hostPath) {
@@ -137,15 +169,18 @@ std::string HostPath(const std::string& windowsPath) {
         rest[server + 1] == '/') {
       return {};
     }
-    return Join(Mapping().uncRoot, rest);
+    const size_t share = std::min(rest.find('/', server + 1), rest.size());
+    // Windows takes "." and ".." there for names, of no server or share.
+    for (const std::string& name : SplitComponents(rest.substr(0, share))) {
+      if (name == "." || name == "..") return {};
+    }
+    return Join(Mapping().uncRoot, rest.substr(0, share) + Collapse(rest.substr(share)));
   }
   if (w.size() >= 2 && w[1] == ':' && std::isalpha(static_cast<unsigned char>(w[0]))) {
     const auto index = static_cast<size_t>(std::toupper(static_cast<unsigned char>(w[0])) - 'A');
     const std::string& root = Mapping().drives[index];
     if (root.empty()) return {};
-    std::string rest = Slashes(w.substr(2));
-    if (rest.empty()) rest = "/";
-    return Join(root, rest);
+    return Join(root, Collapse(Slashes(w.substr(2))));
   }
   return Slashes(w);
 }
@@ -181,8 +216,24 @@ std::string WindowsPath(const std::string& hostPath) {
   return std::string(1, static_cast<char>('A' + best)) + ":" + rest;
 }
 
+size_t CharacterCount(const std::string& utf8) {
+  return static_cast<size_t>(std::count_if(utf8.begin(), utf8.end(), [](char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+  }));
+}
+
 std::string ResolveHostPath(const std::string& windowsPath) {
-  return ResolveCase(HostPath(windowsPath));
+  constexpr uint32_t kErrorPathNotFound = 3;
+  if (CharacterCount(windowsPath) > kMaxAnsiPath) {
+    SetLastError(kErrorFilenameExcedRange);
+    return {};
+  }
+  std::string host = HostPath(windowsPath);
+  if (host.empty()) {
+    SetLastError(kErrorPathNotFound);
+    return {};
+  }
+  return ResolveCase(host);
 }
 
 void HoldFile(const std::string& windowsPath) { HeldFiles().insert(ResolveHostPath(windowsPath)); }
@@ -277,10 +328,7 @@ FileHandle OpenFileExclusive(const std::string& path) {
   constexpr uint32_t kErrorSharingViolation = 32;
   constexpr uint32_t kErrorPathNotFound = 3;
   const std::string host = portable::ResolveHostPath(path);
-  if (host.empty()) {
-    portable::SetLastError(kErrorPathNotFound);
-    return kInvalidFile;
-  }
+  if (host.empty()) return kInvalidFile;
   if (portable::IsFolder(host) || portable::IsReadOnly(host)) {
     portable::SetLastError(kErrorAccessDenied);
     return kInvalidFile;

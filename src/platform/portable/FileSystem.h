@@ -8,7 +8,8 @@ namespace kestrivon::platform::portable {
 // folder: Z: for / unless mapped otherwise, as Wine has it; other drives
 // exist only once mapped. \\server\share\... lies under the UNC root when
 // one is set; a server alone is never a folder. Plain host paths (/...)
-// pass as they are. Names match without regard to case.
+// pass as they are. Names match without regard to case; ".." stops at the
+// drive's root or the share, as Windows has it.
 void MapDrive(char letter, const std::string& hostFolder);
 void MapUncRoot(const std::string& hostFolder);
 void ResetPathMapping();

@@ -2,6 +2,7 @@
 
 // Shared between the portable implementations; not a test hook.
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -18,8 +19,15 @@ void SetLastError(uint32_t code);
 using kestrivon::EqualNoCase;
 using kestrivon::LowerAscii;
 
+// The ANSI file calls take names of at most this many characters; a longer
+// one fails with ERROR_FILENAME_EXCED_RANGE, as under Wine.
+inline constexpr size_t kMaxAnsiPath = 260;
+inline constexpr uint32_t kErrorFilenameExcedRange = 206;
+size_t CharacterCount(const std::string& utf8);
+
 // The host path of a Windows path with each component matched without
-// regard to case, or "" when the path lies on no mapped drive.
+// regard to case, or "" with the last error set when the name is too long
+// or lies on no mapped drive.
 std::string ResolveHostPath(const std::string& windowsPath);
 
 // True when a file is held open by someone else (a simulated holder or a

@@ -1,10 +1,13 @@
 #include "platform/portable/ProfileFiles.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <optional>
-#include <sstream>
 #include <vector>
 
 #include "platform/ProfileFiles.h"
@@ -62,20 +65,50 @@ std::string ProfileHostPath(const std::string& fileName) {
   return ResolveHostPath(windowsPath);
 }
 
-std::optional<Profile> Load(const std::string& hostPath) {
+// A profile larger than this is taken for one that cannot be held in memory,
+// as Windows fails on it when it cannot allocate the whole file; no real
+// profile comes near it (Wine reads 100 MB in a second).
+constexpr off_t kMaxProfileBytes = off_t{256} << 20;
+
+// The profile in a file, or nothing when there is none; *error then tells
+// why an existing one could not be read. Only a regular file is read: a
+// pipe or a device would never end, so it reads as empty, as under Wine.
+std::optional<Profile> Load(const std::string& hostPath, uint32_t* error = nullptr) {
+  constexpr uint32_t kErrorAccessDenied = 5;
+  constexpr uint32_t kErrorNotEnoughMemory = 8;
   if (hostPath.empty()) return std::nullopt;
-  std::ifstream in(hostPath, std::ios::binary);
-  if (!in) return std::nullopt;
-  std::stringstream content;
-  content << in.rdbuf();
-  std::string text = content.str();
+  const int fd = ::open(hostPath.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (fd < 0) return std::nullopt;
+  struct stat st {};
+  uint32_t why = 0;
+  std::string text;
+  if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+    why = kErrorAccessDenied;
+  } else if (st.st_size > kMaxProfileBytes) {
+    why = kErrorNotEnoughMemory;
+  } else {
+    text.resize(static_cast<size_t>(st.st_size));
+    size_t got = 0;
+    while (got < text.size()) {
+      const ssize_t n = ::read(fd, text.data() + got, text.size() - got);
+      if (n <= 0) break;
+      got += static_cast<size_t>(n);
+    }
+    text.resize(got);
+  }
+  ::close(fd);
+  if (why != 0) {
+    if (error != nullptr) *error = why;
+    return std::nullopt;
+  }
   if (text.compare(0, 3, "\xEF\xBB\xBF") == 0) text.erase(0, 3);
   Profile profile;
   profile.sections.push_back(Section{});
-  std::istringstream lines(text);
-  std::string line;
-  while (std::getline(lines, line)) {
-    const std::string trimmed = Trim(line);
+  // A CR ends a line as an LF does, alone or not.
+  for (size_t start = 0; start < text.size();) {
+    const size_t end = std::min(text.find_first_of("\r\n", start), text.size());
+    const std::string trimmed = Trim(text.substr(start, end - start));
+    start = end + 1;
     if (!trimmed.empty() && trimmed.front() == '[') {
       const size_t close = trimmed.rfind(']');
       if (close != std::string::npos) {
@@ -215,12 +248,15 @@ bool WritePrivateProfileStringA(const std::string& section, const std::string& k
                                 const std::string& value, const std::string& fileName) {
   constexpr uint32_t kErrorPathNotFound = 3;
   const std::string hostPath = portable::ProfileHostPath(fileName);
-  if (hostPath.empty()) {
-    portable::SetLastError(kErrorPathNotFound);
+  if (hostPath.empty()) return false;
+  uint32_t unreadable = 0;
+  portable::Profile profile =
+      portable::Load(hostPath, &unreadable).value_or(portable::Profile{{portable::Section{}}});
+  // What cannot be read is not rewritten either: its content would be lost.
+  if (unreadable != 0) {
+    portable::SetLastError(unreadable);
     return false;
   }
-  portable::Profile profile =
-      portable::Load(hostPath).value_or(portable::Profile{{portable::Section{}}});
   portable::Section* target = portable::FindSection(profile, section);
   if (target == nullptr) {
     profile.sections.push_back(portable::Section{true, portable::Trim(section), {}});

@@ -61,6 +61,15 @@ uint32_t GetTempFileNameA(const std::string& pathName, const std::string& prefix
                           char* buffer) {
   std::string base = pathName;
   if (base.empty() || base.back() != '\\') base += '\\';
+  // The folder leaves room in kMaxPath for the longest name in it: three
+  // characters of prefix, four digits, ".tmp" and the NUL. Counted in bytes,
+  // which the buffer holds here.
+  if (base.size() > kMaxPath - 12) {
+    portable::SetLastError(portable::CharacterCount(pathName) > portable::kMaxAnsiPath
+                               ? portable::kErrorFilenameExcedRange
+                               : portable::kErrorBufferOverflow);
+    return 0;
+  }
   base += prefix.substr(0, 3);
   const std::string folderHost = portable::ResolveHostPath(pathName);
   struct stat st {};
@@ -71,9 +80,7 @@ uint32_t GetTempFileNameA(const std::string& pathName, const std::string& prefix
     return base + digits;
   };
   auto store = [buffer](const std::string& name) {
-    const size_t n = std::min<size_t>(name.size(), kMaxPath - 1);
-    std::memcpy(buffer, name.data(), n);
-    buffer[n] = '\0';
+    std::memcpy(buffer, name.c_str(), name.size() + 1);
   };
   if (!folderExists || !S_ISDIR(st.st_mode)) {
     portable::SetLastError(portable::kErrorDirectory);
@@ -115,8 +122,9 @@ uint32_t GetTempFileNameA(const std::string& pathName, const std::string& prefix
 
 bool DeleteFileA(const std::string& fileName) {
   const std::string host = portable::ResolveHostPath(fileName);
+  if (host.empty()) return false;
   struct stat st {};
-  if (host.empty() || ::stat(host.c_str(), &st) != 0) {
+  if (::stat(host.c_str(), &st) != 0) {
     const size_t slash = host.rfind('/');
     struct stat parent {};
     const bool folderThere = slash != std::string::npos &&

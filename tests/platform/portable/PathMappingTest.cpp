@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 
 #include "platform/FileSystem.h"
+#include "platform/LastError.h"
+#include "platform/ProfileFiles.h"
 #include "platform/TempFiles.h"
 #include "platform/portable/FileSystem.h"
 #include "platform/portable/TempFiles.h"
@@ -42,6 +45,11 @@ TEST_F(PathMapping, DrivesAndUncPathsLandOnTheirHostFolders) {
             (root / "unc" / "server" / "share" / "dir").string());
   EXPECT_EQ(portable::HostPath("\\\\server"), "");
   EXPECT_EQ(portable::HostPath("\\\\server\\"), "");
+  // ".." stops at the drive's root or the share, as Windows has it.
+  EXPECT_EQ(portable::HostPath("C:\\a\\..\\..\\esc\\f.x"), (root / "C" / "esc" / "f.x").string());
+  EXPECT_EQ(portable::HostPath("\\\\server\\share\\..\\..\\x"),
+            (root / "unc" / "server" / "share" / "x").string());
+  EXPECT_EQ(portable::HostPath("\\\\server\\..\\x"), "");
   EXPECT_EQ(portable::HostPath("/usr/bin"), "/usr/bin");
   EXPECT_EQ(portable::WindowsPath((root / "C" / "Out").string()), "C:\\Out");
   EXPECT_EQ(portable::WindowsPath((root / "C").string()), "C:\\");
@@ -93,6 +101,24 @@ TEST_F(PathMapping, TempPathCanBeSet) {
   ASSERT_NE(GetTempFileNameA("C:\\Out\\", "R2P", 0, name), 0u);
   EXPECT_EQ(std::string(name).rfind("C:\\Out\\R2P", 0), 0u);
   EXPECT_TRUE(FileExists(name));
+  // No name that would not fit the buffer, nor a file left for it.
+  const std::string deep(245, 'd');  // "C:\\" and this: one past the longest folder
+  fs::create_directory(root / "C" / deep);
+  EXPECT_EQ(GetTempFileNameA("C:\\" + deep, "R2P", 0, name), 0u);
+  EXPECT_EQ(GetLastError(), 111u);
+  EXPECT_TRUE(fs::is_empty(root / "C" / deep));
+}
+
+TEST_F(PathMapping, OnlyRegularFilesOfASaneSizeAreReadAsProfiles) {
+  ::mkfifo((root / "C" / "pipe.ini").c_str(), 0600);
+  std::ofstream(root / "C" / "huge.ini") << "[S]\r\nK=v\r\n";
+  fs::resize_file(root / "C" / "huge.ini", (std::uintmax_t{256} << 20) + 1);
+  for (const char* name : {"C:\\pipe.ini", "C:\\huge.ini"}) {
+    char buffer[8] = {};
+    EXPECT_EQ(GetPrivateProfileStringA("S", "K", "d", buffer, 8, name), 1u) << name;
+    EXPECT_FALSE(WritePrivateProfileStringA("S", "K", "w", name)) << name;
+  }
+  EXPECT_EQ(fs::file_size(root / "C" / "huge.ini"), (std::uintmax_t{256} << 20) + 1);
 }
 
 }  // namespace
