@@ -1,20 +1,13 @@
 #include "core/Settings.h"
 
-#include <cctype>
 #include <charconv>
 #include <system_error>
 
 #include "core/Environment.h"
+#include "runtime/Text.h"
 
 namespace kestrivon::hostkit {
 namespace {
-
-std::string Trim(const std::string& text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == std::string::npos) return {};
-  const auto last = text.find_last_not_of(" \t");
-  return text.substr(first, last - first + 1);
-}
 
 // Fixed against the current folder of the moment the host kit starts, so
 // that a later change of folder does not move its files.
@@ -41,7 +34,7 @@ std::filesystem::path DefaultTraceLog() {
 }
 
 std::optional<int32_t> ParseLevel(const std::string& text) {
-  std::string trimmed = Trim(text);
+  std::string trimmed(Trim(text));
   // One optional sign, then digits only: from_chars would take "+-3" as -3
   // once the '+' is gone.
   const size_t digits = !trimmed.empty() && (trimmed[0] == '+' || trimmed[0] == '-') ? 1 : 0;
@@ -60,8 +53,7 @@ std::optional<int32_t> ParseLevel(const std::string& text) {
 std::optional<Variant> ShowRevisionMessagesOption() {
   const auto text = GetEnvironment(kShowRevisionMessagesVariable);
   if (!text) return std::nullopt;
-  std::string lower = Trim(*text);
-  for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  const std::string lower = LowerAscii(Trim(*text));
   if (lower == "true") return Variant{true};
   if (lower == "false") return Variant{false};
   if (const auto number = ParseLevel(*text)) return Variant{*number};
