@@ -31,11 +31,15 @@ bool EqualNoCase(std::string_view a, std::string_view b) {
          });
 }
 
-std::string_view Trim(std::string_view text) {
-  const size_t first = text.find_first_not_of(" \t");
+std::string_view Trim(std::string_view text, std::string_view blanks) {
+  const size_t first = text.find_first_not_of(blanks);
   if (first == std::string_view::npos) return {};
-  const size_t last = text.find_last_not_of(" \t");
-  return text.substr(first, last - first + 1);
+  return TrimRight(text.substr(first), blanks);
+}
+
+std::string_view TrimRight(std::string_view text, std::string_view blanks) {
+  const size_t last = text.find_last_not_of(blanks);
+  return last == std::string_view::npos ? std::string_view() : text.substr(0, last + 1);
 }
 
 double DateFromCivil(int64_t year, unsigned month, unsigned day, int hour, int minute, int second) {

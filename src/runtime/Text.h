@@ -12,8 +12,9 @@ namespace kestrivon {
 std::string LowerAscii(std::string_view text);
 bool EqualNoCase(std::string_view a, std::string_view b);
 
-// Without leading and trailing blanks and tabs.
-std::string_view Trim(std::string_view text);
+// Without leading and trailing blanks (by default blanks and tabs).
+std::string_view Trim(std::string_view text, std::string_view blanks = " \t");
+std::string_view TrimRight(std::string_view text, std::string_view blanks = " \t");
 
 // The run time's date (days since 30 December 1899, the fraction the time
 // of day) of a civil date and time, proleptic Gregorian, whole seconds.

@@ -45,18 +45,10 @@ struct Profile {
   std::vector<Section> sections;
 };
 
-std::string Trim(const std::string& text) {
-  const char* blanks = " \t\r\n";
-  const size_t first = text.find_first_not_of(blanks);
-  if (first == std::string::npos) return {};
-  const size_t last = text.find_last_not_of(blanks);
-  return text.substr(first, last - first + 1);
-}
+// Profile lines lose line ends as well as blanks.
+std::string Trim(const std::string& text) { return std::string(kestrivon::Trim(text, " \t\r\n")); }
 
-std::string TrimRight(std::string text) {
-  while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.pop_back();
-  return text;
-}
+std::string TrimRight(const std::string& text) { return std::string(kestrivon::TrimRight(text)); }
 
 // A bare file name lives in the Windows directory.
 std::string ProfileHostPath(const std::string& fileName) {
