@@ -75,4 +75,19 @@ double Now() {
   return portable::LocalDateFromUnixSeconds(static_cast<int64_t>(std::time(nullptr)));
 }
 
+LocalTime LocalTimeNow() {
+  timespec now{};
+  if (auto* clock = portable::VirtualClock::Current()) {
+    now.tv_sec = static_cast<time_t>(clock->UnixSeconds());
+    now.tv_nsec = static_cast<long>(clock->Elapsed() % 1000) * 1000000L;
+  } else {
+    clock_gettime(CLOCK_REALTIME, &now);
+  }
+  std::tm local{};
+  localtime_r(&now.tv_sec, &local);
+  return {local.tm_year + 1900, local.tm_mon + 1,    local.tm_mday,
+          local.tm_hour,        local.tm_min,        local.tm_sec,
+          static_cast<int>(now.tv_nsec / 1000000L)};
+}
+
 }  // namespace kestrivon::platform

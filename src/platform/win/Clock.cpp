@@ -17,4 +17,11 @@ double Now() {
   return DateFromCivil(local.wYear, local.wMonth, local.wDay, local.wHour, local.wMinute, local.wSecond);
 }
 
+LocalTime LocalTimeNow() {
+  SYSTEMTIME local;
+  ::GetLocalTime(&local);
+  return {local.wYear,  local.wMonth,  local.wDay,         local.wHour,
+          local.wMinute, local.wSecond, local.wMilliseconds};
+}
+
 }  // namespace kestrivon::platform
