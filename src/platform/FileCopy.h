@@ -1,7 +1,7 @@
 #pragma once
 
-// Copying one file as CopyFileA does, and the system's text for an error
-// code.
+// Copying one file as CopyFile does (names in UTF-8, not limited to the
+// ANSI code page), and the system's text for an error code.
 //
 // Error convention of this header: calls answer bool; on failure
 // platform::GetLastError() holds the Win32 error code. Nothing throws.
@@ -13,7 +13,7 @@
 
 namespace kestrivon::platform {
 
-// CopyFileA: the copy takes the source's attributes (read-only included).
+// CopyFile: the copy takes the source's attributes (read-only included).
 // Without overwrite an existing target stays and the copy fails with
 // kErrorFileExists. A missing source fails with kErrorFileNotFound (2), a
 // missing target folder with kErrorPathNotFound, a folder as source or

@@ -7,7 +7,7 @@
 namespace kestrivon::platform {
 
 bool CopyFileTo(const std::string& source, const std::string& target, bool overwrite) {
-  return ::CopyFileA(win::ToAnsi(source).c_str(), win::ToAnsi(target).c_str(),
+  return ::CopyFileW(win::ToWide(source).c_str(), win::ToWide(target).c_str(),
                      overwrite ? FALSE : TRUE) != FALSE;
 }
 
