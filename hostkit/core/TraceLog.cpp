@@ -31,8 +31,9 @@ int HexValue(char c) {
 std::string TimeStamp() {
   const platform::LocalTime now = platform::LocalTimeNow();
   char text[64];
-  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d.%03d", now.year, now.month,
-                now.day, now.hour, now.minute, now.second, now.milliseconds);
+  std::snprintf(text, sizeof text, "%04lld-%02u-%02u %02d:%02d:%02d.%03d",
+                static_cast<long long>(now.year), now.month, now.day, now.hour, now.minute,
+                now.second, now.milliseconds);
   return text;
 }
 

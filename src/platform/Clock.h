@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "runtime/Text.h"
+
 namespace kestrivon::platform {
 
 // GetTickCount: milliseconds since the system started, wrapping at 2^32.
@@ -15,13 +17,7 @@ void Sleep(uint32_t milliseconds);
 double Now();
 
 // GetLocalTime: the local date and time to the millisecond.
-struct LocalTime {
-  int year = 0;
-  int month = 0;
-  int day = 0;
-  int hour = 0;
-  int minute = 0;
-  int second = 0;
+struct LocalTime : CivilTime {
   int milliseconds = 0;
 };
 LocalTime LocalTimeNow();

@@ -5,8 +5,8 @@
 namespace kestrivon::platform {
 
 std::optional<std::vector<FoundEntry>> FindFiles(const std::string& pattern) {
-  constexpr uint32_t kNotOrdinary = kFileAttributeDirectory | kFileAttributeHidden |
-                                    kFileAttributeSystem;
+  constexpr uint32_t kNotOrdinary =
+      kFileAttributeDirectory | kFileAttributeHidden | kFileAttributeSystem;
   std::vector<FoundEntry> files;
   OwnedFind search;
   FoundEntry entry;

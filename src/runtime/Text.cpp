@@ -54,15 +54,15 @@ std::string_view Trim(std::string_view text) {
   return text.substr(first, last - first + 1);
 }
 
-double DateFromCivil(int64_t year, unsigned month, unsigned day, int hour, int minute,
-                     int second) {
+double DateFromCivil(int64_t year, unsigned month, unsigned day, int hour, int minute, int second) {
   const int64_t days = DaysFromCivil(year, month, day) - DaysFromCivil(1899, 12, 30);
   return static_cast<double>(days) + (hour * 3600 + minute * 60 + second) / 86400.0;
 }
 
 CivilTime CivilFromDate(double date) {
   auto days = static_cast<int64_t>(std::trunc(date));
-  auto seconds = static_cast<int64_t>(std::llround(std::fabs(date - static_cast<double>(days)) * 86400.0));
+  auto seconds =
+      static_cast<int64_t>(std::llround(std::fabs(date - static_cast<double>(days)) * 86400.0));
   if (seconds >= 86400) {
     seconds -= 86400;
     ++days;

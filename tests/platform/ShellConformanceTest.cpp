@@ -106,7 +106,8 @@ TEST(ShellConformance, LocaleDateAndTimeTextAndLocalTime) {
   }
   const double before = Now();
   const LocalTime now = LocalTimeNow();
-  const double local = DateFromCivil(now.year, now.month, now.day, now.hour, now.minute, now.second);
+  const double local =
+      DateFromCivil(now.year, now.month, now.day, now.hour, now.minute, now.second);
   EXPECT_GE(local, before);
   EXPECT_LE(local, Now());
   EXPECT_LT(now.milliseconds, 1000);

@@ -85,9 +85,15 @@ LocalTime LocalTimeNow() {
   }
   std::tm local{};
   localtime_r(&now.tv_sec, &local);
-  return {local.tm_year + 1900, local.tm_mon + 1,    local.tm_mday,
-          local.tm_hour,        local.tm_min,        local.tm_sec,
-          static_cast<int>(now.tv_nsec / 1000000L)};
+  LocalTime time;
+  time.year = local.tm_year + 1900;
+  time.month = static_cast<unsigned>(local.tm_mon + 1);
+  time.day = static_cast<unsigned>(local.tm_mday);
+  time.hour = local.tm_hour;
+  time.minute = local.tm_min;
+  time.second = local.tm_sec;
+  time.milliseconds = static_cast<int>(now.tv_nsec / 1000000L);
+  return time;
 }
 
 }  // namespace kestrivon::platform

@@ -28,7 +28,8 @@ std::vector<std::string> MatchingNames(const std::string& name) {
 }  // namespace
 
 std::optional<std::string> EnvironmentVariable(const std::string& name) {
-  const std::vector<std::string> names = name.empty() ? std::vector<std::string>{} : MatchingNames(name);
+  const std::vector<std::string> names =
+      name.empty() ? std::vector<std::string>{} : MatchingNames(name);
   if (names.empty()) {
     portable::SetLastError(kErrorEnvironmentVariableNotFound);
     return std::nullopt;

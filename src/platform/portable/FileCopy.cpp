@@ -44,7 +44,8 @@ bool CopyFileTo(const std::string& source, const std::string& target, bool overw
   }
   const int in = ::open(from.c_str(), O_RDONLY | O_CLOEXEC);
   if (in < 0) return Fail(CodeOfErrno(errno));
-  const int out = to.empty() ? -1 : ::open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  const int out =
+      to.empty() ? -1 : ::open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
   if (out < 0) {
     const int error = to.empty() ? ENOENT : errno;
     ::close(in);

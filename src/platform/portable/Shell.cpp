@@ -80,7 +80,8 @@ std::optional<std::string> ShellFolderPath(int32_t folder, uint32_t flags) {
   return path;
 }
 
-std::optional<std::string> FindExecutableFor(const std::string& file, const std::string& directory) {
+std::optional<std::string> FindExecutableFor(const std::string& file,
+                                             const std::string& directory) {
   const bool relative = file.size() < 2 || (file[1] != ':' && file[0] != '\\');
   const std::string path = relative && !directory.empty() ? directory + "\\" + file : file;
   struct stat st {};

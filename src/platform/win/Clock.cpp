@@ -2,9 +2,9 @@
 
 #include <windows.h>
 
-#include "runtime/Text.h"
-
 #include <cstdint>
+
+#include "runtime/Text.h"
 
 namespace kestrivon::platform {
 uint32_t GetTickCount() { return ::GetTickCount(); }
@@ -14,14 +14,22 @@ void Sleep(uint32_t milliseconds) { ::Sleep(milliseconds); }
 double Now() {
   SYSTEMTIME local;
   ::GetLocalTime(&local);
-  return DateFromCivil(local.wYear, local.wMonth, local.wDay, local.wHour, local.wMinute, local.wSecond);
+  return DateFromCivil(local.wYear, local.wMonth, local.wDay, local.wHour, local.wMinute,
+                       local.wSecond);
 }
 
 LocalTime LocalTimeNow() {
   SYSTEMTIME local;
   ::GetLocalTime(&local);
-  return {local.wYear,  local.wMonth,  local.wDay,         local.wHour,
-          local.wMinute, local.wSecond, local.wMilliseconds};
+  LocalTime now;
+  now.year = local.wYear;
+  now.month = local.wMonth;
+  now.day = local.wDay;
+  now.hour = local.wHour;
+  now.minute = local.wMinute;
+  now.second = local.wSecond;
+  now.milliseconds = local.wMilliseconds;
+  return now;
 }
 
 }  // namespace kestrivon::platform

@@ -1,8 +1,9 @@
 #include "platform/Shell.h"
 
 #include <windows.h>
-#include <shlobj.h>
+// After windows.h, which they need.
 #include <shellapi.h>
+#include <shlobj.h>
 
 #include "platform/win/Text.h"
 
@@ -19,12 +20,12 @@ std::optional<std::string> ShellFolderPath(int32_t folder, uint32_t flags) {
   return win::FromAnsi(path);
 }
 
-std::optional<std::string> FindExecutableFor(const std::string& file, const std::string& directory) {
+std::optional<std::string> FindExecutableFor(const std::string& file,
+                                             const std::string& directory) {
   char program[MAX_PATH] = {};
   const std::string ansiDirectory = win::ToAnsi(directory);
-  const auto code = reinterpret_cast<INT_PTR>(
-      ::FindExecutableA(win::ToAnsi(file).c_str(),
-                        ansiDirectory.empty() ? nullptr : ansiDirectory.c_str(), program));
+  const auto code = reinterpret_cast<INT_PTR>(::FindExecutableA(
+      win::ToAnsi(file).c_str(), ansiDirectory.empty() ? nullptr : ansiDirectory.c_str(), program));
   if (code <= 32) {
     ::SetLastError(static_cast<DWORD>(code));
     return std::nullopt;

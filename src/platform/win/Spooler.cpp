@@ -22,7 +22,9 @@ bool OpenPrinterByName(const std::string& name, PrinterHandle* printer) {
   return ok != FALSE;
 }
 
-bool ClosePrinterHandle(PrinterHandle printer) { return ::ClosePrinter(ToHandle(printer)) != FALSE; }
+bool ClosePrinterHandle(PrinterHandle printer) {
+  return ::ClosePrinter(ToHandle(printer)) != FALSE;
+}
 
 std::optional<uint32_t> QueuedJobCount(PrinterHandle printer, uint32_t maxJobs) {
   DWORD needed = 0;

@@ -1,5 +1,4 @@
 #include "SeamFixture.h"
-
 #include "platform/portable/Shell.h"
 #include "platform/portable/Spooler.h"
 

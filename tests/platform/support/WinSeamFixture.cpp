@@ -23,7 +23,9 @@ HANDLE OpenForAdministration(const std::string& name) {
   return OpenPrinterA(const_cast<char*>(name.c_str()), &printer, &defaults) ? printer : nullptr;
 }
 
-std::string ProgramId(const std::string& extension) { return "Kestrivon" + extension.substr(1) + "File"; }
+std::string ProgramId(const std::string& extension) {
+  return "Kestrivon" + extension.substr(1) + "File";
+}
 
 void SetDefaultValue(const std::string& key, const std::string& value) {
   HKEY opened = nullptr;
