@@ -31,7 +31,10 @@ struct FoundEntry {
 };
 
 // pattern: folder + "\" + a name with * and ? wildcards, matched without
-// regard to case. A pattern that matches nothing fails with
+// regard to case. Windows also matches the 8.3 short names ("*.pdf" finds
+// "c.pdfx"); the portable side matches the long names only. The search
+// gives "." and ".." first, then the names in NTFS order (by name without
+// regard to case), as Wine does too. A pattern that matches nothing fails with
 // kErrorFileNotFound (2), one in a missing folder with kErrorPathNotFound.
 using FindHandle = std::uintptr_t;
 inline constexpr FindHandle kInvalidFind = ~FindHandle{0};

@@ -48,22 +48,25 @@ TEST(ShellConformance, FindsTheProgramRegisteredForAFile) {
   TestFileType type(".kvt", ChildProgram());
   WriteWholeFile(folder / "plan.kvt", "x");
   WriteWholeFile(folder / "plan.kvx", "x");
+  CopyChildProgram(folder / "tool.exe");
   const struct {
     std::string file;
     std::string directory;
-    uint32_t error;  // 0: the child program
+    std::string program;  // empty: fails with error
+    uint32_t error;
   } cases[] = {
-      {folder / "plan.kvt", "", 0},
-      {"PLAN.KVT", folder.Path(), 0},
-      {folder / "plan.kvx", "", kSeErrNoAssociation},
-      {folder / "absent.kvt", "", 2},
+      {folder / "plan.kvt", "", ChildProgram(), 0},
+      {"PLAN.KVT", folder.Path(), ChildProgram(), 0},
+      {folder / "tool.exe", "", folder / "tool.exe", 0},
+      {folder / "plan.kvx", "", "", kSeErrNoAssociation},
+      {folder / "absent.kvt", "", "", 2},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.file);
     const auto program = FindExecutableFor(c.file, c.directory);
-    ASSERT_EQ(program.has_value(), c.error == 0);
+    ASSERT_EQ(program.has_value(), !c.program.empty());
     if (program) {
-      EXPECT_TRUE(EqualNoCase(*program, ChildProgram())) << *program;
+      EXPECT_TRUE(EqualNoCase(*program, c.program)) << *program;
     } else {
       EXPECT_EQ(GetLastError(), c.error);
     }

@@ -90,9 +90,13 @@ std::optional<std::string> FindExecutableFor(const std::string& file,
     return std::nullopt;
   }
   const size_t dot = path.find_last_of(".\\");
-  const auto program = dot == std::string::npos || path[dot] != '.'
-                           ? portable::Associations().end()
-                           : portable::Associations().find(portable::LowerAscii(path.substr(dot)));
+  const std::string extension =
+      dot == std::string::npos || path[dot] != '.' ? "" : portable::LowerAscii(path.substr(dot));
+  // A program is its own program.
+  for (const char* runnable : {".exe", ".com", ".bat", ".cmd", ".pif"}) {
+    if (extension == runnable) return path;
+  }
+  const auto program = portable::Associations().find(extension);
   if (program == portable::Associations().end()) {
     portable::SetLastError(kSeErrNoAssociation);
     return std::nullopt;

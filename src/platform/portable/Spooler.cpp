@@ -46,8 +46,6 @@ void ClearPrinters() {
   TheSpooler().handles.clear();
 }
 
-size_t OpenPrinterHandles() { return TheSpooler().handles.size(); }
-
 }  // namespace portable
 
 bool OpenPrinterByName(const std::string& name, PrinterHandle* printer) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -19,6 +18,5 @@ void DefinePrinter(const std::string& name, const PrinterQueue& queue);
 void RemovePrinter(const std::string& name);
 // Removes every printer and closes every open handle.
 void ClearPrinters();
-size_t OpenPrinterHandles();
 
 }  // namespace kestrivon::platform::portable

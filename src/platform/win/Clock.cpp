@@ -12,10 +12,8 @@ uint32_t GetTickCount() { return ::GetTickCount(); }
 void Sleep(uint32_t milliseconds) { ::Sleep(milliseconds); }
 
 double Now() {
-  SYSTEMTIME local;
-  ::GetLocalTime(&local);
-  return DateFromCivil(local.wYear, local.wMonth, local.wDay, local.wHour, local.wMinute,
-                       local.wSecond);
+  const LocalTime now = LocalTimeNow();
+  return DateFromCivil(now.year, now.month, now.day, now.hour, now.minute, now.second);
 }
 
 LocalTime LocalTimeNow() {
