@@ -6,9 +6,9 @@
 
 namespace kestrivon::hostkit {
 
-// The process environment in UTF-8. On Windows this reads and writes the
-// process block itself, not a C run time's copy of it, so that a host DLL
-// loaded later sees what the program set before creating it.
+// The process environment in UTF-8, through the platform's environment
+// block: a host DLL loaded later sees what the program set before creating
+// it.
 std::optional<std::string> GetEnvironment(const std::string& name);
 // An empty optional removes the variable.
 void SetEnvironment(const std::string& name, const std::optional<std::string>& value);

@@ -1,22 +1,16 @@
 #include "core/TraceLog.h"
 
-#include <chrono>
 #include <cstdio>
-#include <ctime>
 #include <fstream>
 #include <system_error>
 
 #include "core/Environment.h"
+#include "platform/Clock.h"
+#include "platform/LocaleText.h"
 #include "runtime/RunTimeError.h"
 
 namespace kestrivon::hostkit {
 namespace {
-
-#ifdef _WIN32
-constexpr const char* kLineEnd = "\r\n";
-#else
-constexpr const char* kLineEnd = "\n";
-#endif
 
 bool Escaped(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }
 
@@ -35,20 +29,11 @@ int HexValue(char c) {
 }
 
 std::string TimeStamp() {
-  using namespace std::chrono;
-  const auto now = system_clock::now();
-  const std::time_t seconds = system_clock::to_time_t(now);
-  const auto millis = duration_cast<milliseconds>(now.time_since_epoch()).count() % 1000;
-  std::tm local{};
-#ifdef _WIN32
-  localtime_s(&local, &seconds);
-#else
-  localtime_r(&seconds, &local);
-#endif
+  const platform::LocalTime now = platform::LocalTimeNow();
   char text[64];
-  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d.%03d", local.tm_year + 1900,
-                local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec,
-                static_cast<int>(millis));
+  std::snprintf(text, sizeof text, "%04lld-%02u-%02u %02d:%02d:%02d.%03d",
+                static_cast<long long>(now.year), now.month, now.day, now.hour, now.minute,
+                now.second, now.milliseconds);
   return text;
 }
 
@@ -76,7 +61,7 @@ void TraceLog::Append(std::string_view kind, const std::vector<std::string>& fie
     entry += '\t';
     entry += EscapeField(field);
   }
-  entry += kLineEnd;
+  entry += platform::TextLineEnd();
 
   std::lock_guard lock(mutex_);
   std::string why;

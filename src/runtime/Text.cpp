@@ -1,6 +1,7 @@
 #include "runtime/Text.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace kestrivon {
 namespace {
@@ -15,6 +16,21 @@ int64_t DaysFromCivil(int64_t y, unsigned m, unsigned d) {
   const unsigned doy = (153 * (m + (m > 2 ? -3 : 9)) + 2) / 5 + d - 1;
   const unsigned doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
   return era * 146097 + static_cast<int64_t>(doe) - 719468;
+}
+
+// The civil date of a count of days from 1970-01-01.
+CivilTime CivilFromDays(int64_t z) {
+  z += 719468;
+  const int64_t era = (z >= 0 ? z : z - 146096) / 146097;
+  const auto doe = static_cast<unsigned>(z - era * 146097);
+  const unsigned yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
+  const unsigned doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
+  const unsigned mp = (5 * doy + 2) / 153;
+  CivilTime civil;
+  civil.day = doy - (153 * mp + 2) / 5 + 1;
+  civil.month = mp < 10 ? mp + 3 : mp - 9;
+  civil.year = static_cast<int64_t>(yoe) + era * 400 + (civil.month <= 2 ? 1 : 0);
+  return civil;
 }
 
 }  // namespace
@@ -45,6 +61,21 @@ std::string_view TrimRight(std::string_view text, std::string_view blanks) {
 double DateFromCivil(int64_t year, unsigned month, unsigned day, int hour, int minute, int second) {
   const int64_t days = DaysFromCivil(year, month, day) - DaysFromCivil(1899, 12, 30);
   return static_cast<double>(days) + (hour * 3600 + minute * 60 + second) / 86400.0;
+}
+
+CivilTime CivilFromDate(double date) {
+  auto days = static_cast<int64_t>(std::trunc(date));
+  auto seconds =
+      static_cast<int64_t>(std::llround(std::fabs(date - static_cast<double>(days)) * 86400.0));
+  if (seconds >= 86400) {
+    seconds -= 86400;
+    ++days;
+  }
+  CivilTime civil = CivilFromDays(days + DaysFromCivil(1899, 12, 30));
+  civil.hour = static_cast<int>(seconds / 3600);
+  civil.minute = static_cast<int>(seconds / 60 % 60);
+  civil.second = static_cast<int>(seconds % 60);
+  return civil;
 }
 
 }  // namespace kestrivon

@@ -20,4 +20,17 @@ std::string_view TrimRight(std::string_view text, std::string_view blanks = " \t
 // of day) of a civil date and time, proleptic Gregorian, whole seconds.
 double DateFromCivil(int64_t year, unsigned month, unsigned day, int hour, int minute, int second);
 
+// The inverse, to the nearest second. As in the run time, the fraction of a
+// date before 1899 counts forward from its day: -1.25 is 29 December 1899,
+// 06:00.
+struct CivilTime {
+  int64_t year = 0;
+  unsigned month = 0;
+  unsigned day = 0;
+  int hour = 0;
+  int minute = 0;
+  int second = 0;
+};
+CivilTime CivilFromDate(double date);
+
 }  // namespace kestrivon

@@ -75,4 +75,25 @@ double Now() {
   return portable::LocalDateFromUnixSeconds(static_cast<int64_t>(std::time(nullptr)));
 }
 
+LocalTime LocalTimeNow() {
+  timespec now{};
+  if (auto* clock = portable::VirtualClock::Current()) {
+    now.tv_sec = static_cast<time_t>(clock->UnixSeconds());
+    now.tv_nsec = static_cast<long>(clock->Elapsed() % 1000) * 1000000L;
+  } else {
+    clock_gettime(CLOCK_REALTIME, &now);
+  }
+  std::tm local{};
+  localtime_r(&now.tv_sec, &local);
+  LocalTime time;
+  time.year = local.tm_year + 1900;
+  time.month = static_cast<unsigned>(local.tm_mon + 1);
+  time.day = static_cast<unsigned>(local.tm_mday);
+  time.hour = local.tm_hour;
+  time.minute = local.tm_min;
+  time.second = local.tm_sec;
+  time.milliseconds = static_cast<int>(now.tv_nsec / 1000000L);
+  return time;
+}
+
 }  // namespace kestrivon::platform

@@ -30,11 +30,7 @@ double FileDateCreated(const std::string& path) {
       (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
     RaiseFileSystemError(kErrFileNotFound);
   }
-  FILETIME local;
-  SYSTEMTIME time;
-  ::FileTimeToLocalFileTime(&data.ftCreationTime, &local);
-  ::FileTimeToSystemTime(&local, &time);
-  return DateFromCivil(time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond);
+  return win::LocalDateFromFileTime(data.ftCreationTime);
 }
 
 void DeleteFileWithForce(const std::string& path, bool force) {

@@ -1,5 +1,7 @@
 #include "platform/win/Text.h"
 
+#include "runtime/Text.h"
+
 namespace kestrivon::platform::win {
 namespace {
 
@@ -35,6 +37,15 @@ std::string ToAnsi(const std::string& utf8) {
 std::string FromAnsi(const std::string& ansi) {
   const std::wstring wide = Decode(CP_ACP, ansi);
   return FromWide(wide.c_str(), static_cast<int>(wide.size()));
+}
+
+double LocalDateFromFileTime(const FILETIME& time) {
+  FILETIME local;
+  SYSTEMTIME civil;
+  ::FileTimeToLocalFileTime(&time, &local);
+  ::FileTimeToSystemTime(&local, &civil);
+  return DateFromCivil(civil.wYear, civil.wMonth, civil.wDay, civil.wHour, civil.wMinute,
+                       civil.wSecond);
 }
 
 }  // namespace kestrivon::platform::win

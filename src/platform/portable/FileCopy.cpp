@@ -1,0 +1,84 @@
+#include "platform/FileCopy.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+
+#include "platform/portable/Internal.h"
+
+namespace kestrivon::platform {
+namespace {
+
+constexpr uint32_t kErrorFileNotFound = 2;
+constexpr uint32_t kErrorAccessDenied = 5;
+
+// The failure's Win32 code, left as the last error; answers false.
+bool Fail(uint32_t code) {
+  portable::SetLastError(code);
+  return false;
+}
+
+uint32_t CodeOfErrno(int error) {
+  return error == ENOENT || error == ENOTDIR ? kErrorPathNotFound : kErrorAccessDenied;
+}
+
+}  // namespace
+
+bool CopyFileTo(const std::string& source, const std::string& target, bool overwrite) {
+  const std::string from = portable::ResolveHostPath(source);
+  const std::string to = portable::ResolveHostPath(target);
+  struct stat sourceStat {};
+  if (from.empty() || ::stat(from.c_str(), &sourceStat) != 0) return Fail(kErrorFileNotFound);
+  if (S_ISDIR(sourceStat.st_mode)) return Fail(kErrorAccessDenied);
+  struct stat targetStat {};
+  const bool targetExists = !to.empty() && ::stat(to.c_str(), &targetStat) == 0;
+  if (targetExists && !overwrite) return Fail(kErrorFileExists);
+  if (targetExists && (S_ISDIR(targetStat.st_mode) || portable::IsReadOnly(to))) {
+    return Fail(kErrorAccessDenied);
+  }
+  if (portable::IsFileHeld(from) || (targetExists && portable::IsFileHeld(to))) {
+    return Fail(kErrorSharingViolation);
+  }
+  const int in = ::open(from.c_str(), O_RDONLY | O_CLOEXEC);
+  if (in < 0) return Fail(CodeOfErrno(errno));
+  const int out =
+      to.empty() ? -1 : ::open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  if (out < 0) {
+    const int error = to.empty() ? ENOENT : errno;
+    ::close(in);
+    return Fail(CodeOfErrno(error));
+  }
+  char chunk[65536];
+  bool ok = true;
+  for (ssize_t n; ok && (n = ::read(in, chunk, sizeof chunk)) != 0;) {
+    ok = n > 0 && ::write(out, chunk, static_cast<size_t>(n)) == n;
+  }
+  ::close(in);
+  // The copy takes the source's attributes: read-only stays read-only.
+  ok = ::fchmod(out, sourceStat.st_mode & 07777) == 0 && ok;
+  if (::close(out) != 0 || !ok) return Fail(kErrorAccessDenied);
+  return true;
+}
+
+// Wine's texts for the codes that the portable calls leave.
+std::string SystemErrorText(uint32_t code) {
+  switch (code) {
+    case kErrorFileNotFound:
+      return "File not found.";
+    case kErrorPathNotFound:
+      return "Path not found.";
+    case kErrorAccessDenied:
+      return "Access denied.";
+    case kErrorSharingViolation:
+      return "Sharing violation.";
+    case kErrorFileExists:
+      return "File exists.";
+    default:
+      return "error " + std::to_string(code);
+  }
+}
+
+}  // namespace kestrivon::platform

@@ -1,0 +1,39 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "platform/Spooler.h"
+#include "support/SeamFixture.h"
+
+namespace kestrivon::test {
+namespace {
+
+using namespace kestrivon::platform;
+
+TEST(SpoolerConformance, OpensPrintersByNameAndCountsTheirJobs) {
+  TestPrinter printer("Kestrivon Test Printer", 7);
+  const struct {
+    const char* name;
+    bool opens;
+  } cases[] = {
+      {"Kestrivon Test Printer", true},
+      {"KESTRIVON test printer", true},
+      {"Kestrivon Test Printer 2", false},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    OwnedPrinter opened;
+    ASSERT_EQ(OpenPrinterByName(c.name, opened.Put()), c.opens);
+    if (!c.opens) {
+      EXPECT_FALSE(opened.Valid());
+      EXPECT_EQ(GetLastError(), kErrorInvalidPrinterName);
+      continue;
+    }
+    EXPECT_EQ(QueuedJobCount(opened.Get(), 5), std::min(printer.QueuedJobs(), 5u));
+    EXPECT_EQ(QueuedJobCount(opened.Get(), 100), printer.QueuedJobs());
+    EXPECT_EQ(PrinterStatus(opened.Get()), printer.QueuedJobs() > 0 ? 1u : 0u) << "paused or idle";
+  }
+}
+
+}  // namespace
+}  // namespace kestrivon::test
