@@ -2,7 +2,7 @@
 
 #include <regex>
 
-#include "ServiceHost.h"
+#include "RecordingHost.h"
 #include "platform/FileSystem.h"
 #include "platform/SystemNames.h"
 #include "platform/TempFiles.h"
@@ -18,7 +18,7 @@ using Entries = std::vector<std::pair<std::string, std::string>>;
 
 class IniTest : public ::testing::Test {
  protected:
-  ServiceHost host;
+  RecordingHost host;
   ScratchFolder folder;
   std::string ini = folder / "HARP.ini";
 };
@@ -68,10 +68,7 @@ TEST_F(IniTest, ADuplicateKeyIsReportedAndLeavesTheEntriesBeforeIt) {
   StringDictionary dictionary;
   EXPECT_FALSE(FillDictionaryFromIniFileSection(&dictionary, ini, "S"));
   EXPECT_EQ(dictionary.Entries(), (Entries{{"A", "1"}, {"B", "2"}}));
-  ASSERT_EQ(host.errors.size(), 1u);
-  EXPECT_EQ(host.errors[0].classLabel, "VemraKestrivon::Globals");
-  EXPECT_EQ(host.errors[0].procedureLabel, "Public Function 'FillDictionaryFromIniFileSection'");
-  EXPECT_EQ(host.errors[0].error.number, 457);
+  EXPECT_EQ(host.Numbers(), std::vector<int32_t>{457});
 }
 
 // A section whose listing (each line with its NUL, then the final NUL)
@@ -167,15 +164,12 @@ TEST_F(OutputFolderTest, ALevelThatCannotBeMadeIsReported) {
   const std::string base = folder.Path();
   WriteWholeFile(base + "\\blocker", "a file, not a folder");
   EXPECT_FALSE(CheckCreateOutputFolder(base + "\\blocker\\sub\\f.pdf"));
-  ASSERT_EQ(host.errors.size(), 1u);
-  EXPECT_EQ(host.errors[0].procedureLabel, "Function CheckCreateOutputFolder()");
-  EXPECT_EQ(host.errors[0].error.number, 58);
+  EXPECT_EQ(host.Numbers(), std::vector<int32_t>{58});
 }
 
 TEST_F(OutputFolderTest, AFileNameWithoutAFolderIsAnError) {
   EXPECT_FALSE(CheckCreateOutputFolder("file.pdf"));
-  ASSERT_EQ(host.errors.size(), 1u);
-  EXPECT_EQ(host.errors[0].error.number, 5);
+  EXPECT_EQ(host.Numbers(), std::vector<int32_t>{5});
   EXPECT_TRUE(host.traceLines.empty());
 }
 

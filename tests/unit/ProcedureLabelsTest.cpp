@@ -1,0 +1,136 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+
+#include "RecordingHost.h"
+#include "frame/RunTimeError.h"
+#include "frame/trace/Trace.h"
+#include "host/portable/Documents.h"
+#include "platform/TempFiles.h"
+#include "platform/portable/Clock.h"
+#include "platform/portable/FileSystem.h"
+#include "platform/portable/MessageQueue.h"
+#include "platform/portable/TempFiles.h"
+#include "printers/pdf/NoFile.h"
+#include "services/ExternalProcess.h"
+#include "services/IniFiles.h"
+#include "services/OutputFileWaiting.h"
+#include "services/RegistrySettings.h"
+#include "services/RevisionMessages.h"
+
+// Every procedure that can be made to fail, failed through a host call or a
+// platform hook: the labels its handler hands to LogError, and what it
+// answers then.
+
+namespace kestrivon::test {
+namespace {
+
+namespace pp = platform::portable;
+
+std::string Missing() {
+  return pp::WindowsPath((std::filesystem::temp_directory_path() / "kestrivon-absent").string());
+}
+
+struct LabelCase {
+  const char* reported;  // class label|procedure label
+  std::function<void(RecordingHost&)> provoke;
+};
+
+const LabelCase kCases[] = {
+    {"VemraKestrivon::Globals|PPMInit",
+     [](RecordingHost& host) {
+       host.getLevelFails = true;
+       PPMInit();
+     }},
+    {"VemraKestrivon::NoFile| Function IRevisionPrinter_DoPrint",
+     [](RecordingHost& host) {
+       host.writeTraceFails = true;
+       EXPECT_FALSE(NoFile().DoPrint(nullptr, nullptr, "C:\\Rev", "A"));
+     }},
+    {"VemraKestrivon::Globals|Public Function 'SyncShell'",
+     [](RecordingHost& host) {
+       host.writeTraceFails = true;
+       EXPECT_FALSE(SyncShell("true", 5000, false, true));
+     }},
+    {"VemraKestrivon::Globals|Private Function 'StartProcess'",
+     [](RecordingHost& host) {
+       host.writeTraceFails = true;
+       EXPECT_EQ(StartProcess("kestrivon_no_such_program.exe", true), 0u);
+     }},
+    {"VemraKestrivon::Globals|Public Function 'FillDictionaryFromIniFileSection'",
+     [](RecordingHost& host) {
+       host.writeTraceFails = true;
+       EXPECT_FALSE(FillDictionaryFromIniFileSection(nullptr, Missing(), "S"));
+     }},
+    {"VemraKestrivon::Globals|Function CheckCreateOutputFolder()",
+     [](RecordingHost& host) {
+       host.traceFailsOn = "was successfull";
+       const auto folder = pp::WindowsPath(std::filesystem::temp_directory_path().string());
+       EXPECT_TRUE(CheckCreateOutputFolder(folder)) << "the result held before the error";
+     }},
+    {"VemraKestrivon::Globals|Public Function TempFileName",
+     [](RecordingHost&) {
+       char saved[platform::kMaxPath] = {};
+       platform::GetTempPathA(platform::kMaxPath, saved);
+       pp::SetTempPath(Missing());
+       // No name is made; the steps after the failing one still run.
+       EXPECT_EQ(TempFileName("PS"), ".PS");
+       pp::SetTempPath(saved);
+     }},
+    {"VemraKestrivon::Globals|Function WaitWhileFileInAccess",
+     [](RecordingHost& host) {
+       pp::VirtualClock clock;
+       host.writeTraceFails = true;
+       EXPECT_FALSE(WaitWhileFileInAccess(Missing()));
+       EXPECT_EQ(clock.Sleeps(), 0u) << "the handler leaves at once";
+     }},
+    {"VemraKestrivon::Globals|Function MyDoEvents",
+     [](RecordingHost&) {
+       const auto window = pp::RegisterWindow(
+           [](const platform::Message&) -> std::intptr_t { Raise(vb_error::kInternalError); });
+       pp::PostMessage(window, 0x0113);
+       pp::PostMessage(window, 0x0113);
+       MyDoEvents();
+       EXPECT_EQ(pp::PendingMessages(), 1u) << "the rest waits for the next pass";
+       pp::UnregisterWindow(window);
+       pp::ClearMessageQueue();
+     }},
+    {"VemraKestrivon::Globals|Function FileCreationDateCheck",
+     [](RecordingHost&) { EXPECT_FALSE(FileCreationDateCheck(0, Missing())); }},
+    {"VemraKestrivon::Globals|Sub DeleteTempOutputFile",
+     [](RecordingHost&) { DeleteTempOutputFile(Missing()); }},
+    {"VemraKestrivon::Globals|ExistKey",
+     [](RecordingHost& host) {
+       host.writeTraceFails = true;
+       EXPECT_FALSE(ExistKey(kHKeyCurrentUser, "Software\\KestrivonAbsent"));
+     }},
+    {"VemraKestrivon::Globals|Public Function GetRevisionSleeper()",
+     [](RecordingHost& host) {
+       host.writeTraceFails = true;
+       EXPECT_EQ(GetRevisionSleeper(), 0);
+       host.writeTraceFails = false;
+       EXPECT_EQ(GetRevisionSleeper(), 2000) << "the value was cached before the error";
+     }},
+    {"VemraKestrivon::Globals|Sub ShowMessage",
+     [](RecordingHost& host) {
+       ShowMessage("~05d86 Printer is not installed", 16, "t", nullptr);
+       EXPECT_TRUE(host.messageBoxes.empty());
+     }},
+    {"VemraKestrivon::Globals|Function ShowRevMessages",
+     [](RecordingHost&) {
+       EXPECT_TRUE(ShowRevMessages(std::make_shared<host::portable::DocumentObject>()));
+     }},
+};
+
+TEST(ProcedureLabels, AreHandedToLogErrorAsTheyStand) {
+  for (const LabelCase& c : kCases) {
+    SCOPED_TRACE(c.reported);
+    RecordingHost host;
+    c.provoke(host);
+    EXPECT_EQ(host.reports, Lines{c.reported});
+  }
+}
+
+}  // namespace
+}  // namespace kestrivon::test
