@@ -34,42 +34,33 @@ std::string Missing() {
 
 struct LabelCase {
   const char* reported;  // class label|procedure label
+  bool traceFails;       // the host's WriteTrace fails
   std::function<void(RecordingHost&)> provoke;
 };
 
 const LabelCase kCases[] = {
-    {"VemraKestrivon::Globals|PPMInit",
+    {"VemraKestrivon::Globals|PPMInit", false,
      [](RecordingHost& host) {
        host.getLevelFails = true;
        PPMInit();
      }},
-    {"VemraKestrivon::NoFile| Function IRevisionPrinter_DoPrint",
-     [](RecordingHost& host) {
-       host.writeTraceFails = true;
-       EXPECT_FALSE(NoFile().DoPrint(nullptr, nullptr, "C:\\Rev", "A"));
-     }},
-    {"VemraKestrivon::Globals|Public Function 'SyncShell'",
-     [](RecordingHost& host) {
-       host.writeTraceFails = true;
-       EXPECT_FALSE(SyncShell("true", 5000, false, true));
-     }},
-    {"VemraKestrivon::Globals|Private Function 'StartProcess'",
-     [](RecordingHost& host) {
-       host.writeTraceFails = true;
-       EXPECT_EQ(StartProcess("kestrivon_no_such_program.exe", true), 0u);
-     }},
-    {"VemraKestrivon::Globals|Public Function 'FillDictionaryFromIniFileSection'",
-     [](RecordingHost& host) {
-       host.writeTraceFails = true;
+    {"VemraKestrivon::NoFile| Function IRevisionPrinter_DoPrint", true,
+     [](RecordingHost&) { EXPECT_FALSE(NoFile().DoPrint(nullptr, nullptr, "C:\\Rev", "A")); }},
+    {"VemraKestrivon::Globals|Public Function 'SyncShell'", true,
+     [](RecordingHost&) { EXPECT_FALSE(SyncShell("true", 5000, false, true)); }},
+    {"VemraKestrivon::Globals|Private Function 'StartProcess'", true,
+     [](RecordingHost&) { EXPECT_EQ(StartProcess("kestrivon_no_such_program.exe", true), 0u); }},
+    {"VemraKestrivon::Globals|Public Function 'FillDictionaryFromIniFileSection'", true,
+     [](RecordingHost&) {
        EXPECT_FALSE(FillDictionaryFromIniFileSection(nullptr, Missing(), "S"));
      }},
-    {"VemraKestrivon::Globals|Function CheckCreateOutputFolder()",
+    {"VemraKestrivon::Globals|Function CheckCreateOutputFolder()", false,
      [](RecordingHost& host) {
        host.traceFailsOn = "was successfull";
        const auto folder = pp::WindowsPath(std::filesystem::temp_directory_path().string());
        EXPECT_TRUE(CheckCreateOutputFolder(folder)) << "the result held before the error";
      }},
-    {"VemraKestrivon::Globals|Public Function TempFileName",
+    {"VemraKestrivon::Globals|Public Function TempFileName", false,
      [](RecordingHost&) {
        char saved[platform::kMaxPath] = {};
        platform::GetTempPathA(platform::kMaxPath, saved);
@@ -78,14 +69,13 @@ const LabelCase kCases[] = {
        EXPECT_EQ(TempFileName("PS"), ".PS");
        pp::SetTempPath(saved);
      }},
-    {"VemraKestrivon::Globals|Function WaitWhileFileInAccess",
-     [](RecordingHost& host) {
+    {"VemraKestrivon::Globals|Function WaitWhileFileInAccess", true,
+     [](RecordingHost&) {
        pp::VirtualClock clock;
-       host.writeTraceFails = true;
        EXPECT_FALSE(WaitWhileFileInAccess(Missing()));
        EXPECT_EQ(clock.Sleeps(), 0u) << "the handler leaves at once";
      }},
-    {"VemraKestrivon::Globals|Function MyDoEvents",
+    {"VemraKestrivon::Globals|Function MyDoEvents", false,
      [](RecordingHost&) {
        const auto window = pp::RegisterWindow(
            [](const platform::Message&) -> std::intptr_t { Raise(vb_error::kInternalError); });
@@ -96,28 +86,24 @@ const LabelCase kCases[] = {
        pp::UnregisterWindow(window);
        pp::ClearMessageQueue();
      }},
-    {"VemraKestrivon::Globals|Function FileCreationDateCheck",
+    {"VemraKestrivon::Globals|Function FileCreationDateCheck", false,
      [](RecordingHost&) { EXPECT_FALSE(FileCreationDateCheck(0, Missing())); }},
-    {"VemraKestrivon::Globals|Sub DeleteTempOutputFile",
+    {"VemraKestrivon::Globals|Sub DeleteTempOutputFile", false,
      [](RecordingHost&) { DeleteTempOutputFile(Missing()); }},
-    {"VemraKestrivon::Globals|ExistKey",
+    {"VemraKestrivon::Globals|ExistKey", true,
+     [](RecordingHost&) { EXPECT_FALSE(ExistKey(kHKeyCurrentUser, "Software\\Absent")); }},
+    {"VemraKestrivon::Globals|Public Function GetRevisionSleeper()", true,
      [](RecordingHost& host) {
-       host.writeTraceFails = true;
-       EXPECT_FALSE(ExistKey(kHKeyCurrentUser, "Software\\KestrivonAbsent"));
-     }},
-    {"VemraKestrivon::Globals|Public Function GetRevisionSleeper()",
-     [](RecordingHost& host) {
-       host.writeTraceFails = true;
        EXPECT_EQ(GetRevisionSleeper(), 0);
        host.writeTraceFails = false;
        EXPECT_EQ(GetRevisionSleeper(), 2000) << "the value was cached before the error";
      }},
-    {"VemraKestrivon::Globals|Sub ShowMessage",
+    {"VemraKestrivon::Globals|Sub ShowMessage", false,
      [](RecordingHost& host) {
        ShowMessage("~05d86 Printer is not installed", 16, "t", nullptr);
        EXPECT_TRUE(host.messageBoxes.empty());
      }},
-    {"VemraKestrivon::Globals|Function ShowRevMessages",
+    {"VemraKestrivon::Globals|Function ShowRevMessages", false,
      [](RecordingHost&) {
        EXPECT_TRUE(ShowRevMessages(std::make_shared<host::portable::DocumentObject>()));
      }},
@@ -127,6 +113,7 @@ TEST(ProcedureLabels, AreHandedToLogErrorAsTheyStand) {
   for (const LabelCase& c : kCases) {
     SCOPED_TRACE(c.reported);
     RecordingHost host;
+    host.writeTraceFails = c.traceFails;
     c.provoke(host);
     EXPECT_EQ(host.reports, Lines{c.reported});
   }

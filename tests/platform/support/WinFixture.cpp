@@ -39,34 +39,13 @@ REGSAM ViewFlag(View view) { return view == View::k64 ? KEY_WOW64_64KEY : KEY_WO
 
 HKEY Hive(platform::HKey hive) { return reinterpret_cast<HKEY>(hive); }
 
+// Once its recorder is set, the window records what reaches it and does
+// nothing else (so a WM_CLOSE does not destroy it).
 LRESULT CALLBACK RecordingProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   auto* recorder = reinterpret_cast<RecordingWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
-  if (recorder != nullptr) {
-    switch (message) {
-      case WM_TIMER:
-      case WM_CLOSE:
-      case WM_DESTROY:
-      case WM_NCDESTROY:
-      case WM_CHAR:
-      case WM_KEYDOWN:
-      case WM_USER + 1:
-      case WM_NCLBUTTONDOWN:
-      case WM_NCLBUTTONUP:
-      case WM_NCLBUTTONDBLCLK:
-      case WM_NCRBUTTONDOWN:
-      case WM_NCRBUTTONUP:
-      case WM_LBUTTONDOWN:
-      case WM_LBUTTONUP:
-      case WM_LBUTTONDBLCLK:
-      case WM_RBUTTONDOWN:
-      case WM_RBUTTONUP:
-        recorder->received.push_back({message, wParam});
-        return 0;
-      default:
-        break;
-    }
-  }
-  return DefWindowProcA(window, message, wParam, lParam);
+  if (recorder == nullptr) return DefWindowProcA(window, message, wParam, lParam);
+  recorder->received.push_back({message, wParam});
+  return 0;
 }
 
 const char* RecordingClass() {
