@@ -19,56 +19,16 @@ RunTimeError HostCallFailed(const std::string& what) {
   return RunTimeError(static_cast<int32_t>(0x80004005), what + " failed");
 }
 
-class RecordingTraceService : public host::TraceService {
- public:
-  explicit RecordingTraceService(RecordingHost& host) : host_(host) {}
-  void LogError(const host::ErrorInfo& error, const std::string& classLabel,
-                const std::string& procedureLabel) override {
-    if (host_.logErrorFails) throw HostCallFailed("LogError");
-    host_.errors.push_back(error);
-    host_.reports.push_back(classLabel + "|" + procedureLabel);
-  }
-  std::string ResolveText(const std::string& text) override { return text; }
-  int32_t CurrentTicks() override { return static_cast<int32_t>(platform::GetTickCount()); }
-  void WriteTrace(const std::string& line) override {
-    const bool fails =
-        host_.writeTraceFails ||
-        (!host_.traceFailsOn.empty() && line.find(host_.traceFailsOn) != std::string::npos);
-    if (fails && host_.traceError) std::rethrow_exception(host_.traceError);
-    if (fails) throw HostCallFailed("WriteTrace");
-    host_.traceLines.push_back(line);
-  }
-  int32_t ShowMessageBox(const std::string& prompt, int32_t buttons,
-                         const std::string& title) override {
-    host_.messageBoxes.push_back({prompt, buttons, title});
-    return 1;
-  }
-  bool CopyFile(const std::string&, const std::string&, bool) override { return false; }
-
- private:
-  RecordingHost& host_;
-};
-
-class RecordingMonitor : public host::InstanceMonitor {
- public:
-  explicit RecordingMonitor(RecordingHost& host) : host_(host) {}
-  void RegisterCounter(const std::string& name, int32_t* counter) override {
-    host_.counters[name] = counter;
-  }
-  int32_t GetLevel() override {
-    ++host_.getLevelCalls;
-    if (host_.getLevelFails) throw HostCallFailed("GetLevel");
-    return host_.level;
-  }
-
- private:
-  RecordingHost& host_;
-};
-
 // The component's process-wide state, as a fresh load has it.
 void Reload() {
   ResetTraceStateForReload();
   ResetRevisionSleeperForReload();
+}
+
+// The host's object is this one, which the test owns.
+template <class T>
+std::shared_ptr<T> Unowned(T* object) {
+  return std::shared_ptr<T>(std::shared_ptr<T>(), object);
 }
 
 }  // namespace
@@ -79,12 +39,12 @@ RecordingHost::RecordingHost() {
       [this]() -> std::shared_ptr<host::TraceService> {
         if (traceServiceMissing) return nullptr;
         ++traceServicesCreated;
-        return std::make_shared<RecordingTraceService>(*this);
+        return Unowned<host::TraceService>(this);
       },
       [this]() -> std::shared_ptr<host::InstanceMonitor> {
         if (monitorMissing) return nullptr;
         ++monitorsCreated;
-        return std::make_shared<RecordingMonitor>(*this);
+        return Unowned<host::InstanceMonitor>(this);
       },
   });
 #ifndef _WIN32
@@ -101,6 +61,35 @@ RecordingHost::~RecordingHost() {
 #ifndef _WIN32
   platform::portable::SetDebugSink(nullptr);
 #endif
+}
+
+void RecordingHost::LogError(const host::ErrorInfo& error, const std::string& classLabel,
+                             const std::string& procedureLabel) {
+  if (logErrorFails) throw HostCallFailed("LogError");
+  errors.push_back(error);
+  reports.push_back(classLabel + "|" + procedureLabel);
+}
+
+int32_t RecordingHost::CurrentTicks() { return static_cast<int32_t>(platform::GetTickCount()); }
+
+void RecordingHost::WriteTrace(const std::string& line) {
+  if (writeTraceFails || (!traceFailsOn.empty() && line.find(traceFailsOn) != std::string::npos)) {
+    if (traceError) std::rethrow_exception(traceError);
+    throw HostCallFailed("WriteTrace");
+  }
+  traceLines.push_back(line);
+}
+
+int32_t RecordingHost::ShowMessageBox(const std::string& prompt, int32_t buttons,
+                                      const std::string& title) {
+  messageBoxes.push_back({prompt, buttons, title});
+  return 1;
+}
+
+int32_t RecordingHost::GetLevel() {
+  ++getLevelCalls;
+  if (getLevelFails) throw HostCallFailed("GetLevel");
+  return level;
 }
 
 int32_t RecordingHost::Counter(const std::string& name) const {

@@ -13,12 +13,13 @@ namespace kestrivon::test {
 using Lines = std::vector<std::string>;
 
 // The host's TraceService and InstanceMonitor for one test, on both sides:
-// they record what the component does to them and fail on request. The
-// tick count is the platform's, so that a virtual clock drives it.
-class RecordingHost {
+// installed in place of the host's classes, they record what the component
+// does to them and fail on request. The tick count is the platform's, so
+// that a virtual clock drives it.
+class RecordingHost : public host::TraceService, public host::InstanceMonitor {
  public:
   RecordingHost();
-  ~RecordingHost();
+  ~RecordingHost() override;
   RecordingHost(const RecordingHost&) = delete;
   RecordingHost& operator=(const RecordingHost&) = delete;
 
@@ -57,6 +58,19 @@ class RecordingHost {
   [[nodiscard]] size_t Count(const std::string& line) const;
   // The reported errors' numbers.
   [[nodiscard]] std::vector<int32_t> Numbers() const;
+
+  void LogError(const host::ErrorInfo& error, const std::string& classLabel,
+                const std::string& procedureLabel) override;
+  std::string ResolveText(const std::string& text) override { return text; }
+  int32_t CurrentTicks() override;
+  void WriteTrace(const std::string& line) override;
+  int32_t ShowMessageBox(const std::string& prompt, int32_t buttons,
+                         const std::string& title) override;
+  bool CopyFile(const std::string&, const std::string&, bool) override { return false; }
+  void RegisterCounter(const std::string& name, int32_t* counter) override {
+    counters[name] = counter;
+  }
+  int32_t GetLevel() override;
 };
 
 }  // namespace kestrivon::test
