@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "platform/Registry.h"
 #include "support/Fixture.h"
 
@@ -14,26 +12,10 @@ constexpr const char* kBase = "Software\\KestrivonConformance";
 constexpr uint32_t kRead = 0x19;
 constexpr uint32_t kWrite = 0x3F;
 
-std::string Sz(const std::string& text) { return text + '\0'; }
-
-std::string Dword(uint32_t value) {
-  std::string bytes(4, '\0');
-  std::memcpy(bytes.data(), &value, 4);
-  return bytes;
-}
-
 class RegistryConformance : public ::testing::Test {
  protected:
-  void SetUp() override { Clean(); }
-  void TearDown() override { Clean(); }
-  static void Clean() {
-    for (View view : {View::k32, View::k64}) {
-      DeleteTestKey(view, kHKeyCurrentUser, kBase);
-      DeleteTestKey(view, kHKeyLocalMachine, kBase);
-    }
-  }
+  ScratchKeys keys{{kBase}};
   static std::string Path(const std::string& sub) { return std::string(kBase) + "\\" + sub; }
-  static View ProcessView() { return Is64BitProcess() ? View::k64 : View::k32; }
 
   // Opens, runs the check and closes again.
   static int32_t OpenResult(HKey hive, const std::string& path, uint32_t access) {

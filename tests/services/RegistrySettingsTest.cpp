@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <optional>
 
 #include "RecordingHost.h"
@@ -16,33 +15,14 @@ constexpr const char* kBase = "Software\\KestrivonServicesTest";
 constexpr platform::HKey kUser = platform::kHKeyCurrentUser;
 constexpr platform::HKey kMachine = platform::kHKeyLocalMachine;
 
-std::string Dword(uint32_t value) {
-  std::string bytes(4, '\0');
-  std::memcpy(bytes.data(), &value, 4);
-  return bytes;
-}
-
-std::string Sz(const std::string& text) { return text + '\0'; }
-
-View ProcessView() { return Is64BitProcess() ? View::k64 : View::k32; }
-
 class RegistryTest : public ::testing::Test {
  protected:
-  void SetUp() override { Clean(); }
-  void TearDown() override { Clean(); }
-  static void Clean() {
-    for (View view : {View::k32, View::k64}) {
-      for (platform::HKey hive : {kUser, kMachine}) {
-        DeleteTestKey(view, hive, kBase);
-        DeleteTestKey(view, hive, "Software\\HALDRIM");
-      }
-    }
-  }
   static std::string Path(const std::string& sub) { return std::string(kBase) + "\\" + sub; }
   static void Put(platform::HKey hive, const std::string& path, const std::string& name,
                   uint32_t type, const std::string& bytes) {
     SetTestValue(ProcessView(), hive, path, name, type, bytes);
   }
+  ScratchKeys keys{{kBase, "Software\\HALDRIM"}};
   RecordingHost host;
 };
 
@@ -180,7 +160,7 @@ TEST_F(RevisionSleeperTest, ReadsSecondsFromTheMachineThenTheUser) {
   };
   for (const Case& c : kCases) {
     SCOPED_TRACE(c.what);
-    Clean();
+    keys.Clean();
     ResetRevisionSleeperForReload();
     host.traceLines.clear();
     if (c.hive != 0) Sleeper(c.hive, c.type, c.bytes);

@@ -5,6 +5,7 @@
 // the host system). The tests themselves call only the seam.
 
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -64,6 +65,34 @@ void CreateTestKey(View view, platform::HKey hive, const std::string& path);
 void SetTestValue(View view, platform::HKey hive, const std::string& path, const std::string& name,
                   uint32_t type, const std::string& bytes);
 void DeleteTestKey(View view, platform::HKey hive, const std::string& path);
+inline View ProcessView() { return Is64BitProcess() ? View::k64 : View::k32; }
+
+// Keys that are gone, in both views of both hives, before and after a test.
+class ScratchKeys {
+ public:
+  explicit ScratchKeys(std::vector<std::string> paths) : paths_(std::move(paths)) { Clean(); }
+  ~ScratchKeys() { Clean(); }
+  ScratchKeys(const ScratchKeys&) = delete;
+  ScratchKeys& operator=(const ScratchKeys&) = delete;
+  void Clean() const {
+    for (View view : {View::k32, View::k64}) {
+      for (platform::HKey hive : {platform::kHKeyCurrentUser, platform::kHKeyLocalMachine}) {
+        for (const auto& path : paths_) DeleteTestKey(view, hive, path);
+      }
+    }
+  }
+
+ private:
+  std::vector<std::string> paths_;
+};
+
+// Value data as RegSetValueExA is given them.
+inline std::string Sz(const std::string& text) { return text + '\0'; }
+inline std::string Dword(uint32_t value) {
+  std::string bytes(4, '\0');
+  std::memcpy(bytes.data(), &value, 4);
+  return bytes;
+}
 
 // A window of the calling thread that records what is dispatched to it.
 class RecordingWindow {
