@@ -99,7 +99,7 @@ TEST(ProcessesConformance, AProgramThatDoesNotExistIsNotStarted) {
 TEST(ProcessesConformance, ArgumentsFollowTheRunTimeRules) {
   ScratchFolder folder;
   const std::string out = folder / "args.txt";
-  ExitCodeOf(Quoted(ChildProgram()) + " args " + Quoted(ChildArgumentPath(out)) +
+  ExitCodeOf(Quoted(ChildProgram()) + " args " + Quoted(NativePath(out)) +
              R"( a "b c" d\"e "f\\" g)");
   EXPECT_EQ(ReadWholeFile(out), "a\nb c\nd\"e\nf\\\ng\n");
 }

@@ -38,8 +38,7 @@ TEST_F(SyncShellTest, AnExitCodeIsNoFailure) {
 TEST_F(SyncShellTest, ATimeOutLeavesTheProgramRunning) {
   ScratchFolder folder;
   const std::string marker = folder / "done.txt";
-  EXPECT_FALSE(
-      SyncShell(Child("late 1500 \"" + ChildArgumentPath(marker) + "\""), 200, false, true));
+  EXPECT_FALSE(SyncShell(Child("late 1500 \"" + NativePath(marker) + "\""), 200, false, true));
   EXPECT_FALSE(PathExists(marker));
   ASSERT_EQ(host.traceLines.size(), 3u);
   EXPECT_EQ(host.traceLines[1], Finished("258"));

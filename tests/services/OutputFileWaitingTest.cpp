@@ -72,17 +72,6 @@ TEST_F(FileAccessTest, TestForFileAccessOpensExclusively) {
   EXPECT_TRUE(host.errors.empty()) << "the expected failure is not an error";
 }
 
-TEST_F(FileAccessTest, WaitEndsWhenTheOtherProcessLetsGo) {
-  const std::string path = folder / "out.pdf";
-  WriteWholeFile(path, "%PDF");
-  FileHolder holder(path, 1500);
-  EXPECT_TRUE(WaitWhileFileInAccess(path));
-  EXPECT_GE(host.Count(kGrowing), 1u);
-  ASSERT_EQ(host.Count(kPrinted), 1u);
-  EXPECT_EQ(host.traceLines.back(), kPrinted);
-  EXPECT_EQ(host.Count(kMissing), 0u);
-}
-
 TEST_F(FileAccessTest, CreationDateCheck) {
   const std::string path = folder / "out.pdf";
   WriteWholeFile(path, "x");

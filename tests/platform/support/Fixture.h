@@ -2,7 +2,8 @@
 
 // What the conformance tests need around the platform seam, done per side
 // with the side's own means (Win32 calls, or the portable side's hooks and
-// the host system). The tests themselves call only the seam.
+// the host system), the files through the standard library on both
+// (Fixture.cpp). The tests themselves call only the seam.
 
 #include <cstdint>
 #include <cstring>
@@ -37,10 +38,12 @@ void MakeFolder(const std::string& path);
 void SetReadOnly(const std::string& path, bool readOnly);
 std::string WindowsDirectory();
 
-// The helper program next to the test program (Windows path), and a path
-// as the helper must be given it on its command line.
+// The side's own form of a Windows path, as the standard library and the
+// helper program take it.
+std::string NativePath(const std::string& path);
+
+// The helper program next to the test program (Windows path).
 std::string ChildProgram();
-std::string ChildArgumentPath(const std::string& path);
 // Copies the helper program, keeping it runnable.
 void CopyChildProgram(const std::string& target);
 
