@@ -42,12 +42,12 @@ class RecordingHost : public host::TraceService, public host::InstanceMonitor {
   Lines debugLines;  // portable side only
   std::vector<host::ErrorInfo> errors;
   Lines reports;  // per error: "class label|procedure label"
-  struct MessageBox {
+  struct ShownBox {
     std::string prompt;
     int32_t buttons;
     std::string title;
   };
-  std::vector<MessageBox> messageBoxes;
+  std::vector<ShownBox> messageBoxes;
   int getLevelCalls = 0;
   int monitorsCreated = 0;
   int traceServicesCreated = 0;
