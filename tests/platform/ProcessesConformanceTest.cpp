@@ -32,6 +32,17 @@ void CloseBoth(const ProcessInformation& information) {
   EXPECT_TRUE(CloseHandle(information.thread));
 }
 
+// Runs the command line to its end: its exit code, or -1 when it did not start.
+int64_t ExitCodeOf(const std::string& commandLine) {
+  ProcessInformation information;
+  if (!CreateProcessA(commandLine, true, kNormalPriorityClass, Hidden(), &information)) return -1;
+  EXPECT_EQ(WaitForSingleObject(information.process, 10000), kWaitObject0);
+  uint32_t code = 0;
+  EXPECT_TRUE(GetExitCodeProcess(information.process, &code));
+  CloseBoth(information);
+  return code;
+}
+
 TEST(ProcessesConformance, WaitEndsWithTheProcessAndKeepsItsExitCode) {
   const ProcessInformation information = Start("exit 3");
   EXPECT_NE(information.process, 0u);
@@ -70,50 +81,26 @@ TEST(ProcessesConformance, ProgramLookUp) {
   ScratchFolder folder;
   const std::string blank = folder / "with blank";
   MakeFolder(blank);
-  const std::string copy = blank + "\\child.exe";
-  CopyChildProgram(copy);
-  ProcessInformation information;
-  ASSERT_TRUE(
-      CreateProcessA(Quoted(copy) + " exit 5", true, kNormalPriorityClass, Hidden(), &information));
-  EXPECT_EQ(WaitForSingleObject(information.process, 10000), kWaitObject0);
-  uint32_t code = 0;
-  GetExitCodeProcess(information.process, &code);
-  EXPECT_EQ(code, 5u);
-  CloseBoth(information);
-
-  ASSERT_TRUE(
-      CreateProcessA(blank + "\\child exit 6", true, kNormalPriorityClass, Hidden(), &information))
+  CopyChildProgram(blank + "\\child.exe");
+  EXPECT_EQ(ExitCodeOf(Quoted(blank + "\\child.exe") + " exit 5"), 5);
+  EXPECT_EQ(ExitCodeOf(blank + "\\child exit 6"), 6)
       << "an unquoted path with a blank is tried word by word";
-  EXPECT_EQ(WaitForSingleObject(information.process, 10000), kWaitObject0);
-  GetExitCodeProcess(information.process, &code);
-  EXPECT_EQ(code, 6u);
-  CloseBoth(information);
-
-  ASSERT_TRUE(CreateProcessA("kestrivon_test_child exit 7", true, kNormalPriorityClass, Hidden(),
-                             &information));
-  EXPECT_EQ(WaitForSingleObject(information.process, 10000), kWaitObject0);
-  GetExitCodeProcess(information.process, &code);
-  EXPECT_EQ(code, 7u) << "a bare name is found next to the calling program";
-  CloseBoth(information);
+  EXPECT_EQ(ExitCodeOf("kestrivon_test_child exit 7"), 7)
+      << "a bare name is found next to the calling program";
 }
 
 TEST(ProcessesConformance, AProgramThatDoesNotExistIsNotStarted) {
-  ProcessInformation information;
-  EXPECT_FALSE(CreateProcessA("kestrivon_no_such_program.exe /x", true, kNormalPriorityClass,
-                              Hidden(), &information));
+  EXPECT_EQ(ExitCodeOf("kestrivon_no_such_program.exe /x"), -1);
   EXPECT_EQ(GetLastError(), 2u);
-  EXPECT_FALSE(CreateProcessA("\"C:\\no such\\prog.exe\" a", true, kNormalPriorityClass, Hidden(),
-                              &information));
+  EXPECT_EQ(ExitCodeOf("\"C:\\no such\\prog.exe\" a"), -1);
   EXPECT_EQ(GetLastError(), 2u);
 }
 
 TEST(ProcessesConformance, ArgumentsFollowTheRunTimeRules) {
   ScratchFolder folder;
   const std::string out = folder / "args.txt";
-  const ProcessInformation information =
-      Start("args " + Quoted(ChildArgumentPath(out)) + R"( a "b c" d\"e "f\\" g)");
-  EXPECT_EQ(WaitForSingleObject(information.process, 10000), kWaitObject0);
-  CloseBoth(information);
+  ExitCodeOf(Quoted(ChildProgram()) + " args " + Quoted(NativePath(out)) +
+             R"( a "b c" d\"e "f\\" g)");
   EXPECT_EQ(ReadWholeFile(out), "a\nb c\nd\"e\nf\\\ng\n");
 }
 

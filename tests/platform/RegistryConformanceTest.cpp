@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "platform/Registry.h"
 #include "support/Fixture.h"
 
@@ -14,26 +12,10 @@ constexpr const char* kBase = "Software\\KestrivonConformance";
 constexpr uint32_t kRead = 0x19;
 constexpr uint32_t kWrite = 0x3F;
 
-std::string Sz(const std::string& text) { return text + '\0'; }
-
-std::string Dword(uint32_t value) {
-  std::string bytes(4, '\0');
-  std::memcpy(bytes.data(), &value, 4);
-  return bytes;
-}
-
 class RegistryConformance : public ::testing::Test {
  protected:
-  void SetUp() override { Clean(); }
-  void TearDown() override { Clean(); }
-  static void Clean() {
-    for (View view : {View::k32, View::k64}) {
-      DeleteTestKey(view, kHKeyCurrentUser, kBase);
-      DeleteTestKey(view, kHKeyLocalMachine, kBase);
-    }
-  }
+  ScratchKeys keys{{kBase}};
   static std::string Path(const std::string& sub) { return std::string(kBase) + "\\" + sub; }
-  static View ProcessView() { return Is64BitProcess() ? View::k64 : View::k32; }
 
   // Opens, runs the check and closes again.
   static int32_t OpenResult(HKey hive, const std::string& path, uint32_t access) {
@@ -81,73 +63,47 @@ TEST_F(RegistryConformance, ClosingAnswersByHandle) {
   EXPECT_EQ(RegCloseKey(key), kErrorSuccess);
 }
 
-TEST_F(RegistryConformance, QueryGivesTypeAndSizeWithoutABuffer) {
+TEST_F(RegistryConformance, QueryAnswersTypeSizeAndData) {
   SetTestValue(ProcessView(), kHKeyCurrentUser, Path("Q"), "Text", kRegSz, Sz("abc"));
-  SetTestValue(ProcessView(), kHKeyCurrentUser, Path("Q"), "Number", kRegDword, Dword(70000));
-  SetTestValue(ProcessView(), kHKeyCurrentUser, Path("Q"), "Bytes", kRegBinary,
-               std::string("\x07\x08\x09", 3));
-  HKey key = 0;
-  ASSERT_EQ(RegOpenKeyExA(kHKeyCurrentUser, Path("Q"), 0, kRead, &key), kErrorSuccess);
-  struct Expected {
-    const char* name;
-    uint32_t type;
-    uint32_t size;
-  };
-  for (const Expected& e : {Expected{"Text", kRegSz, 4}, Expected{"Number", kRegDword, 4},
-                            Expected{"Bytes", kRegBinary, 3}, Expected{"TEXT", kRegSz, 4}}) {
-    uint32_t type = 0;
-    uint32_t size = 0;
-    EXPECT_EQ(RegQueryValueExA(key, e.name, &type, nullptr, &size), kErrorSuccess) << e.name;
-    EXPECT_EQ(type, e.type) << e.name;
-    EXPECT_EQ(size, e.size) << e.name;
-  }
-  uint32_t type = 0;
-  uint32_t size = 0;
-  EXPECT_EQ(RegQueryValueExA(key, "Absent", &type, nullptr, &size), kErrorFileNotFound);
-  RegCloseKey(key);
-}
-
-TEST_F(RegistryConformance, StringIntoABufferOneLargerKeepsTheSpareByte) {
-  SetTestValue(ProcessView(), kHKeyCurrentUser, Path("Q"), "Text", kRegSz, Sz("abc"));
-  HKey key = 0;
-  ASSERT_EQ(RegOpenKeyExA(kHKeyCurrentUser, Path("Q"), 0, kRead, &key), kErrorSuccess);
-  uint32_t size = 0;
-  ASSERT_EQ(RegQueryValueExA(key, "Text", nullptr, nullptr, &size), kErrorSuccess);
-  std::string buffer(size + 1, ' ');
-  EXPECT_EQ(RegQueryValueExA(key, "Text", nullptr, buffer.data(), &size), kErrorSuccess);
-  EXPECT_EQ(buffer, std::string("abc\0 ", 5));
-  EXPECT_EQ(size, 4u);
-  RegCloseKey(key);
-}
-
-TEST_F(RegistryConformance, NumbersAndBytesIntoSmallBuffers) {
   SetTestValue(ProcessView(), kHKeyCurrentUser, Path("Q"), "Number", kRegDword, Dword(70000));
   SetTestValue(ProcessView(), kHKeyCurrentUser, Path("Q"), "One", kRegBinary, "\x2A");
-  SetTestValue(ProcessView(), kHKeyCurrentUser, Path("Q"), "Three", kRegBinary,
-               std::string("\x07\x08\x09", 3));
-  SetTestValue(ProcessView(), kHKeyCurrentUser, Path("Q"), "Text", kRegSz, Sz("abc"));
+  SetTestValue(ProcessView(), kHKeyCurrentUser, Path("Q"), "Three", kRegBinary, "\x07\x08\x09");
   HKey key = 0;
   ASSERT_EQ(RegOpenKeyExA(kHKeyCurrentUser, Path("Q"), 0, kRead, &key), kErrorSuccess);
-
-  int32_t number = 0;
-  uint32_t size = 4;
-  EXPECT_EQ(RegQueryValueExA(key, "Number", nullptr, &number, &size), kErrorSuccess);
-  EXPECT_EQ(number, 70000);
-
-  number = 0;
-  size = 1;
-  EXPECT_EQ(RegQueryValueExA(key, "One", nullptr, &number, &size), kErrorSuccess);
-  EXPECT_EQ(number, 42);
-  EXPECT_EQ(size, 1u);
-
-  size = 1;
-  EXPECT_EQ(RegQueryValueExA(key, "Three", nullptr, &number, &size), kErrorMoreData);
-  EXPECT_EQ(size, 3u);
-
-  char small[2];
-  size = 2;
-  EXPECT_EQ(RegQueryValueExA(key, "Text", nullptr, small, &size), kErrorMoreData);
-  EXPECT_EQ(size, 4u);
+  struct Case {
+    const char* name;
+    uint32_t given;  // the size passed in; 0: no buffer, type and size only
+    int32_t status;
+    uint32_t type;
+    uint32_t size;
+    const char* data;  // the 6-byte buffer of blanks afterwards
+  };
+  for (const Case& c : {
+           Case{"Text", 0, kErrorSuccess, kRegSz, 4, "      "},
+           Case{"TEXT", 0, kErrorSuccess, kRegSz, 4, "      "},
+           Case{"Number", 0, kErrorSuccess, kRegDword, 4, "      "},
+           Case{"Three", 0, kErrorSuccess, kRegBinary, 3, "      "},
+           Case{"Absent", 0, kErrorFileNotFound, 0, 0, nullptr},
+           // A string's size counts its NUL; the byte past it is left alone.
+           Case{"Text", 4, kErrorSuccess, kRegSz, 4, "abc\0  "},
+           Case{"Number", 4, kErrorSuccess, kRegDword, 4, "\x70\x11\x01\0  "},
+           Case{"One", 1, kErrorSuccess, kRegBinary, 1, "\x2A     "},
+           Case{"Three", 1, kErrorMoreData, kRegBinary, 3, nullptr},
+           Case{"Text", 2, kErrorMoreData, kRegSz, 4, nullptr},
+       }) {
+    SCOPED_TRACE(std::string(c.name) + " into " + std::to_string(c.given));
+    uint32_t type = 0;
+    uint32_t size = c.given;
+    std::string buffer(6, ' ');
+    EXPECT_EQ(RegQueryValueExA(key, c.name, &type, c.given ? buffer.data() : nullptr, &size),
+              c.status);
+    if (c.status == kErrorFileNotFound) continue;
+    EXPECT_EQ(type, c.type);
+    EXPECT_EQ(size, c.size);
+    if (c.data != nullptr) {
+      EXPECT_EQ(buffer, std::string(c.data, 6));
+    }
+  }
   RegCloseKey(key);
 }
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "ServiceHost.h"
+#include "RecordingHost.h"
 #include "platform/Clock.h"
 #include "services/ExternalProcess.h"
 #include "support/Fixture.h"
@@ -22,7 +22,7 @@ std::string Finished(const std::string& value) {
 
 class SyncShellTest : public ::testing::Test {
  protected:
-  ServiceHost host;
+  RecordingHost host;
 };
 
 TEST_F(SyncShellTest, AnExitCodeIsNoFailure) {
@@ -38,8 +38,7 @@ TEST_F(SyncShellTest, AnExitCodeIsNoFailure) {
 TEST_F(SyncShellTest, ATimeOutLeavesTheProgramRunning) {
   ScratchFolder folder;
   const std::string marker = folder / "done.txt";
-  EXPECT_FALSE(
-      SyncShell(Child("late 1500 \"" + ChildArgumentPath(marker) + "\""), 200, false, true));
+  EXPECT_FALSE(SyncShell(Child("late 1500 \"" + NativePath(marker) + "\""), 200, false, true));
   EXPECT_FALSE(PathExists(marker));
   ASSERT_EQ(host.traceLines.size(), 3u);
   EXPECT_EQ(host.traceLines[1], Finished("258"));
@@ -72,16 +71,6 @@ TEST_F(SyncShellTest, AConsoleProgramNeverBecomesInputIdle) {
   EXPECT_EQ(host.traceLines[1],
             std::string(kPrefix) + "embedded application started -> return value: '-1'");
   EXPECT_EQ(host.traceLines[2], std::string(kPrefix) + "SyncShell failed: WAIT_FAILED");
-}
-
-TEST_F(SyncShellTest, AFailingTraceIsReportedUnderTheRunnersLabel) {
-  host.writeTraceFails = true;
-  EXPECT_FALSE(SyncShell(Child("exit 0"), 5000, false, true));
-  ASSERT_EQ(host.errors.size(), 1u);
-  EXPECT_EQ(host.errors[0].procedureLabel, "Public Function 'SyncShell'");
-  EXPECT_EQ(StartProcess("kestrivon_no_such_program.exe", true), 0u);
-  ASSERT_EQ(host.errors.size(), 2u);
-  EXPECT_EQ(host.errors[1].procedureLabel, "Private Function 'StartProcess'");
 }
 
 }  // namespace

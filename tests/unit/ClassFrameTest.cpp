@@ -3,20 +3,87 @@
 #include <memory>
 #include <set>
 
-#include "FakeHost.h"
+#include "RecordingHost.h"
 #include "frame/trace/Trace.h"
 #include "printers/PrinterCatalogue.h"
-#include "printers/harp/VemraHARP.h"
-#include "printers/pdf/AcrobatWriter.h"
-#include "printers/pdf/AdobePDF.h"
 #include "printers/pdf/NoFile.h"
-#include "printers/tiff/VemraTiff.h"
 
 namespace kestrivon::test {
 namespace {
 
+const std::string kRule(70, '#');
+
+// What each class answers, and what it writes when it is created and
+// released at diagnostic level 3 while one NoFile lives besides it: to the
+// host's trace and to the debugger.
+struct ClassCase {
+  const char* name;
+  const char* extension;
+  Lines traced;
+  Lines debug;
+};
+
+const ClassCase kClasses[] = {
+    {"VemraTiff", ".TIF", Lines{"VemraKestrivon::VemraTiff::Class_Initialize()..."},
+     Lines{
+         kRule +
+             "\r\n\tVemraKestrivon::VemraTiff::Class_Initialize()...\r\n\tDebug-Version 11 Nov. "
+             "2006\r\n\tNumber of VemraTiff-instances: 1\r\n\tNumber of Kestrivon-instances: 2\r\n" +
+             kRule + "\r\n",
+         kRule +
+             "\r\n\tVemraKestrivon::VemraTiffClass_Terminate()...\r\n\t-> Number of "
+             "Kestrivon-instances is now 1\r\n\t- Number of VemraTiff-Instances is now 0\r\n" +
+             kRule + "\r\n\r\n"}},
+    {"AcrobatDistiller", ".PDF", Lines{},
+     Lines{"### VemraKestrivon::AcrobatDistiller::Class_Initialize(): InstanceCount = 2",
+           "### VemraKestrivon::AcrobatDistiller::Class_Terminate(): InstanceCount = 1"}},
+    {"AcrobatWriter", ".PDF", Lines{},
+     Lines{"### VemraKestrivon::AcrobatWriter::Class_Initialize(): Instance count: 2",
+           "### VemraKestrivon::AcrobatWriter::IRevisionPrinter_DoPrint(): Instance count: 1"}},
+    {"PDFFactory", ".PDF", Lines{},
+     Lines{"### VemraKestrivon::PDFFactory::Class_Initialize(): Instance count is now 2",
+           "### VemraKestrivon::PDFFactory::Class_Terminate(): Instance count is now 1"}},
+    {"NoFile", "NoFile", Lines{},
+     Lines{"### VemraKestrivon::NoFile::Class_Initialize(): Instance count: 2",
+           "### VemraKestrivon::NoFile::Class_Terminate(): Instance count is now: 1"}},
+    {"AdobePDF", ".PDF",
+     Lines{"### VemraKestrivon::AdobePDF::Class_Initialize(): Instance count: 2"},
+     Lines{"### VemraKestrivon::AdobePDF::Class_Initialize(): Instance count: 1"}},
+    // Not counted, and no frame of its own.
+    {"VemraHARP", ".PDF", Lines{}, Lines{}},
+};
+
+bool Counts(const ClassCase& c) { return std::string(c.name) != "VemraHARP"; }
+
+TEST(ClassFrame, EachClassTracesItsCreationAndReleaseWhenDebugging) {
+  for (const ClassCase& c : kClasses) {
+    for (const int32_t level : {2, 3}) {
+      SCOPED_TRACE(std::string(c.name) + " at level " + std::to_string(level));
+      RecordingHost host;
+      host.level = level;
+      NoFile other;
+      host.debugLines.clear();
+      auto printer = FindPrinterClass(c.name)->create();
+      EXPECT_EQ(InstanceCount(), Counts(c) ? 2 : 1);
+      EXPECT_EQ(printer->Extension(), c.extension);
+      EXPECT_EQ(printer->Version(), 1);
+      EXPECT_TRUE(printer->SetPrnDefaults());
+      printer.reset();
+      EXPECT_EQ(InstanceCount(), 1);
+      // At level 2 only the lines that do not begin with "### " remain.
+      Lines traced;
+      for (const auto& line : c.traced) {
+        if (level == 3 || line.rfind("### ", 0) != 0) traced.push_back(line);
+      }
+      EXPECT_EQ(host.traceLines, traced);
+      EXPECT_EQ(host.debugLines, level == 3 ? c.debug : Lines{});
+      EXPECT_TRUE(host.errors.empty());
+    }
+  }
+}
+
 TEST(ClassFrame, CountsUpOnCreationAndDownOnRelease) {
-  FakeHost host;
+  RecordingHost host;
   host.level = 3;
   auto a = std::make_unique<NoFile>();
   auto b = std::make_unique<NoFile>();
@@ -25,7 +92,7 @@ TEST(ClassFrame, CountsUpOnCreationAndDownOnRelease) {
   b.reset();
   c.reset();
   EXPECT_EQ(host.debugLines,
-            (std::vector<std::string>{
+            (Lines{
                 "### VemraKestrivon::NoFile::Class_Initialize(): Instance count: 1",
                 "### VemraKestrivon::NoFile::Class_Initialize(): Instance count: 2",
                 "### VemraKestrivon::NoFile::Class_Initialize(): Instance count: 3",
@@ -33,112 +100,52 @@ TEST(ClassFrame, CountsUpOnCreationAndDownOnRelease) {
                 "### VemraKestrivon::NoFile::Class_Terminate(): Instance count is now: 1",
                 "### VemraKestrivon::NoFile::Class_Terminate(): Instance count is now: 0",
             }));
-  EXPECT_TRUE(host.traceLines.empty());
 }
 
-TEST(ClassFrame, NoDebugLinesAtLevelTwo) {
-  FakeHost host;
-  for (const auto& cls : PrinterClasses()) cls.create().reset();
-  EXPECT_TRUE(host.debugLines.empty());
-  // Only VemraTiff writes unconditionally.
-  EXPECT_EQ(host.traceLines,
-            (std::vector<std::string>{"VemraKestrivon::VemraTiff::Class_Initialize()..."}));
-}
-
-TEST(ClassFrame, EveryCountingClassSharesOneCounter) {
-  FakeHost host;
-  std::vector<std::unique_ptr<RevisionPrinter>> live;
-  for (const auto& cls : PrinterClasses()) live.push_back(cls.create());
-  EXPECT_EQ(InstanceCount(), 6);  // VemraHARP does not count
-  EXPECT_EQ(TiffInstanceCount(), 1);
-  live.clear();
-  EXPECT_EQ(InstanceCount(), 0);
-  EXPECT_EQ(TiffInstanceCount(), 0);
-}
-
-TEST(ClassFrame, VemraHARPLeavesTheCountAlone) {
-  FakeHost host;
-  NoFile counted;
-  VemraHARP harp;
-  EXPECT_EQ(InstanceCount(), 1);
-}
-
-TEST(ClassFrame, AdobePDFCreationGoesToTheHostTraceAndReleaseRepeatsIt) {
-  FakeHost host;
-  host.level = 3;
-  { AdobePDF printer; }
-  EXPECT_EQ(host.traceLines,
-            (std::vector<std::string>{
-                "### VemraKestrivon::AdobePDF::Class_Initialize(): Instance count: 1"}));
-  EXPECT_EQ(host.debugLines,
-            (std::vector<std::string>{
-                "### VemraKestrivon::AdobePDF::Class_Initialize(): Instance count: 0"}));
-}
-
-TEST(ClassFrame, AcrobatWriterReleaseNamesDoPrint) {
-  FakeHost host;
-  host.level = 3;
-  { AcrobatWriter printer; }
-  ASSERT_EQ(host.debugLines.size(), 2u);
-  EXPECT_EQ(host.debugLines[1],
-            "### VemraKestrivon::AcrobatWriter::IRevisionPrinter_DoPrint(): Instance count: 0");
-}
-
-TEST(ClassFrame, VemraTiffBlocks) {
-  FakeHost host;
-  host.level = 3;
-  NoFile other;
-  { VemraTiff tiff; }
-  const std::string rule(70, '#');
-  ASSERT_EQ(host.debugLines.size(), 3u);
-  EXPECT_EQ(host.debugLines[1], rule +
-                                    "\r\n\tVemraKestrivon::VemraTiff::Class_Initialize()..."
-                                    "\r\n\tDebug-Version 11 Nov. 2006"
-                                    "\r\n\tNumber of VemraTiff-instances: 1"
-                                    "\r\n\tNumber of Kestrivon-instances: 2\r\n" +
-                                    rule + "\r\n");
-  EXPECT_EQ(host.debugLines[2], rule +
-                                    "\r\n\tVemraKestrivon::VemraTiffClass_Terminate()..."
-                                    "\r\n\t-> Number of Kestrivon-instances is now 1"
-                                    "\r\n\t- Number of VemraTiff-Instances is now 0\r\n" +
-                                    rule + "\r\n\r\n");
-}
-
-TEST(ClassFrame, AFailingTraceNeverPreventsCreationOrRelease) {
-  FakeHost host;
-  host.level = 3;
-  host.writeTraceFails = true;
-  {
-    AdobePDF adobe;  // its creation line goes through WriteTrace
-    VemraTiff tiff;  // and so does its first line
-    EXPECT_EQ(adobe.Version(), 1);
+TEST(ClassFrame, AFailingTraceIsReportedUnderTheClassLabelAndNeverPreventsCreationOrRelease) {
+  for (const ClassCase& c : kClasses) {
+    SCOPED_TRACE(c.name);
+    RecordingHost host;
+    host.level = 3;
+    host.writeTraceFails = true;
+    host.debugOutputFails = true;
+    PPMInit();
+    auto printer = FindPrinterClass(c.name)->create();
+    EXPECT_EQ(printer->Version(), 1);
+    printer.reset();
+    const std::string label = std::string("VemraKestrivon::") + c.name;
+    const Lines reports{label + "|Class_Initialize", label + "|Class_Terminate"};
+    EXPECT_EQ(host.reports, Counts(c) ? reports : Lines{});
+    // VemraTiff's first line fails before it counts; the others had counted.
+    EXPECT_EQ(InstanceCount(), std::string(c.name) == "VemraTiff" ? -1 : 0);
   }
-  ASSERT_EQ(host.errors.size(), 2u);
-  EXPECT_EQ(host.errors[0].classLabel, "VemraKestrivon::AdobePDF");
-  EXPECT_EQ(host.errors[0].procedureLabel, "Class_Initialize");
-  EXPECT_EQ(host.errors[1].classLabel, "VemraKestrivon::VemraTiff");
-  EXPECT_EQ(host.errors[1].procedureLabel, "Class_Initialize");
-  // VemraTiff's first line failed before it counted; AdobePDF had counted.
-  EXPECT_EQ(InstanceCount(), -1);
 }
 
-TEST(ClassTable, AnswersTheInformationalOperationsWithoutAPrinter) {
-  FakeHost host;
-  const std::map<std::string, std::string> extensions{
-      {"VemraTiff", ".TIF"},  {"AcrobatDistiller", ".PDF"}, {"AcrobatWriter", ".PDF"},
-      {"PDFFactory", ".PDF"}, {"NoFile", "NoFile"},         {"AdobePDF", ".PDF"},
-      {"VemraHARP", ".PDF"}};
+TEST(ClassLabels, AreSpeltAsTheReleasedComponentWritesThem) {
+  const std::pair<const char*, const char*> kLabels[] = {
+      {labels::kVemraTiff, "VemraKestrivon::VemraTiff"},
+      {labels::kAcrobatDistiller, "VemraKestrivon::AcrobatDistiller"},
+      {labels::kAcrobatWriter, "VemraKestrivon::AcrobatWriter"},
+      {labels::kPDFFactory, "VemraKestrivon::PDFFactory"},
+      {labels::kDummy, "VemraKestrivon::Dummy"},
+      {labels::kGlobals, "VemraKestrivon::Globals"},
+      {labels::kNoFile, "VemraKestrivon::NoFile"},
+      {labels::kAdobePDF, "VemraKestrivon::AdobePDF"},
+      {labels::kRevisionFileLock, "Kestrivon::DocumentLock"},
+      {labels::kVemraHARP, "VemraKestrivon::VemraHARP"},
+      {labels::kHARPConfiguration, "VemraKestrivon::HARPConfiguration"},
+      {labels::kPrnDevice, "VemmraKestrivon.PrnDevice"},
+  };
+  for (const auto& [label, text] : kLabels) EXPECT_STREQ(label, text);
+}
+
+TEST(ClassTable, FindsTheSevenClassesByProgIdOrNameIgnoringCase) {
+  std::set<std::string_view> names;
   for (const auto& cls : PrinterClasses()) {
-    auto printer = cls.create();
-    EXPECT_EQ(printer->Extension(), extensions.at(std::string(cls.name))) << cls.name;
-    EXPECT_EQ(printer->Version(), 1) << cls.name;
-    EXPECT_TRUE(printer->SetPrnDefaults()) << cls.name;
+    names.insert(cls.name);
+    EXPECT_EQ(FindPrinterClass("VemraKestrivon." + std::string(cls.name)), &cls);
   }
-  EXPECT_EQ(PrinterClasses().size(), 7u);
-  EXPECT_TRUE(host.errors.empty());
-}
-
-TEST(ClassTable, FindsClassesByProgIdOrNameIgnoringCase) {
+  EXPECT_EQ(names.size(), 7u);
   ASSERT_NE(FindPrinterClass("vemrakestrivon.nofile"), nullptr);
   EXPECT_EQ(FindPrinterClass("VemraKestrivon.NoFile")->name, "NoFile");
   EXPECT_EQ(FindPrinterClass("adobepdf")->name, "AdobePDF");

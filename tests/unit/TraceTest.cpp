@@ -1,16 +1,19 @@
 #include <gtest/gtest.h>
 
-#include "FakeHost.h"
-#include "frame/trace/Trace.h"
-#include "printers/pdf/NoFile.h"
+#include "RecordingHost.h"
 #include "runtime/RunTimeError.h"
+#include "frame/trace/Trace.h"
+#include "printers/pdf/AdobePDF.h"
+#include "printers/pdf/NoFile.h"
 
 namespace kestrivon::test {
 namespace {
 
+constexpr const char* kCounter = "Kestrivan.InstanceCount";
+
 TEST(DebugSwitch, FollowsTheLevelAboveTwo) {
   for (const auto& [level, expected] : {std::pair{2, false}, {3, true}, {-5, false}, {99, true}}) {
-    FakeHost host;
+    RecordingHost host;
     host.level = level;
     PPMInit();
     EXPECT_EQ(PPMLevelDebug(), expected) << "level " << level;
@@ -18,14 +21,14 @@ TEST(DebugSwitch, FollowsTheLevelAboveTwo) {
 }
 
 TEST(DebugSwitch, IsOffBeforeAnyPPMInit) {
-  FakeHost host;
+  RecordingHost host;
   host.level = 3;
   EXPECT_FALSE(PPMLevelDebug());
   EXPECT_EQ(host.monitorsCreated, 0);
 }
 
 TEST(PPMInit, AsksForTheLevelOncePerProcess) {
-  FakeHost host;
+  RecordingHost host;
   host.level = 3;
   { NoFile a; }
   host.level = 2;  // a later change of level is not seen
@@ -36,53 +39,110 @@ TEST(PPMInit, AsksForTheLevelOncePerProcess) {
 }
 
 TEST(PPMInit, HandsTheLiveCounterToTheMonitor) {
-  FakeHost host;
+  RecordingHost host;
   NoFile a;
-  EXPECT_EQ(host.Counter("Kestrivan.InstanceCount"), 1);
+  EXPECT_EQ(host.Counter(kCounter), 1);
   {
     NoFile b;
-    EXPECT_EQ(host.Counter("Kestrivan.InstanceCount"), 2);
+    EXPECT_EQ(host.Counter(kCounter), 2);
   }
-  EXPECT_EQ(host.Counter("Kestrivan.InstanceCount"), 1);
+  EXPECT_EQ(host.Counter(kCounter), 1);
 }
 
 TEST(PPMInit, AFailingLevelIsLoggedAndTheComponentStaysUsable) {
-  FakeHost host;
+  RecordingHost host;
   host.level = 3;
   host.getLevelFails = true;
   NoFile printer;
-  ASSERT_EQ(host.errors.size(), 1u);
-  EXPECT_EQ(host.errors[0].classLabel, "VemraKestrivon::Globals");
-  EXPECT_EQ(host.errors[0].procedureLabel, "PPMInit");
-  EXPECT_EQ(host.errors[0].error.description, "GetLevel failed");
+  EXPECT_EQ(host.reports, Lines{"VemraKestrivon::Globals|PPMInit"});
+  EXPECT_EQ(host.errors[0].description, "GetLevel failed");
   EXPECT_FALSE(PPMLevelDebug());
   // The counter was never handed over, yet the object counts and works.
+  EXPECT_EQ(host.Counter(kCounter), -999);
   EXPECT_EQ(InstanceCount(), 1);
   EXPECT_TRUE(printer.DoPrint(nullptr, nullptr, "", ""));
   EXPECT_TRUE(host.debugLines.empty());
 }
 
-TEST(PPMInit, AMissingMonitorIsTriedAgainByTheNextObject) {
-  FakeHost host;
+TEST(PPMInit, AMonitorCreatedLateStartsTheCountAgainFromZero) {
+  RecordingHost host;
   host.monitorMissing = true;
-  { NoFile a; }
-  ASSERT_EQ(host.errors.size(), 1u);
-  EXPECT_EQ(host.errors[0].procedureLabel, "PPMInit");
-  EXPECT_EQ(host.errors[0].error.number, vb_error::kCantCreateObject);
+  auto first = std::make_unique<NoFile>();
+  EXPECT_EQ(host.reports, Lines{"VemraKestrivon::Globals|PPMInit"});
+  EXPECT_EQ(host.errors[0].number, vb_error::kCantCreateObject);
+  EXPECT_EQ(InstanceCount(), 1);
   host.monitorMissing = false;
   host.level = 3;
-  { NoFile b; }
+  auto second = std::make_unique<NoFile>();
   EXPECT_EQ(host.monitorsCreated, 1);
   EXPECT_TRUE(PPMLevelDebug());
+  // The object alive before the monitor is no longer counted.
+  EXPECT_EQ(host.Counter(kCounter), 1);
+  EXPECT_EQ(host.debugLines,
+            Lines{"### VemraKestrivon::NoFile::Class_Initialize(): Instance count: 1"});
+  first.reset();
+  second.reset();
+  EXPECT_EQ(host.Counter(kCounter), -1);
 }
 
 TEST(TraceService, IsCreatedOnFirstUseAndKept) {
-  FakeHost host;
+  RecordingHost host;
+  NoFile printer;
   EXPECT_EQ(host.traceServicesCreated, 0);
-  WriteTrace("one");
-  WriteTrace("two");
+  printer.DoPrint(nullptr, nullptr, "", "");
+  printer.DoPrint(nullptr, nullptr, "", "");
   EXPECT_EQ(host.traceServicesCreated, 1);
-  EXPECT_EQ(host.traceLines, (std::vector<std::string>{"one", "two"}));
+  EXPECT_EQ(host.traceLines.size(), 2u);
+}
+
+TEST(ErrorHandler, HandsLogErrorTheErrorInFlight) {
+  struct Case {
+    std::exception_ptr error;
+    host::ErrorInfo logged;
+  };
+  const Case kCases[] = {
+      {std::make_exception_ptr(RunTimeError(53, "File not found", "Host")),
+       {53, "File not found", "Host"}},
+      {std::make_exception_ptr(std::bad_alloc()), {7, "Out of memory", "VemraKestrivon"}},
+      {std::make_exception_ptr(std::logic_error("broken")), {51, "broken", "VemraKestrivon"}},
+      {std::make_exception_ptr(42), {51, "Internal error", "VemraKestrivon"}},
+  };
+  for (const Case& c : kCases) {
+    SCOPED_TRACE(c.logged.description);
+    RecordingHost host;
+    host.writeTraceFails = true;
+    host.traceError = c.error;
+    NoFile printer;
+    EXPECT_FALSE(printer.DoPrint(nullptr, nullptr, "", ""));
+    ASSERT_EQ(host.errors.size(), 1u);
+    EXPECT_EQ(host.errors[0].number, c.logged.number);
+    EXPECT_EQ(host.errors[0].description, c.logged.description);
+    EXPECT_EQ(host.errors[0].source, c.logged.source);
+  }
+}
+
+TEST(ErrorHandler, AnErrorWhileReportingPassesToTheCallerButNotOutOfTheFrame) {
+  RecordingHost host;
+  host.level = 3;
+  host.writeTraceFails = true;
+  host.debugOutputFails = true;
+  host.logErrorFails = true;
+  std::unique_ptr<AdobePDF> printer;
+  EXPECT_NO_THROW(printer = std::make_unique<AdobePDF>());  // its creation line failed
+  EXPECT_THROW(NoFile().DoPrint(nullptr, nullptr, "", ""), RunTimeError);
+  EXPECT_NO_THROW(printer.reset());
+}
+
+TEST(ErrorHandler, WithoutATraceServiceTheErrorPassesToTheCaller) {
+  RecordingHost host;
+  host.traceServiceMissing = true;
+  NoFile printer;
+  try {
+    printer.DoPrint(nullptr, nullptr, "", "");
+    FAIL() << "expected the error to pass on";
+  } catch (const RunTimeError& e) {
+    EXPECT_EQ(e.Number(), vb_error::kCantCreateObject);
+  }
 }
 
 }  // namespace

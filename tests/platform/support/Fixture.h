@@ -2,9 +2,11 @@
 
 // What the conformance tests need around the platform seam, done per side
 // with the side's own means (Win32 calls, or the portable side's hooks and
-// the host system). The tests themselves call only the seam.
+// the host system), the files through the standard library on both
+// (Fixture.cpp). The tests themselves call only the seam.
 
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -36,10 +38,12 @@ void MakeFolder(const std::string& path);
 void SetReadOnly(const std::string& path, bool readOnly);
 std::string WindowsDirectory();
 
-// The helper program next to the test program (Windows path), and a path
-// as the helper must be given it on its command line.
+// The side's own form of a Windows path, as the standard library and the
+// helper program take it.
+std::string NativePath(const std::string& path);
+
+// The helper program next to the test program (Windows path).
 std::string ChildProgram();
-std::string ChildArgumentPath(const std::string& path);
 // Copies the helper program, keeping it runnable.
 void CopyChildProgram(const std::string& target);
 
@@ -64,6 +68,34 @@ void CreateTestKey(View view, platform::HKey hive, const std::string& path);
 void SetTestValue(View view, platform::HKey hive, const std::string& path, const std::string& name,
                   uint32_t type, const std::string& bytes);
 void DeleteTestKey(View view, platform::HKey hive, const std::string& path);
+inline View ProcessView() { return Is64BitProcess() ? View::k64 : View::k32; }
+
+// Keys that are gone, in both views of both hives, before and after a test.
+class ScratchKeys {
+ public:
+  explicit ScratchKeys(std::vector<std::string> paths) : paths_(std::move(paths)) { Clean(); }
+  ~ScratchKeys() { Clean(); }
+  ScratchKeys(const ScratchKeys&) = delete;
+  ScratchKeys& operator=(const ScratchKeys&) = delete;
+  void Clean() const {
+    for (View view : {View::k32, View::k64}) {
+      for (platform::HKey hive : {platform::kHKeyCurrentUser, platform::kHKeyLocalMachine}) {
+        for (const auto& path : paths_) DeleteTestKey(view, hive, path);
+      }
+    }
+  }
+
+ private:
+  std::vector<std::string> paths_;
+};
+
+// Value data as RegSetValueExA is given them.
+inline std::string Sz(const std::string& text) { return text + '\0'; }
+inline std::string Dword(uint32_t value) {
+  std::string bytes(4, '\0');
+  std::memcpy(bytes.data(), &value, 4);
+  return bytes;
+}
 
 // A window of the calling thread that records what is dispatched to it.
 class RecordingWindow {

@@ -1,5 +1,4 @@
 #include <spawn.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -7,8 +6,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 #include <thread>
 
@@ -26,8 +23,6 @@ namespace {
 namespace fs = std::filesystem;
 namespace pp = platform::portable;
 
-std::string Host(const std::string& windowsPath) { return pp::HostPath(windowsPath); }
-
 pp::RegistryView ToView(View view) {
   return view == View::k64 ? pp::RegistryView::k64 : pp::RegistryView::k32;
 }
@@ -42,57 +37,22 @@ ScratchFolder::ScratchFolder() {
   path_ = pp::WindowsPath(pattern);
 }
 
-ScratchFolder::~ScratchFolder() {
-  std::error_code ignored;
-  const fs::path host = Host(path_);
-  for (auto& entry : fs::recursive_directory_iterator(host, ignored)) {
-    fs::permissions(entry.path(), fs::perms::owner_all, fs::perm_options::add, ignored);
-  }
-  fs::remove_all(host, ignored);
-}
-
-void WriteWholeFile(const std::string& path, const std::string& bytes) {
-  std::ofstream out(Host(path), std::ios::binary | std::ios::trunc);
-  out << bytes;
-}
-
-std::string ReadWholeFile(const std::string& path) {
-  std::ifstream in(Host(path), std::ios::binary);
-  std::stringstream content;
-  content << in.rdbuf();
-  return content.str();
-}
-
-bool PathExists(const std::string& path) { return fs::exists(Host(path)); }
-
-void RemoveFile(const std::string& path) {
-  std::error_code ignored;
-  fs::remove(Host(path), ignored);
-}
-
-void MakeFolder(const std::string& path) { fs::create_directories(Host(path)); }
-
-void SetReadOnly(const std::string& path, bool readOnly) {
-  fs::permissions(Host(path), fs::perms::owner_write,
-                  readOnly ? fs::perm_options::remove : fs::perm_options::add);
-}
-
 std::string WindowsDirectory() { return pp::WindowsDirectory(); }
 
 std::string ChildProgram() { return pp::WindowsPath(ExecutableFolder() + "/kestrivon_test_child"); }
 
-std::string ChildArgumentPath(const std::string& path) { return Host(path); }
+std::string NativePath(const std::string& path) { return pp::HostPath(path); }
 
 void CopyChildProgram(const std::string& target) {
-  fs::copy_file(ExecutableFolder() + "/kestrivon_test_child", Host(target),
+  fs::copy_file(ExecutableFolder() + "/kestrivon_test_child", NativePath(target),
                 fs::copy_options::overwrite_existing);
-  fs::permissions(Host(target), fs::perms::owner_exec, fs::perm_options::add);
+  fs::permissions(NativePath(target), fs::perms::owner_exec, fs::perm_options::add);
 }
 
 FileHolder::FileHolder(const std::string& path, uint32_t holdMs) : path_(path) {
   const std::string child = ExecutableFolder() + "/kestrivon_test_child";
   std::string mode = "hold";
-  std::string target = Host(path);
+  std::string target = NativePath(path);
   std::string ms = std::to_string(holdMs);
   char* argv[] = {const_cast<char*>(child.c_str()), mode.data(), target.data(), ms.data(), nullptr};
   pid_t pid = 0;
@@ -110,7 +70,7 @@ FileHolder::~FileHolder() {
   int status = 0;
   ::waitpid(static_cast<pid_t>(process_), &status, 0);
   std::error_code ignored;
-  fs::remove(Host(path_) + ".ready", ignored);
+  fs::remove(NativePath(path_) + ".ready", ignored);
 }
 
 bool Is64BitProcess() { return pp::ProcessRegistryView() == pp::RegistryView::k64; }

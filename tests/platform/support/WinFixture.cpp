@@ -1,6 +1,6 @@
 #include <windows.h>
 
-#include <cstdio>
+#include <filesystem>
 #include <stdexcept>
 
 #include "Fixture.h"
@@ -15,58 +15,17 @@ std::string ExecutableFolder() {
   return folder.substr(0, folder.rfind('\\'));
 }
 
-void RemoveTree(const std::string& folder) {
-  WIN32_FIND_DATAA found;
-  HANDLE search = FindFirstFileA((folder + "\\*").c_str(), &found);
-  if (search != INVALID_HANDLE_VALUE) {
-    do {
-      const std::string name = found.cFileName;
-      if (name == "." || name == "..") continue;
-      const std::string path = folder + "\\" + name;
-      SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-      if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
-        RemoveTree(path);
-      } else {
-        DeleteFileA(path.c_str());
-      }
-    } while (FindNextFileA(search, &found));
-    FindClose(search);
-  }
-  RemoveDirectoryA(folder.c_str());
-}
-
 REGSAM ViewFlag(View view) { return view == View::k64 ? KEY_WOW64_64KEY : KEY_WOW64_32KEY; }
 
 HKEY Hive(platform::HKey hive) { return reinterpret_cast<HKEY>(hive); }
 
+// Once its recorder is set, the window records what reaches it and does
+// nothing else (so a WM_CLOSE does not destroy it).
 LRESULT CALLBACK RecordingProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   auto* recorder = reinterpret_cast<RecordingWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
-  if (recorder != nullptr) {
-    switch (message) {
-      case WM_TIMER:
-      case WM_CLOSE:
-      case WM_DESTROY:
-      case WM_NCDESTROY:
-      case WM_CHAR:
-      case WM_KEYDOWN:
-      case WM_USER + 1:
-      case WM_NCLBUTTONDOWN:
-      case WM_NCLBUTTONUP:
-      case WM_NCLBUTTONDBLCLK:
-      case WM_NCRBUTTONDOWN:
-      case WM_NCRBUTTONUP:
-      case WM_LBUTTONDOWN:
-      case WM_LBUTTONUP:
-      case WM_LBUTTONDBLCLK:
-      case WM_RBUTTONDOWN:
-      case WM_RBUTTONUP:
-        recorder->received.push_back({message, wParam});
-        return 0;
-      default:
-        break;
-    }
-  }
-  return DefWindowProcA(window, message, wParam, lParam);
+  if (recorder == nullptr) return DefWindowProcA(window, message, wParam, lParam);
+  recorder->received.push_back({message, wParam});
+  return 0;
 }
 
 const char* RecordingClass() {
@@ -89,43 +48,9 @@ ScratchFolder::ScratchFolder() {
   GetTempPathA(MAX_PATH, temp);
   path_ = std::string(temp) + "kestrivon-test-" + std::to_string(GetCurrentProcessId()) + "-" +
           std::to_string(++counter);
-  RemoveTree(path_);
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);  // left by an earlier run of the same process id
   if (!CreateDirectoryA(path_.c_str(), nullptr)) throw std::runtime_error("no scratch folder");
-}
-
-ScratchFolder::~ScratchFolder() { RemoveTree(path_); }
-
-void WriteWholeFile(const std::string& path, const std::string& bytes) {
-  FILE* f = std::fopen(path.c_str(), "wb");
-  if (f == nullptr) throw std::runtime_error("cannot write " + path);
-  std::fwrite(bytes.data(), 1, bytes.size(), f);
-  std::fclose(f);
-}
-
-std::string ReadWholeFile(const std::string& path) {
-  std::string bytes;
-  FILE* f = std::fopen(path.c_str(), "rb");
-  if (f == nullptr) return bytes;
-  char chunk[4096];
-  size_t n = 0;
-  while ((n = std::fread(chunk, 1, sizeof chunk, f)) > 0) bytes.append(chunk, n);
-  std::fclose(f);
-  return bytes;
-}
-
-bool PathExists(const std::string& path) {
-  return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
-}
-
-void RemoveFile(const std::string& path) {
-  SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-  DeleteFileA(path.c_str());
-}
-
-void MakeFolder(const std::string& path) { CreateDirectoryA(path.c_str(), nullptr); }
-
-void SetReadOnly(const std::string& path, bool readOnly) {
-  SetFileAttributesA(path.c_str(), readOnly ? FILE_ATTRIBUTE_READONLY : FILE_ATTRIBUTE_NORMAL);
 }
 
 std::string WindowsDirectory() {
@@ -136,7 +61,7 @@ std::string WindowsDirectory() {
 
 std::string ChildProgram() { return ExecutableFolder() + "\\kestrivon_test_child.exe"; }
 
-std::string ChildArgumentPath(const std::string& path) { return path; }
+std::string NativePath(const std::string& path) { return path; }
 
 void CopyChildProgram(const std::string& target) {
   CopyFileA(ChildProgram().c_str(), target.c_str(), FALSE);

@@ -12,7 +12,7 @@
 #define __IPrinter_INTERFACE_DEFINED__
 #include "VemraHostServices.h"
 #undef __IPrinter_INTERFACE_DEFINED__
-#include "ServiceHost.h"
+#include "RecordingHost.h"
 #include "core/TraceLog.h"
 #include "host/Documents.h"
 #include "host/win/ComHostObject.h"
@@ -62,7 +62,7 @@ host::HostObjectRef NewDocument(const wchar_t* showRevisionMessages) {
 
 class MessagesThroughCom : public ::testing::Test {
  protected:
-  ServiceHost host;
+  RecordingHost host;
   size_t before = LoggedMessages().size();
 };
 
@@ -104,9 +104,8 @@ TEST_F(MessagesThroughCom, AnObjectWithoutTheBaseInterfaceIsReported) {
   ASSERT_TRUE(document);
   const host::HostObjectRef owner = host::AsVemraObject(document)->Owner();
   ShowMessage(kText, 16, "t", owner);
-  ASSERT_EQ(host.errors.size(), 1u);
-  EXPECT_EQ(host.errors[0].procedureLabel, "Sub ShowMessage");
-  EXPECT_EQ(host.errors[0].error.number, static_cast<int32_t>(E_NOINTERFACE));
+  EXPECT_EQ(host.reports, Lines{"VemraKestrivon::Globals|Sub ShowMessage"});
+  EXPECT_EQ(host.Numbers(), std::vector<int32_t>{static_cast<int32_t>(E_NOINTERFACE)});
   EXPECT_EQ(LoggedMessages().size(), before);
 }
 
