@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "runtime/RunTimeError.h"
 #include "frame/trace/Trace.h"
 #include "host/portable/HostActivation.h"
 #include "platform/Clock.h"
+#include "runtime/RunTimeError.h"
 #include "services/RegistrySettings.h"
 #ifndef _WIN32
 #include "platform/portable/DebugOutput.h"

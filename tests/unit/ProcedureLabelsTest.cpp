@@ -4,7 +4,6 @@
 #include <functional>
 
 #include "RecordingHost.h"
-#include "runtime/RunTimeError.h"
 #include "frame/trace/Trace.h"
 #include "host/portable/Documents.h"
 #include "platform/TempFiles.h"
@@ -13,6 +12,7 @@
 #include "platform/portable/MessageQueue.h"
 #include "platform/portable/TempFiles.h"
 #include "printers/pdf/NoFile.h"
+#include "runtime/RunTimeError.h"
 #include "services/ExternalProcess.h"
 #include "services/IniFiles.h"
 #include "services/OutputFileWaiting.h"

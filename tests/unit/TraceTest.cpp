@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
 #include "RecordingHost.h"
-#include "runtime/RunTimeError.h"
 #include "frame/trace/Trace.h"
 #include "printers/pdf/AdobePDF.h"
 #include "printers/pdf/NoFile.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon::test {
 namespace {
