@@ -18,10 +18,7 @@
 // windows.h renames these; the host's interfaces name their members plainly.
 #undef CopyFile
 #undef GetObject
-// IPrinter's slot-8 Release cannot be declared in C++; it is not used here.
-#define __IPrinter_INTERFACE_DEFINED__
 #include "VemraHostServices.h"
-#undef __IPrinter_INTERFACE_DEFINED__
 #include "WineComTest.h"
 #include "core/TraceLog.h"
 

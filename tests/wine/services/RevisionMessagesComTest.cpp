@@ -9,9 +9,7 @@
 #include <string>
 #include <vector>
 
-#define __IPrinter_INTERFACE_DEFINED__
 #include "VemraHostServices.h"
-#undef __IPrinter_INTERFACE_DEFINED__
 #include "ServiceHost.h"
 #include "core/TraceLog.h"
 #include "host/Documents.h"
