@@ -26,7 +26,7 @@ namespace {
 
 using kestrivon::wine_test::Bstr;
 using kestrivon::wine_test::Guid;
-using kestrivon::wine_test::Ref;
+using kestrivon::wine_test::ComPtr;
 namespace fs = std::filesystem;
 using Fields = std::vector<std::string>;
 
@@ -105,18 +105,18 @@ class LogMark {
   size_t start_;
 };
 
-Ref<ITraceService> NewTraceService() {
-  Ref<ITraceService> service;
+ComPtr<ITraceService> NewTraceService() {
+  ComPtr<ITraceService> service;
   EXPECT_EQ(::CoCreateInstance(Guid(kTraceServiceClsid), nullptr, CLSCTX_INPROC_SERVER,
-                               Guid(kTraceServiceIid), service.outVoid()),
+                               Guid(kTraceServiceIid), service.PutVoid()),
             S_OK);
   return service;
 }
 
-Ref<IInstanceMonitor> NewInstanceMonitor() {
-  Ref<IInstanceMonitor> monitor;
+ComPtr<IInstanceMonitor> NewInstanceMonitor() {
+  ComPtr<IInstanceMonitor> monitor;
   EXPECT_EQ(::CoCreateInstance(Guid(kInstanceMonitorClsid), nullptr, CLSCTX_INPROC_SERVER,
-                               __uuidof(IInstanceMonitor), monitor.outVoid()),
+                               __uuidof(IInstanceMonitor), monitor.PutVoid()),
             S_OK);
   return monitor;
 }
@@ -215,8 +215,8 @@ TEST(Registration, ClassesAreInProcessApartmentWithProgIds) {
 
 TEST(Registration, TheHostsTypeLibrariesAndTheirInterfaces) {
   for (const wchar_t* libId : {kHostServicesLibId, kVBInterfaceLibId}) {
-    Ref<ITypeLib> lib;
-    EXPECT_EQ(::LoadRegTypeLib(Guid(libId), 1, 0, 0, lib.out()), S_OK) << Narrow(libId);
+    ComPtr<ITypeLib> lib;
+    EXPECT_EQ(::LoadRegTypeLib(Guid(libId), 1, 0, 0, lib.Put()), S_OK) << Narrow(libId);
   }
   std::wstring lib;
   ASSERT_TRUE(ReadClassesValue(std::wstring(L"Interface\\") + kRevisionPrinterIid + L"\\TypeLib",
@@ -279,13 +279,13 @@ TEST(TraceService, WritesTraceLinesAndErrorReports) {
   Bstr line(
       L"VemraKestrivon::NoFile::IRevisionPrinter_DoPrint(): document has no file -> "
       L"nothing to do");
-  EXPECT_EQ(service->WriteTrace(line.get()), S_OK);
+  EXPECT_EQ(service->WriteTrace(line.Get()), S_OK);
   FakeError error(91, L"Object variable or With block variable not set", L"VemraKestrivon");
-  LogError(service.get(), &error, L"VemraKestrivon::NoFile", L" Function IRevisionPrinter_DoPrint");
+  LogError(service.Get(), &error, L"VemraKestrivon::NoFile", L" Function IRevisionPrinter_DoPrint");
   EXPECT_EQ(error.refs(), 1u);  // no reference kept
   FakeError nameless(5, L"x", L"y", false);
-  LogError(service.get(), &nameless, L"VemraKestrivon::Globals", L"PPMInit");
-  LogError(service.get(), nullptr, L"VemraKestrivon::Globals", L"PPMLevelDebug");
+  LogError(service.Get(), &nameless, L"VemraKestrivon::Globals", L"PPMInit");
+  LogError(service.Get(), nullptr, L"VemraKestrivon::Globals", L"PPMLevelDebug");
 
   const auto entries = mark.Since();
   ASSERT_EQ(entries.size(), 4u) << Show(entries);
@@ -309,8 +309,8 @@ TEST(TraceService, ResolvesTextsAndCopiesFiles) {
   LogMark mark;
   auto resolve = [&](const wchar_t* text) {
     Bstr in(text), out;
-    EXPECT_EQ(service->ResolveText(in.get(), out.out()), S_OK);
-    return out.str();
+    EXPECT_EQ(service->ResolveText(in.Get(), out.Put()), S_OK);
+    return out.Wide();
   };
   EXPECT_EQ(resolve(L"~05d86 Printer is not installed"), L"Drucker ist nicht installiert");
   EXPECT_EQ(resolve(L"~05d87 Printer output folder does not exist"),
@@ -323,11 +323,11 @@ TEST(TraceService, ResolvesTextsAndCopiesFiles) {
   fs::remove(target);
   Bstr from(source.wstring().c_str()), to(target.wstring().c_str());
   VARIANT_BOOL copied = VARIANT_FALSE;
-  EXPECT_EQ(service->CopyFile(from.get(), to.get(), VARIANT_FALSE, &copied), S_OK);
+  EXPECT_EQ(service->CopyFile(from.Get(), to.Get(), VARIANT_FALSE, &copied), S_OK);
   EXPECT_EQ(copied, VARIANT_TRUE) << Show(mark.Since());
-  EXPECT_EQ(service->CopyFile(from.get(), to.get(), VARIANT_FALSE, &copied), S_OK);
+  EXPECT_EQ(service->CopyFile(from.Get(), to.Get(), VARIANT_FALSE, &copied), S_OK);
   EXPECT_EQ(copied, VARIANT_FALSE);
-  EXPECT_EQ(service->CopyFile(from.get(), to.get(), VARIANT_TRUE, &copied), S_OK);
+  EXPECT_EQ(service->CopyFile(from.Get(), to.Get(), VARIANT_TRUE, &copied), S_OK);
   EXPECT_EQ(copied, VARIANT_TRUE) << Show(mark.Since());
   EXPECT_TRUE(fs::exists(target));
   EXPECT_EQ(mark.Since().size(), 6u) << Show(mark.Since());  // three texts, three copies
@@ -351,7 +351,7 @@ TEST(TraceService, MessageBoxesAnswerFromTheScript) {
   for (int i = 0; i < 3; ++i) {
     Bstr prompt(L"Der Revisionsdrucker ist nicht bereit.\r\nTrotzdem?"), title(L"Revision printer");
     LONG answer = 0;
-    EXPECT_EQ(service->ShowMessageBox(prompt.get(), 36, title.get(), missing, missing, &answer),
+    EXPECT_EQ(service->ShowMessageBox(prompt.Get(), 36, title.Get(), missing, missing, &answer),
               S_OK);
     answers.push_back(answer);
   }
@@ -371,11 +371,11 @@ TEST(TraceService, HasNoHostApplicationYet) {
   EXPECT_EQ(object, nullptr);
   object = reinterpret_cast<IDispatch*>(1);
   Bstr name(L"Workset");
-  EXPECT_EQ(service->GetObject(name.get(), &object), S_OK);
+  EXPECT_EQ(service->GetObject(name.Get(), &object), S_OK);
   EXPECT_EQ(object, nullptr);
   Bstr key;
-  EXPECT_EQ(service->get_ApplicationPathKey(key.out()), S_OK);
-  EXPECT_EQ(key.str(), L"");
+  EXPECT_EQ(service->get_ApplicationPathKey(key.Put()), S_OK);
+  EXPECT_EQ(key.Wide(), L"");
 }
 
 TEST(TraceService, ReservedSlotsAreNotImplemented) {
@@ -395,9 +395,9 @@ TEST(TraceService, ReservedSlotsAreNotImplemented) {
 TEST(TraceService, ScriptsReachItByName) {
   CLSID clsid{};
   ASSERT_EQ(::CLSIDFromProgID(L"VemraHostKit.TraceService", &clsid), S_OK);
-  Ref<IDispatch> service;
+  ComPtr<IDispatch> service;
   ASSERT_EQ(
-      ::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, service.outVoid()),
+      ::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, service.PutVoid()),
       S_OK);
   UINT count = 0;
   EXPECT_EQ(service->GetTypeInfoCount(&count), S_OK);
@@ -445,13 +445,13 @@ TEST(InstanceMonitor, AnswersTheLevelAndWatchesCounters) {
   EXPECT_EQ(level, kLevel);
   LONG counter = 4;
   Bstr name(L"Kestrivan.InstanceCount");
-  EXPECT_EQ(monitor->RegisterCounter(name.get(), &counter), S_OK);
-  EXPECT_EQ(monitor->RegisterCounter(name.get(), nullptr), E_POINTER);
+  EXPECT_EQ(monitor->RegisterCounter(name.Get(), &counter), S_OK);
+  EXPECT_EQ(monitor->RegisterCounter(name.Get(), nullptr), E_POINTER);
   EXPECT_EQ(mark.Since(),
             (std::vector<Fields>{{"LEVEL", "3"},
                                  {"COUNTER", "Kestrivan.InstanceCount", "4", "registered"}}));
-  Ref<ISupportErrorInfo> support;
-  ASSERT_EQ(monitor->QueryInterface(IID_ISupportErrorInfo, support.outVoid()), S_OK);
+  ComPtr<ISupportErrorInfo> support;
+  ASSERT_EQ(monitor->QueryInterface(IID_ISupportErrorInfo, support.PutVoid()), S_OK);
   EXPECT_EQ(support->InterfaceSupportsErrorInfo(__uuidof(IInstanceMonitor)), S_OK);
 }
 
@@ -462,13 +462,13 @@ TEST(TraceService, ALogThatCannotBeWrittenFailsTheCallWithItsReason) {
   fs::rename(logPath, saved);
   fs::create_directory(logPath);  // a folder where the file was
   Bstr line(L"lost?");
-  const HRESULT hr = service->WriteTrace(line.get());
+  const HRESULT hr = service->WriteTrace(line.Get());
   IErrorInfo* info = nullptr;
   std::wstring description;
   if (::GetErrorInfo(0, &info) == S_OK && info != nullptr) {
     Bstr text;
-    info->GetDescription(text.out());
-    description = text.str();
+    info->GetDescription(text.Put());
+    description = text.Wide();
     info->Release();
   }
   fs::remove(logPath);
