@@ -7,7 +7,6 @@
 #include <oaidl.h>
 #include <olectl.h>
 
-#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -25,8 +24,10 @@
 namespace {
 
 using kestrivon::wine_test::Bstr;
-using kestrivon::wine_test::Guid;
+using kestrivon::wine_test::CallByName;
 using kestrivon::wine_test::ComPtr;
+using kestrivon::wine_test::Guid;
+using kestrivon::wine_test::Variant;
 namespace fs = std::filesystem;
 using Fields = std::vector<std::string>;
 
@@ -122,64 +123,33 @@ ComPtr<IInstanceMonitor> NewInstanceMonitor() {
 }
 
 // The run time's error object as the component hands it over: properties
-// reached by name only, no type information.
-class FakeError final : public IDispatch {
+// reached by name only, no type information; a nameless one has none.
+class FakeError final : public kestrivon::comkit::NamedObject {
  public:
   FakeError(LONG number, const wchar_t* description, const wchar_t* source, bool named = true)
-      : number_(number), description_(description), source_(source), named_(named) {}
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override {
-    if (IsEqualIID(riid, IID_IUnknown) || IsEqualIID(riid, IID_IDispatch)) {
-      *ppv = this;
-      AddRef();
-      return S_OK;
-    }
-    *ppv = nullptr;
-    return E_NOINTERFACE;
+      : NamedObject(named ? kNames : std::initializer_list<const wchar_t*>{}),
+        number_(number),
+        description_(description),
+        source_(source) {}
+  ULONG OtherRefs() {
+    AddRef();
+    return Release() - 1;
   }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++refs_; }
-  ULONG STDMETHODCALLTYPE Release() override { return --refs_; }  // lives on the stack
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-    *count = 0;
-    return S_OK;
+
+ protected:
+  HRESULT Call(DISPID id, WORD flags, const DISPPARAMS&, VARIANT* result) override {
+    if (!Getting(flags) || result == nullptr) return DISP_E_MEMBERNOTFOUND;
+    Variant value =
+        id == 1 ? Variant::Long(number_) : Variant::Text(id == 2 ? description_ : source_);
+    return ::VariantCopy(result, &value.Get());
   }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override {
-    return DISP_E_BADINDEX;
-  }
-  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID,
-                                          DISPID* ids) override {
-    const wchar_t* known[] = {L"Number", L"Description", L"Source"};
-    for (DISPID id = 0; id < 3 && named_; ++id) {
-      if (_wcsicmp(names[0], known[id]) == 0) {
-        ids[0] = id + 1;
-        return S_OK;
-      }
-    }
-    ids[0] = DISPID_UNKNOWN;
-    return DISP_E_UNKNOWNNAME;
-  }
-  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS*,
-                                   VARIANT* result, EXCEPINFO*, UINT*) override {
-    if ((flags & DISPATCH_PROPERTYGET) == 0 || result == nullptr) return DISP_E_MEMBERNOTFOUND;
-    VariantInit(result);
-    if (id == 1) {
-      V_VT(result) = VT_I4;
-      V_I4(result) = number_;
-    } else if (id == 2 || id == 3) {
-      V_VT(result) = VT_BSTR;
-      V_BSTR(result) = SysAllocString(id == 2 ? description_ : source_);
-    } else {
-      return DISP_E_MEMBERNOTFOUND;
-    }
-    return S_OK;
-  }
-  ULONG refs() const { return refs_; }
 
  private:
+  static constexpr std::initializer_list<const wchar_t*> kNames{L"Number", L"Description",
+                                                                L"Source"};
   LONG number_;
   const wchar_t* description_;
   const wchar_t* source_;
-  bool named_;
-  std::atomic<ULONG> refs_{1};
 };
 
 void LogError(ITraceService* service, IDispatch* error, const wchar_t* classLabel,
@@ -225,6 +195,24 @@ TEST(Registration, TheHostsTypeLibrariesAndTheirInterfaces) {
   ASSERT_TRUE(ReadClassesValue(std::wstring(L"Interface\\") + kTraceServiceIid + L"\\TypeLib",
                                nullptr, lib));
   EXPECT_EQ(_wcsicmp(lib.c_str(), kHostServicesLibId), 0) << Narrow(lib);
+
+  // IPrinter's slot 8 keeps its library name Release and DISPID 8 (C++
+  // names it ReleasePrinter).
+  ComPtr<ITypeLib> services;
+  ASSERT_EQ(::LoadRegTypeLib(Guid(kHostServicesLibId), 1, 0, 0, services.Put()), S_OK);
+  ComPtr<ITypeInfo> printer, vtable;
+  HREFTYPE ref = 0;
+  ASSERT_EQ(services->GetTypeInfoOfGuid(__uuidof(IPrinter), printer.Put()), S_OK);
+  ASSERT_EQ(printer->GetRefTypeOfImplType(static_cast<UINT>(-1), &ref), S_OK);
+  ASSERT_EQ(printer->GetRefTypeInfo(ref, vtable.Put()), S_OK);
+  FUNCDESC* release = nullptr;
+  ASSERT_EQ(vtable->GetFuncDesc(1, &release), S_OK);
+  Bstr name;
+  EXPECT_EQ(vtable->GetDocumentation(release->memid, name.Put(), nullptr, nullptr, nullptr), S_OK);
+  EXPECT_EQ(name.Wide(), L"Release");
+  EXPECT_EQ(release->memid, 8);
+  EXPECT_EQ(release->oVft, static_cast<SHORT>(8 * sizeof(void*)));
+  vtable->ReleaseFuncDesc(release);
 }
 
 // An export of the loaded DLL.
@@ -280,11 +268,13 @@ TEST(TraceService, WritesTraceLinesAndErrorReports) {
       L"VemraKestrivon::NoFile::IRevisionPrinter_DoPrint(): document has no file -> "
       L"nothing to do");
   EXPECT_EQ(service->WriteTrace(line.Get()), S_OK);
-  FakeError error(91, L"Object variable or With block variable not set", L"VemraKestrivon");
-  LogError(service.Get(), &error, L"VemraKestrivon::NoFile", L" Function IRevisionPrinter_DoPrint");
-  EXPECT_EQ(error.refs(), 1u);  // no reference kept
-  FakeError nameless(5, L"x", L"y", false);
-  LogError(service.Get(), &nameless, L"VemraKestrivon::Globals", L"PPMInit");
+  ComPtr<FakeError> error(
+      new FakeError(91, L"Object variable or With block variable not set", L"VemraKestrivon"));
+  LogError(service.Get(), error.Get(), L"VemraKestrivon::NoFile",
+           L" Function IRevisionPrinter_DoPrint");
+  EXPECT_EQ(error->OtherRefs(), 0u);  // no reference kept
+  ComPtr<FakeError> nameless(new FakeError(5, L"x", L"y", false));
+  LogError(service.Get(), nameless.Get(), L"VemraKestrivon::Globals", L"PPMInit");
   LogError(service.Get(), nullptr, L"VemraKestrivon::Globals", L"PPMLevelDebug");
 
   const auto entries = mark.Since();
@@ -343,15 +333,13 @@ TEST(TraceService, MessageBoxesAnswerFromTheScript) {
   auto service = NewTraceService();
   ASSERT_TRUE(service);
   LogMark mark;
-  VARIANT missing;
-  VariantInit(&missing);
-  V_VT(&missing) = VT_ERROR;
-  V_ERROR(&missing) = DISP_E_PARAMNOTFOUND;
+  const Variant missing = Variant::Missing();
   std::vector<LONG> answers;
   for (int i = 0; i < 3; ++i) {
     Bstr prompt(L"Der Revisionsdrucker ist nicht bereit.\r\nTrotzdem?"), title(L"Revision printer");
     LONG answer = 0;
-    EXPECT_EQ(service->ShowMessageBox(prompt.Get(), 36, title.Get(), missing, missing, &answer),
+    EXPECT_EQ(service->ShowMessageBox(prompt.Get(), 36, title.Get(), missing.Get(), missing.Get(),
+                                      &answer),
               S_OK);
     answers.push_back(answer);
   }
@@ -403,37 +391,25 @@ TEST(TraceService, ScriptsReachItByName) {
   EXPECT_EQ(service->GetTypeInfoCount(&count), S_OK);
   EXPECT_EQ(count, 1u);
 
-  LPOLESTR names[] = {const_cast<LPOLESTR>(L"writetrace")};
-  DISPID id = 0;
-  ASSERT_EQ(service->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), S_OK);
-  EXPECT_EQ(id, 26);  // the slot number, as the contract fixes it
+  // The DISPIDs are the slot numbers, as the contract fixes them.
+  for (const auto& [name, slot] : {std::pair{L"writetrace", 26}, std::pair{L"ResolveText", 12}}) {
+    LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
+    DISPID id = 0;
+    EXPECT_EQ(service->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), S_OK);
+    EXPECT_EQ(id, slot) << Narrow(name);
+  }
 
   LogMark mark;
-  VARIANT arg;
-  VariantInit(&arg);
-  V_VT(&arg) = VT_BSTR;
-  V_BSTR(&arg) = SysAllocString(L"written by a script");
-  DISPPARAMS params{&arg, nullptr, 1, 0};
-  EXPECT_EQ(service->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, nullptr,
-                            nullptr, nullptr),
-            S_OK);
-  VariantClear(&arg);
+  const auto line = Variant::Text(L"written by a script");
+  EXPECT_EQ(CallByName(service.Get(), L"WriteTrace", DISPATCH_METHOD, {line.Get()}, nullptr), S_OK);
   EXPECT_EQ(mark.Since(), (std::vector<Fields>{{"TRACE", "written by a script"}}));
 
-  names[0] = const_cast<LPOLESTR>(L"ResolveText");
-  ASSERT_EQ(service->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), S_OK);
-  EXPECT_EQ(id, 12);
-  V_VT(&arg) = VT_BSTR;
-  V_BSTR(&arg) = SysAllocString(L"~05d86 Printer is not installed");
-  VARIANT result;
-  VariantInit(&result);
-  EXPECT_EQ(service->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, &result,
-                            nullptr, nullptr),
+  const auto text = Variant::Text(L"~05d86 Printer is not installed");
+  Variant result;
+  EXPECT_EQ(CallByName(service.Get(), L"ResolveText", DISPATCH_METHOD, {text.Get()}, result.Put()),
             S_OK);
-  VariantClear(&arg);
-  ASSERT_EQ(V_VT(&result), VT_BSTR);
-  EXPECT_EQ(std::wstring(V_BSTR(&result)), L"Drucker ist nicht installiert");
-  VariantClear(&result);
+  ASSERT_EQ(result.Type(), VT_BSTR);
+  EXPECT_EQ(kestrivon::comkit::Wide(V_BSTR(&result.Get())), L"Drucker ist nicht installiert");
 }
 
 TEST(InstanceMonitor, AnswersTheLevelAndWatchesCounters) {
@@ -463,19 +439,15 @@ TEST(TraceService, ALogThatCannotBeWrittenFailsTheCallWithItsReason) {
   fs::create_directory(logPath);  // a folder where the file was
   Bstr line(L"lost?");
   const HRESULT hr = service->WriteTrace(line.Get());
-  IErrorInfo* info = nullptr;
-  std::wstring description;
-  if (::GetErrorInfo(0, &info) == S_OK && info != nullptr) {
-    Bstr text;
-    info->GetDescription(text.Put());
-    description = text.Wide();
-    info->Release();
-  }
+  ComPtr<IErrorInfo> info;
+  Bstr description;
+  if (::GetErrorInfo(0, info.Put()) == S_OK && info) info->GetDescription(description.Put());
   fs::remove(logPath);
   fs::rename(saved, logPath);
 
   EXPECT_EQ(hr, static_cast<HRESULT>(0x8007001D));
-  EXPECT_NE(description.find(L"hostkit-com-test.log"), std::wstring::npos) << Narrow(description);
+  EXPECT_NE(description.Wide().find(L"hostkit-com-test.log"), std::wstring::npos)
+      << description.Utf8();
 }
 
 TEST(Server, CanUnloadOnlyWithoutLiveObjects) {
