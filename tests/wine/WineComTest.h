@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 #include <oleauto.h>
 
+#include <string>
+
 #include "comkit/Bstr.h"
 #include "comkit/ComPtr.h"
 #include "comkit/Object.h"
@@ -25,6 +27,34 @@ inline GUID Guid(const wchar_t* text) {
   GUID guid{};
   EXPECT_EQ(::IIDFromString(text, &guid), S_OK) << "bad GUID text";
   return guid;
+}
+
+// A string value under HKEY_CLASSES_ROOT (the default value without a
+// name), or "<missing>".
+inline std::wstring ClassesValue(const std::wstring& path, const wchar_t* name = nullptr) {
+  wchar_t data[1024] = {};
+  DWORD size = sizeof(data);
+  if (::RegGetValueW(HKEY_CLASSES_ROOT, path.c_str(), name, RRF_RT_REG_SZ, nullptr, data, &size) !=
+      ERROR_SUCCESS) {
+    return L"<missing>";
+  }
+  return data;
+}
+
+inline bool ClassesKeyExists(const std::wstring& path) {
+  HKEY key = nullptr;
+  if (::RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) {
+    return false;
+  }
+  ::RegCloseKey(key);
+  return true;
+}
+
+// An entry point of a loaded DLL without arguments (DllCanUnloadNow,
+// DllRegisterServer, ...); null when it has none of that name.
+using EntryPoint = HRESULT(STDAPICALLTYPE*)();
+inline EntryPoint Export(HMODULE dll, const char* name) {
+  return reinterpret_cast<EntryPoint>(reinterpret_cast<void*>(::GetProcAddress(dll, name)));
 }
 
 }  // namespace kestrivon::wine_test

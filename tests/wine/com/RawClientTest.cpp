@@ -380,9 +380,7 @@ TEST(Server, UnloadingFollowsLiveObjectsAndLocks) {
   Printer printer = Create(ClassNamed(L"PDFFactory"));
   HMODULE dll = GetModuleHandleW(L"VemraKestrivon.dll");
   ASSERT_NE(dll, nullptr);
-  using CanUnload = HRESULT(STDAPICALLTYPE*)();
-  auto canUnload =
-      reinterpret_cast<CanUnload>(reinterpret_cast<void*>(GetProcAddress(dll, "DllCanUnloadNow")));
+  const EntryPoint canUnload = Export(dll, "DllCanUnloadNow");
   ASSERT_NE(canUnload, nullptr);
   EXPECT_EQ(canUnload(), S_FALSE);
   printer.Reset();

@@ -25,7 +25,11 @@ namespace {
 
 using kestrivon::wine_test::Bstr;
 using kestrivon::wine_test::CallByName;
+using kestrivon::wine_test::ClassesKeyExists;
+using kestrivon::wine_test::ClassesValue;
 using kestrivon::wine_test::ComPtr;
+using kestrivon::wine_test::EntryPoint;
+using kestrivon::wine_test::Export;
 using kestrivon::wine_test::Guid;
 using kestrivon::wine_test::Variant;
 namespace fs = std::filesystem;
@@ -43,31 +47,9 @@ fs::path workFolder;
 fs::path logPath;
 constexpr LONG kLevel = 3;
 
-std::string Narrow(const std::wstring& wide) {
-  std::string text;
-  for (wchar_t c : wide) text += c < 128 ? static_cast<char>(c) : '?';
-  return text;
-}
-
-// A registry value under HKEY_CLASSES_ROOT; nullopt-like empty marker.
-bool ReadClassesValue(const std::wstring& key, const wchar_t* name, std::wstring& value) {
-  wchar_t buffer[1024];
-  DWORD size = sizeof buffer;
-  if (::RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), name, RRF_RT_REG_SZ, nullptr, buffer, &size) !=
-      ERROR_SUCCESS) {
-    return false;
-  }
-  value = buffer;
-  return true;
-}
-
-bool ClassesKeyExists(const std::wstring& key) {
-  HKEY handle = nullptr;
-  if (::RegOpenKeyExW(HKEY_CLASSES_ROOT, key.c_str(), 0, KEY_READ, &handle) != ERROR_SUCCESS) {
-    return false;
-  }
-  ::RegCloseKey(handle);
-  return true;
+// Case does not matter in the registry's GUIDs and paths.
+bool Same(const std::wstring& a, const std::wstring& b) {
+  return _wcsicmp(a.c_str(), b.c_str()) == 0;
 }
 
 std::vector<Fields> LogEntries() {
@@ -168,15 +150,11 @@ TEST(Registration, ClassesAreInProcessApartmentWithProgIds) {
        {std::pair{kTraceServiceClsid, L"VemraHostKit.TraceService"},
         std::pair{kInstanceMonitorClsid, L"VemraHostKit.InstanceMonitor"}}) {
     const std::wstring key = std::wstring(L"CLSID\\") + clsid + L"\\InprocServer32";
-    std::wstring server, model, progIdClsid;
-    ASSERT_TRUE(ReadClassesValue(key, nullptr, server)) << Narrow(key);
-    EXPECT_TRUE(server.size() >= 16 &&
-                _wcsicmp(server.c_str() + server.size() - 16, L"VemraHostKit.dll") == 0)
-        << Narrow(server);
-    ASSERT_TRUE(ReadClassesValue(key, L"ThreadingModel", model));
-    EXPECT_EQ(model, L"Apartment");
-    ASSERT_TRUE(ReadClassesValue(std::wstring(progId) + L"\\CLSID", nullptr, progIdClsid));
-    EXPECT_EQ(_wcsicmp(progIdClsid.c_str(), clsid), 0) << Narrow(progIdClsid);
+    const std::wstring server = ClassesValue(key);
+    EXPECT_TRUE(server.size() >= 16 && Same(server.substr(server.size() - 16), L"VemraHostKit.dll"))
+        << testing::PrintToString(server);
+    EXPECT_EQ(ClassesValue(key, L"ThreadingModel"), L"Apartment");
+    EXPECT_TRUE(Same(ClassesValue(std::wstring(progId) + L"\\CLSID"), clsid));
     CLSID fromProgId{};
     EXPECT_EQ(::CLSIDFromProgID(progId, &fromProgId), S_OK);
     EXPECT_TRUE(IsEqualCLSID(fromProgId, Guid(clsid)));
@@ -184,18 +162,13 @@ TEST(Registration, ClassesAreInProcessApartmentWithProgIds) {
 }
 
 TEST(Registration, TheHostsTypeLibrariesAndTheirInterfaces) {
-  for (const wchar_t* libId : {kHostServicesLibId, kVBInterfaceLibId}) {
+  for (const auto& [iid, libId] : {std::pair{kRevisionPrinterIid, kVBInterfaceLibId},
+                                   std::pair{kTraceServiceIid, kHostServicesLibId}}) {
     ComPtr<ITypeLib> lib;
-    EXPECT_EQ(::LoadRegTypeLib(Guid(libId), 1, 0, 0, lib.Put()), S_OK) << Narrow(libId);
+    EXPECT_EQ(::LoadRegTypeLib(Guid(libId), 1, 0, 0, lib.Put()), S_OK);
+    EXPECT_TRUE(Same(ClassesValue(std::wstring(L"Interface\\") + iid + L"\\TypeLib"), libId))
+        << testing::PrintToString(iid);
   }
-  std::wstring lib;
-  ASSERT_TRUE(ReadClassesValue(std::wstring(L"Interface\\") + kRevisionPrinterIid + L"\\TypeLib",
-                               nullptr, lib));
-  EXPECT_EQ(_wcsicmp(lib.c_str(), kVBInterfaceLibId), 0) << Narrow(lib);
-  ASSERT_TRUE(ReadClassesValue(std::wstring(L"Interface\\") + kTraceServiceIid + L"\\TypeLib",
-                               nullptr, lib));
-  EXPECT_EQ(_wcsicmp(lib.c_str(), kHostServicesLibId), 0) << Narrow(lib);
-
   // IPrinter's slot 8 keeps its library name Release and DISPID 8 (C++
   // names it ReleasePrinter).
   ComPtr<ITypeLib> services;
@@ -215,12 +188,6 @@ TEST(Registration, TheHostsTypeLibrariesAndTheirInterfaces) {
   vtable->ReleaseFuncDesc(release);
 }
 
-// An export of the loaded DLL.
-template <class Function>
-Function Export(HMODULE dll, const char* name) {
-  return reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(dll, name)));
-}
-
 // The loaded host kit DLL: the one registered in the prefix.
 HMODULE HostKitModule() {
   auto service = NewTraceService();
@@ -230,11 +197,9 @@ HMODULE HostKitModule() {
 TEST(Registration, UnregisterRemovesWhatRegisterWrote) {
   HMODULE dll = HostKitModule();
   ASSERT_NE(dll, nullptr);
-  using Entry = HRESULT(STDAPICALLTYPE*)();
-  auto unregister = Export<Entry>(dll, "DllUnregisterServer");
-  auto reg = Export<Entry>(dll, "DllRegisterServer");
-  ASSERT_NE(unregister, nullptr);
-  ASSERT_NE(reg, nullptr);
+  const EntryPoint unregister = Export(dll, "DllUnregisterServer");
+  const EntryPoint reg = Export(dll, "DllRegisterServer");
+  ASSERT_TRUE(unregister && reg);
   const std::vector<std::wstring> keys{
       std::wstring(L"CLSID\\") + kTraceServiceClsid,
       std::wstring(L"CLSID\\") + kInstanceMonitorClsid,
@@ -245,19 +210,24 @@ TEST(Registration, UnregisterRemovesWhatRegisterWrote) {
       std::wstring(L"Interface\\") + kRevisionPrinterIid,
       std::wstring(L"Interface\\") + kTraceServiceIid,
   };
-  for (const auto& key : keys) EXPECT_TRUE(ClassesKeyExists(key)) << Narrow(key);
+  auto present = [&] {
+    std::vector<bool> found;
+    for (const auto& key : keys) found.push_back(ClassesKeyExists(key));
+    return found;
+  };
+  const std::vector<bool> all(keys.size(), true);
+  EXPECT_EQ(present(), all);
 
   const HRESULT removed = unregister();
-  std::vector<bool> left;
-  for (const auto& key : keys) left.push_back(ClassesKeyExists(key));
+  const std::vector<bool> left = present();
   const HRESULT again = unregister();
   const HRESULT registered = reg();  // the prefix must stay usable for the other tests
 
   EXPECT_EQ(removed, S_OK);
-  for (size_t i = 0; i < keys.size(); ++i) EXPECT_FALSE(left[i]) << Narrow(keys[i]);
+  EXPECT_EQ(left, std::vector<bool>(keys.size(), false));
   EXPECT_EQ(again, S_OK);
   EXPECT_EQ(registered, S_OK);
-  for (const auto& key : keys) EXPECT_TRUE(ClassesKeyExists(key)) << Narrow(key);
+  EXPECT_EQ(present(), all);
 }
 
 TEST(TraceService, WritesTraceLinesAndErrorReports) {
@@ -396,7 +366,7 @@ TEST(TraceService, ScriptsReachItByName) {
     LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
     DISPID id = 0;
     EXPECT_EQ(service->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), S_OK);
-    EXPECT_EQ(id, slot) << Narrow(name);
+    EXPECT_EQ(id, slot) << testing::PrintToString(name);
   }
 
   LogMark mark;
@@ -453,8 +423,7 @@ TEST(TraceService, ALogThatCannotBeWrittenFailsTheCallWithItsReason) {
 TEST(Server, CanUnloadOnlyWithoutLiveObjects) {
   HMODULE dll = HostKitModule();
   ASSERT_NE(dll, nullptr);
-  using CanUnload = HRESULT(STDAPICALLTYPE*)();
-  auto canUnload = Export<CanUnload>(dll, "DllCanUnloadNow");
+  const EntryPoint canUnload = Export(dll, "DllCanUnloadNow");
   ASSERT_NE(canUnload, nullptr);
   {
     auto service = NewTraceService();
