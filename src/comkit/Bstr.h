@@ -46,6 +46,9 @@ class Bstr {
     ::SysFreeString(std::exchange(b_, nullptr));
     return &b_;
   }
+  // For in/out parameters: the callee may replace the string, freeing the
+  // one it replaces; what it leaves is still owned here.
+  BSTR* InOut() noexcept { return &b_; }
   // Hands the string to the caller.
   [[nodiscard]] BSTR Detach() noexcept { return std::exchange(b_, nullptr); }
   [[nodiscard]] std::string Utf8() const { return comkit::Utf8(b_); }

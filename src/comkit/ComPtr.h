@@ -44,6 +44,9 @@ class ComPtr {
     Reset();
     return &p_;
   }
+  // For in/out parameters: the callee may replace the reference, releasing
+  // the one it replaces; what it leaves is still owned here.
+  T** InOut() noexcept { return &p_; }
   void** PutVoid() noexcept { return reinterpret_cast<void**>(Put()); }
   // The object's interface U, or the failure of QueryInterface.
   template <class U>

@@ -49,14 +49,7 @@ class ComTraceService final : public TraceService {
     Bstr procedureText(procedureLabel);
     // By reference: the callee may replace the arguments (freeing what it
     // replaces), so whatever they hold afterwards is ours to free.
-    IDispatch* errorArg = errorObject.Detach();
-    BSTR classArg = classText.Detach();
-    BSTR procedureArg = procedureText.Detach();
-    const HRESULT hr = service_->LogError(&errorArg, &classArg, &procedureArg);
-    errorObject = ComPtr<IDispatch>(errorArg);
-    classText = Bstr::Attach(classArg);
-    procedureText = Bstr::Attach(procedureArg);
-    Check(hr);
+    Check(service_->LogError(errorObject.InOut(), classText.InOut(), procedureText.InOut()));
   }
 
   std::string ResolveText(const std::string& text) override {

@@ -137,12 +137,9 @@ class FakeError final : public kestrivon::comkit::NamedObject {
 void LogError(ITraceService* service, IDispatch* error, const wchar_t* classLabel,
               const wchar_t* procedureLabel) {
   IDispatch* errorArg = error;
-  BSTR classArg = SysAllocString(classLabel);
-  BSTR procedureArg = SysAllocString(procedureLabel);
-  EXPECT_EQ(service->LogError(&errorArg, &classArg, &procedureArg), S_OK);
+  Bstr classArg(classLabel), procedureArg(procedureLabel);
+  EXPECT_EQ(service->LogError(&errorArg, classArg.InOut(), procedureArg.InOut()), S_OK);
   EXPECT_EQ(errorArg, error);  // the arguments come back as they went in
-  SysFreeString(classArg);
-  SysFreeString(procedureArg);
 }
 
 TEST(Registration, ClassesAreInProcessApartmentWithProgIds) {
