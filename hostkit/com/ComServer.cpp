@@ -15,16 +15,11 @@
 namespace kestrivon::hostkit::com {
 namespace {
 
-struct KitClass {
-  comkit::ClassEntry entry;
-  const wchar_t* progId;
-};
-
-const std::array<KitClass, 3>& Classes() {
-  static const std::array<KitClass, 3> classes{{
-      {{&__uuidof(::TraceService), &CreateTraceService}, L"VemraHostKit.TraceService"},
-      {{&__uuidof(::InstanceMonitor), &CreateInstanceMonitor}, L"VemraHostKit.InstanceMonitor"},
-      {{&kDocumentClsid, &CreateDocument}, kDocumentProgId},
+const std::array<comkit::ClassEntry, 3>& Classes() {
+  static const std::array<comkit::ClassEntry, 3> classes{{
+      {&__uuidof(::TraceService), &CreateTraceService, L"VemraHostKit.TraceService"},
+      {&__uuidof(::InstanceMonitor), &CreateInstanceMonitor, L"VemraHostKit.InstanceMonitor"},
+      {&kDocumentClsid, &CreateDocument, kDocumentProgId},
   }};
   return classes;
 }
@@ -38,7 +33,7 @@ HRESULT RegisterServer() {
   if (FAILED(comkit::OwnTypeLibAttributes(kHostServicesLib, services))) return SELFREG_E_TYPELIB;
   const std::wstring libId = comkit::GuidText(services.guid);
   for (const auto& c : Classes()) {
-    const comkit::InprocClass inproc{comkit::GuidText(*c.entry.clsid), c.progId, libId, {}, false};
+    const comkit::InprocClass inproc{comkit::GuidText(*c.clsid), c.progId, libId, {}, false};
     if (comkit::RegisterInprocClass(inproc, dll) != ERROR_SUCCESS) return SELFREG_E_CLASS;
   }
   for (const int resource : kTypeLibs) {
@@ -53,8 +48,7 @@ HRESULT UnregisterServer() {
     if (FAILED(comkit::UnregisterOwnTypeLib(resource))) result = SELFREG_E_TYPELIB;
   }
   for (const auto& c : Classes()) {
-    if (comkit::UnregisterInprocClass(comkit::GuidText(*c.entry.clsid), c.progId) !=
-        ERROR_SUCCESS) {
+    if (comkit::UnregisterInprocClass(comkit::GuidText(*c.clsid), c.progId) != ERROR_SUCCESS) {
       result = SELFREG_E_CLASS;
     }
   }
@@ -76,15 +70,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserv
 }
 
 extern "C" HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID clsid, REFIID riid, void** object) {
-  if (object != nullptr) *object = nullptr;
-  return comkit::Answered([&] {
-    for (const auto& c : Classes()) {
-      if (IsEqualCLSID(clsid, *c.entry.clsid)) {
-        return comkit::GetClassObject({&c.entry, 1}, clsid, riid, object);
-      }
-    }
-    return CLASS_E_CLASSNOTAVAILABLE;
-  });
+  return comkit::Answered([&] { return comkit::GetClassObject(Classes(), clsid, riid, object); });
 }
 
 extern "C" HRESULT STDAPICALLTYPE DllCanUnloadNow() { return comkit::CanUnload() ? S_OK : S_FALSE; }

@@ -17,9 +17,11 @@ const std::vector<kestrivon::comkit::ClassEntry>& Classes() {
   static const auto classes = [] {
     std::vector<kestrivon::comkit::ClassEntry> entries;
     for (const auto& identity : kestrivon::com::ClassIdentities()) {
-      entries.push_back({identity.clsid, [&identity](REFIID riid, void** object) {
+      entries.push_back({identity.clsid,
+                         [&identity](REFIID riid, void** object) {
                            return kestrivon::com::PrinterObject::Create(identity, riid, object);
-                         }});
+                         },
+                         kestrivon::com::ProgId(*identity.printerClass)});
     }
     return entries;
   }();

@@ -6,14 +6,16 @@
 
 #include <functional>
 #include <span>
+#include <string>
 
 namespace kestrivon::comkit {
 
-// One class of a DLL: its CLSID and how an instance is made and asked for
-// an interface.
+// One class of a DLL: its CLSID, how an instance is made and asked for an
+// interface, and its ProgID.
 struct ClassEntry {
   const CLSID* clsid;
   std::function<HRESULT(REFIID riid, void** object)> create;
+  std::wstring progId;
 };
 
 // DllGetClassObject over the DLL's classes. References to a factory do not

@@ -62,10 +62,9 @@ class Object : public Primary, public Others... {
       return static_cast<Primary*>(this);
     }
     void* found = nullptr;
-    ((found = found != nullptr || !IsEqualIID(riid, __uuidof(Others))
-                  ? found
-                  : static_cast<void*>(static_cast<Others*>(this))),
-     ...);
+    // The first of Others whose IID it is.
+    static_cast<void>(
+        ((IsEqualIID(riid, __uuidof(Others)) && (found = static_cast<Others*>(this))) || ...));
     return found;
   }
 
