@@ -146,13 +146,15 @@ const std::array<void*, 15>& MonitorVtable() {
 // Makes a raw object over the vtable for the interface and counts it.
 comkit::ClassEntry FakeClass(const GUID& clsid, void* const* vtbl, const wchar_t* iid,
                              int& created) {
-  return {&clsid, [vtbl, iid = Guid(iid), &created](REFIID riid, void** object) {
+  return {&clsid,
+          [vtbl, iid = Guid(iid), &created](REFIID riid, void** object) {
             auto* raw = new RawObject{vtbl, 1, iid};
             const HRESULT hr = wine_test::QueryInterface(raw, riid, object);
             wine_test::Release(raw);
             if (SUCCEEDED(hr)) ++created;
             return hr;
-          }};
+          },
+          {}};
 }
 
 }  // namespace
