@@ -8,8 +8,8 @@
 #include "com/Registration.h"
 #include "comkit/ClassFactory.h"
 #include "comkit/ComPtr.h"
+#include "comkit/Object.h"
 #include "comkit/Server.h"
-#include "frame/ErrorHandler.h"
 
 namespace {
 
@@ -47,10 +47,8 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserv
 }
 
 STDAPI DllGetClassObject(REFCLSID clsid, REFIID riid, LPVOID* factory) {
-  HRESULT hr = E_OUTOFMEMORY;
-  kestrivon::IgnoreErrors(
-      [&] { hr = kestrivon::comkit::GetClassObject(Classes(), clsid, riid, factory); });
-  return hr;
+  return kestrivon::comkit::Answered(
+      [&] { return kestrivon::comkit::GetClassObject(Classes(), clsid, riid, factory); });
 }
 
 STDAPI DllCanUnloadNow() { return kestrivon::comkit::CanUnload() ? S_OK : S_FALSE; }
