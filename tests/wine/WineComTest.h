@@ -29,6 +29,17 @@ inline GUID Guid(const wchar_t* text) {
   return guid;
 }
 
+// The DISPID that GetIDsOfNames answers for a member name; DISPID_UNKNOWN
+// when it fails.
+inline DISPID DispIdOf(IDispatch* object, const wchar_t* name) {
+  DISPID id = DISPID_UNKNOWN;
+  LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
+  if (FAILED(object->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id))) {
+    return DISPID_UNKNOWN;
+  }
+  return id;
+}
+
 // A string value under HKEY_CLASSES_ROOT (the default value without a
 // name), or "<missing>".
 inline std::wstring ClassesValue(const std::wstring& path, const wchar_t* name = nullptr) {

@@ -245,15 +245,9 @@ TEST_F(RawClient, TheDefaultDispatchCallsTheOperationsByName) {
                             L"SetPrnDefaults", L"AppendFile",        L"CheckPrnSettings",
                             L"Version",        L"IsPrinterAvailable"};
   for (DISPID expected = 1; const wchar_t* name : names) {
-    DISPID id = DISPID_UNKNOWN;
-    LPOLESTR n[] = {const_cast<LPOLESTR>(name)};
-    EXPECT_EQ(dispatch->GetIDsOfNames(IID_NULL, n, 1, LOCALE_USER_DEFAULT, &id), S_OK) << name;
-    EXPECT_EQ(id, expected++) << name;
+    EXPECT_EQ(DispIdOf(dispatch.Get(), name), expected++) << name;
   }
-  LPOLESTR unknownName[] = {const_cast<LPOLESTR>(L"Print")};
-  DISPID id = 0;
-  EXPECT_EQ(dispatch->GetIDsOfNames(IID_NULL, unknownName, 1, LOCALE_USER_DEFAULT, &id),
-            DISP_E_UNKNOWNNAME);
+  EXPECT_EQ(DispIdOf(dispatch.Get(), L"Print"), DISPID_UNKNOWN);
 
   Variant result;
   ASSERT_EQ(CallByName(dispatch.Get(), L"Extension", DISPATCH_PROPERTYGET, {}, result.Put()), S_OK);

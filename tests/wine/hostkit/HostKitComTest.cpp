@@ -28,6 +28,7 @@ using kestrivon::wine_test::CallByName;
 using kestrivon::wine_test::ClassesKeyExists;
 using kestrivon::wine_test::ClassesValue;
 using kestrivon::wine_test::ComPtr;
+using kestrivon::wine_test::DispIdOf;
 using kestrivon::wine_test::EntryPoint;
 using kestrivon::wine_test::Export;
 using kestrivon::wine_test::Guid;
@@ -88,21 +89,16 @@ class LogMark {
   size_t start_;
 };
 
-ComPtr<ITraceService> NewTraceService() {
-  ComPtr<ITraceService> service;
-  EXPECT_EQ(::CoCreateInstance(Guid(kTraceServiceClsid), nullptr, CLSCTX_INPROC_SERVER,
-                               Guid(kTraceServiceIid), service.PutVoid()),
+// A new object of the host kit's class, asked for its interface.
+template <class Interface>
+ComPtr<Interface> New(const wchar_t* clsid) {
+  ComPtr<Interface> object;
+  EXPECT_EQ(::CoCreateInstance(Guid(clsid), nullptr, CLSCTX_INPROC_SERVER, __uuidof(Interface),
+                               object.PutVoid()),
             S_OK);
-  return service;
+  return object;
 }
-
-ComPtr<IInstanceMonitor> NewInstanceMonitor() {
-  ComPtr<IInstanceMonitor> monitor;
-  EXPECT_EQ(::CoCreateInstance(Guid(kInstanceMonitorClsid), nullptr, CLSCTX_INPROC_SERVER,
-                               __uuidof(IInstanceMonitor), monitor.PutVoid()),
-            S_OK);
-  return monitor;
-}
+ComPtr<ITraceService> NewTraceService() { return New<ITraceService>(kTraceServiceClsid); }
 
 // The run time's error object as the component hands it over: properties
 // reached by name only, no type information; a nameless one has none.
@@ -279,13 +275,14 @@ TEST(TraceService, ResolvesTextsAndCopiesFiles) {
   std::ofstream(source) << "archive";
   fs::remove(target);
   Bstr from(source.wstring().c_str()), to(target.wstring().c_str());
-  VARIANT_BOOL copied = VARIANT_FALSE;
-  EXPECT_EQ(service->CopyFile(from.Get(), to.Get(), VARIANT_FALSE, &copied), S_OK);
-  EXPECT_EQ(copied, VARIANT_TRUE) << Show(mark.Since());
-  EXPECT_EQ(service->CopyFile(from.Get(), to.Get(), VARIANT_FALSE, &copied), S_OK);
-  EXPECT_EQ(copied, VARIANT_FALSE);
-  EXPECT_EQ(service->CopyFile(from.Get(), to.Get(), VARIANT_TRUE, &copied), S_OK);
-  EXPECT_EQ(copied, VARIANT_TRUE) << Show(mark.Since());
+  // A new target, one that is there already, then overwritten.
+  for (const auto& [overwrite, expected] :
+       {std::pair{VARIANT_FALSE, VARIANT_TRUE}, std::pair{VARIANT_FALSE, VARIANT_FALSE},
+        std::pair{VARIANT_TRUE, VARIANT_TRUE}}) {
+    VARIANT_BOOL copied = 1;
+    EXPECT_EQ(service->CopyFile(from.Get(), to.Get(), overwrite, &copied), S_OK);
+    EXPECT_EQ(copied, expected) << Show(mark.Since());
+  }
   EXPECT_TRUE(fs::exists(target));
   EXPECT_EQ(mark.Since().size(), 6u) << Show(mark.Since());  // three texts, three copies
 
@@ -335,7 +332,7 @@ TEST(TraceService, HasNoHostApplicationYet) {
 
 TEST(TraceService, ReservedSlotsAreNotImplemented) {
   auto service = NewTraceService();
-  auto monitor = NewInstanceMonitor();
+  auto monitor = New<IInstanceMonitor>(kInstanceMonitorClsid);
   ASSERT_TRUE(service && monitor);
   EXPECT_EQ(service->Reserved11(), E_NOTIMPL);
   EXPECT_EQ(service->Reserved24(), E_NOTIMPL);
@@ -359,12 +356,8 @@ TEST(TraceService, ScriptsReachItByName) {
   EXPECT_EQ(count, 1u);
 
   // The DISPIDs are the slot numbers, as the contract fixes them.
-  for (const auto& [name, slot] : {std::pair{L"writetrace", 26}, std::pair{L"ResolveText", 12}}) {
-    LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
-    DISPID id = 0;
-    EXPECT_EQ(service->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), S_OK);
-    EXPECT_EQ(id, slot) << testing::PrintToString(name);
-  }
+  EXPECT_EQ(DispIdOf(service.Get(), L"writetrace"), 26);
+  EXPECT_EQ(DispIdOf(service.Get(), L"ResolveText"), 12);
 
   LogMark mark;
   const auto line = Variant::Text(L"written by a script");
@@ -380,7 +373,7 @@ TEST(TraceService, ScriptsReachItByName) {
 }
 
 TEST(InstanceMonitor, AnswersTheLevelAndWatchesCounters) {
-  auto monitor = NewInstanceMonitor();
+  auto monitor = New<IInstanceMonitor>(kInstanceMonitorClsid);
   ASSERT_TRUE(monitor);
   LogMark mark;
   LONG level = 0;
