@@ -7,7 +7,9 @@ set(KESTRIVON_IDL_OUT ${CMAKE_BINARY_DIR}/idl)
 file(MAKE_DIRECTORY ${KESTRIVON_IDL_OUT})
 
 # kestrivon_idl(<Name> [DEPENDS <other .tlb>...]) compiles idl/<Name>.idl into
-# <Name>.h, <Name>_i.c and <Name>.tlb under ${KESTRIVON_IDL_OUT}.
+# <Name>.h, <Name>_i.c and <Name>.tlb under ${KESTRIVON_IDL_OUT}. The header
+# is compiled with KESTRIVON_CPP_HEADER defined: there an IDL may give a
+# method a C++ name other than its library name (IPrinter's Release).
 function(kestrivon_idl name)
   cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})
   if(NOT WIDL_EXECUTABLE)
@@ -23,7 +25,7 @@ function(kestrivon_idl name)
   set(flags ${arch} -I${KESTRIVON_WINE_IDL_DIR} -I${CMAKE_SOURCE_DIR}/idl -L${KESTRIVON_WINE_TLB_DIR} -L${out})
   add_custom_command(
     OUTPUT ${out}/${name}.h ${out}/${name}_i.c ${out}/${name}.tlb
-    COMMAND ${WIDL_EXECUTABLE} ${flags} -h -H ${out}/${name}.h ${src}
+    COMMAND ${WIDL_EXECUTABLE} ${flags} -DKESTRIVON_CPP_HEADER -h -H ${out}/${name}.h ${src}
     COMMAND ${WIDL_EXECUTABLE} ${flags} -u -U ${out}/${name}_i.c ${src}
     COMMAND ${WIDL_EXECUTABLE} ${flags} -t -T ${out}/${name}.tlb ${src}
     DEPENDS ${src} ${ARG_DEPENDS}

@@ -1,94 +1,82 @@
-// Entry points of VemraHostKit.dll: class factories for the two host
-// service classes and self-registration.
-#include <atomic>
-#include <new>
+// Entry points of VemraHostKit.dll: class factories for the host service
+// classes and the document class, and self-registration.
+#include <olectl.h>
 
-#include "com/DocumentObjects.h"
-#include "com/HostObjects.h"
-#include "com/Module.h"
-#include "com/Registration.h"
-#include "com/WindowsHeaders.h"
+#include <array>
+#include <string>
+
+#include "comkit/ClassFactory.h"
+#include "comkit/Object.h"
+#include "comkit/SelfRegistration.h"
+#include "comkit/Server.h"
+#include "hostkit/com/DocumentObjects.h"
+#include "hostkit/com/HostObjects.h"
 
 namespace kestrivon::hostkit::com {
 namespace {
 
-using Creator = HRESULT (*)(REFIID, void**);
+const std::array<comkit::ClassEntry, 3>& Classes() {
+  static const std::array<comkit::ClassEntry, 3> classes{{
+      {&__uuidof(::TraceService), &CreateTraceService, L"VemraHostKit.TraceService"},
+      {&__uuidof(::InstanceMonitor), &CreateInstanceMonitor, L"VemraHostKit.InstanceMonitor"},
+      {&kDocumentClsid, &CreateDocument, kDocumentProgId},
+  }};
+  return classes;
+}
 
-class ClassFactory final : public IClassFactory {
- public:
-  explicit ClassFactory(Creator create) : create_(create) { ObjectCreated(); }
-  ~ClassFactory() { ObjectDestroyed(); }
-  ClassFactory(const ClassFactory&) = delete;
-  ClassFactory& operator=(const ClassFactory&) = delete;
+constexpr std::array<int, 2> kTypeLibs{kHostServicesLib, kVBInterfaceLib};
 
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override {
-    if (ppv == nullptr) return E_POINTER;
-    if (IsEqualIID(riid, IID_IUnknown) || IsEqualIID(riid, IID_IClassFactory)) {
-      *ppv = static_cast<IClassFactory*>(this);
-      AddRef();
-      return S_OK;
+HRESULT RegisterServer() {
+  const std::wstring dll = comkit::ModulePath();
+  if (dll.empty()) return SELFREG_E_CLASS;
+  TLIBATTR services{};
+  if (FAILED(comkit::OwnTypeLibAttributes(kHostServicesLib, services))) return SELFREG_E_TYPELIB;
+  const std::wstring libId = comkit::GuidText(services.guid);
+  for (const auto& c : Classes()) {
+    const comkit::InprocClass inproc{comkit::GuidText(*c.clsid), c.progId, libId, {}, false};
+    if (comkit::RegisterInprocClass(inproc, dll) != ERROR_SUCCESS) return SELFREG_E_CLASS;
+  }
+  for (const int resource : kTypeLibs) {
+    if (FAILED(comkit::RegisterOwnTypeLib(resource, dll))) return SELFREG_E_TYPELIB;
+  }
+  return S_OK;
+}
+
+HRESULT UnregisterServer() {
+  HRESULT result = S_OK;
+  for (const int resource : kTypeLibs) {
+    if (FAILED(comkit::UnregisterOwnTypeLib(resource))) result = SELFREG_E_TYPELIB;
+  }
+  for (const auto& c : Classes()) {
+    if (comkit::UnregisterInprocClass(comkit::GuidText(*c.clsid), c.progId) != ERROR_SUCCESS) {
+      result = SELFREG_E_CLASS;
     }
-    *ppv = nullptr;
-    return E_NOINTERFACE;
   }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++refs_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG n = --refs_;
-    if (n == 0) delete this;
-    return n;
-  }
-
-  HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID riid, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-    return create_(riid, object);
-  }
-  HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
-    LockModule(lock != FALSE);
-    return S_OK;
-  }
-
- private:
-  Creator create_;
-  std::atomic<ULONG> refs_{1};
-};
+  return result;
+}
 
 }  // namespace
 }  // namespace kestrivon::hostkit::com
 
+using namespace kestrivon;
 using namespace kestrivon::hostkit::com;
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/) {
   if (reason == DLL_PROCESS_ATTACH) {
-    SetModuleHandle(instance);
+    comkit::SetModuleHandle(instance);
     ::DisableThreadLibraryCalls(instance);
   }
   return TRUE;
 }
 
 extern "C" HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID clsid, REFIID riid, void** object) {
-  if (object == nullptr) return E_POINTER;
-  *object = nullptr;
-  Creator create = nullptr;
-  if (IsEqualCLSID(clsid, __uuidof(::TraceService))) {
-    create = &CreateTraceService;
-  } else if (IsEqualCLSID(clsid, __uuidof(::InstanceMonitor))) {
-    create = &CreateInstanceMonitor;
-  } else if (IsEqualCLSID(clsid, kDocumentClsid)) {
-    create = &CreateDocument;
-  } else {
-    return CLASS_E_CLASSNOTAVAILABLE;
-  }
-  auto* factory = new (std::nothrow) ClassFactory(create);
-  if (factory == nullptr) return E_OUTOFMEMORY;
-  const HRESULT hr = factory->QueryInterface(riid, object);
-  factory->Release();
-  return hr;
+  return comkit::Answered([&] { return comkit::GetClassObject(Classes(), clsid, riid, object); });
 }
 
-extern "C" HRESULT STDAPICALLTYPE DllCanUnloadNow() { return CanUnload() ? S_OK : S_FALSE; }
+extern "C" HRESULT STDAPICALLTYPE DllCanUnloadNow() { return comkit::CanUnload() ? S_OK : S_FALSE; }
 
-extern "C" HRESULT STDAPICALLTYPE DllRegisterServer() { return RegisterServer(); }
+extern "C" HRESULT STDAPICALLTYPE DllRegisterServer() { return comkit::Answered(&RegisterServer); }
 
-extern "C" HRESULT STDAPICALLTYPE DllUnregisterServer() { return UnregisterServer(); }
+extern "C" HRESULT STDAPICALLTYPE DllUnregisterServer() {
+  return comkit::Answered(&UnregisterServer);
+}

@@ -4,224 +4,91 @@
 // option come from the environment (VEMRA_DOCUMENT_NAME,
 // VEMRA_SHOW_REVISION_MESSAGES). Every completed message-pack entry goes to
 // the trace log as a MESSAGE entry.
-#include "com/DocumentObjects.h"
+#include "hostkit/com/DocumentObjects.h"
 
-#include <algorithm>
-#include <atomic>
-#include <cwctype>
-#include <new>
 #include <string>
 #include <variant>
-#include <vector>
 
-#include "com/Module.h"
-#include "core/Environment.h"
-#include "core/Settings.h"
-#include "platform/win/Text.h"
+#include "comkit/Bstr.h"
+#include "comkit/ComPtr.h"
+#include "comkit/Object.h"
+#include "comkit/Variant.h"
+#include "hostkit/com/HostObjects.h"
+#include "hostkit/core/Environment.h"
+#include "hostkit/core/Settings.h"
 
 namespace kestrivon::hostkit::com {
 namespace {
 
-using platform::win::FromWide;
-using platform::win::ToWide;
+using comkit::ComPtr;
+using comkit::Utf8;
+using comkit::Variant;
 
-std::string Utf8(BSTR text) {
-  return text == nullptr ? std::string() : FromWide(text, static_cast<int>(SysStringLen(text)));
-}
-
-HRESULT NewBstr(const std::string& utf8, BSTR* out) {
+HRESULT HandOut(const ComPtr<IDispatch>& object, IDispatch** out) {
   if (out == nullptr) return E_POINTER;
-  const std::wstring wide = ToWide(utf8);
-  *out = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
-  return *out == nullptr ? E_OUTOFMEMORY : S_OK;
-}
-
-HRESULT HandOut(IDispatch* object, IDispatch** out) {
-  if (out == nullptr) return E_POINTER;
-  *out = object;
-  if (object != nullptr) object->AddRef();
+  *out = ComPtr<IDispatch>(object).Detach();
   return S_OK;
 }
 
-bool SameName(const wchar_t* a, const wchar_t* b) {
-  while (*a != 0 && *b != 0) {
-    if (std::towlower(*a) != std::towlower(*b)) return false;
-    ++a;
-    ++b;
-  }
-  return *a == *b;
+HRESULT HandOut(const std::string& text, BSTR* out) {
+  if (out == nullptr) return E_POINTER;
+  *out = nullptr;
+  return comkit::Answered([&] {
+    *out = comkit::NewBstr(text);
+    return S_OK;
+  });
 }
 
-// IUnknown with the module's object count.
-template <class Interface>
-class Counted : public Interface {
- public:
-  Counted() { ObjectCreated(); }
-  virtual ~Counted() { ObjectDestroyed(); }
-  Counted(const Counted&) = delete;
-  Counted& operator=(const Counted&) = delete;
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override {
-    if (ppv == nullptr) return E_POINTER;
-    if (IsEqualIID(riid, IID_IUnknown) || IsEqualIID(riid, IID_IDispatch) ||
-        IsEqualIID(riid, __uuidof(Interface))) {
-      *ppv = static_cast<Interface*>(this);
-      this->AddRef();
-      return S_OK;
-    }
-    *ppv = nullptr;
-    return E_NOINTERFACE;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++refs_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG n = --refs_;
-    if (n == 0) delete this;
-    return n;
-  }
-
- private:
-  std::atomic<ULONG> refs_{1};
-};
-
-// A dual interface of the host: IDispatch through the embedded type library.
-template <class Interface>
-class DualObject : public Counted<Interface> {
- public:
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-    if (count == nullptr) return E_POINTER;
-    *count = 1;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID /*lcid*/, ITypeInfo** info) override {
-    return DispatchTypeInfo(__uuidof(Interface), index, info);
-  }
-  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID /*lcid*/,
-                                          DISPID* ids) override {
-    return DispatchIDsOfNames(__uuidof(Interface), riid, names, count, ids);
-  }
-  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID riid, LCID /*lcid*/, WORD flags,
-                                   DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception,
-                                   UINT* argError) override {
-    return DispatchInvoke(__uuidof(Interface), static_cast<Interface*>(this), id, riid, flags,
-                          params, result, exception, argError);
-  }
-};
-
-// An object reached only late-bound: its members are a table of names.
-class LateBound : public Counted<IDispatch> {
- public:
-  explicit LateBound(std::vector<const wchar_t*> names) : names_(std::move(names)) {}
-
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-    if (count == nullptr) return E_POINTER;
-    *count = 0;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) override {
-    if (info != nullptr) *info = nullptr;
-    return E_NOTIMPL;
-  }
-  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID,
-                                          DISPID* ids) override {
-    if (!IsEqualIID(riid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
-    if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
-    HRESULT hr = S_OK;
-    for (UINT i = 0; i < count; ++i) {
-      ids[i] = DISPID_UNKNOWN;
-      if (i > 0) {
-        hr = DISP_E_UNKNOWNNAME;
-        continue;
-      }
-      for (size_t n = 0; n < names_.size(); ++n) {
-        if (SameName(names[0], names_[n])) ids[0] = static_cast<DISPID>(n + 1);
-      }
-      if (ids[0] == DISPID_UNKNOWN) hr = DISP_E_UNKNOWNNAME;
-    }
-    return hr;
-  }
-  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID riid, LCID, WORD flags, DISPPARAMS* params,
-                                   VARIANT* result, EXCEPINFO*, UINT*) override {
-    if (!IsEqualIID(riid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
-    if (params == nullptr) return E_INVALIDARG;
-    if (id < 1 || static_cast<size_t>(id) > names_.size()) return DISP_E_MEMBERNOTFOUND;
-    if (result != nullptr) VariantInit(result);
-    return Call(id, flags, *params, result);
-  }
-
+// An object reached only late-bound, answering objects by name.
+class LateBound : public comkit::NamedObject {
  protected:
-  // id is the 1-based index of the member in the table.
-  virtual HRESULT Call(DISPID id, WORD flags, DISPPARAMS& params, VARIANT* result) = 0;
-
-  static bool Getting(WORD flags) {
-    return (flags & (DISPATCH_PROPERTYGET | DISPATCH_METHOD)) != 0;
-  }
-  static bool Putting(WORD flags) {
-    return (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
-  }
-  static HRESULT ReturnObject(IDispatch* object, VARIANT* result) {
+  using NamedObject::NamedObject;
+  static HRESULT ReturnObject(const ComPtr<IDispatch>& object, VARIANT* result) {
     if (result == nullptr) return S_OK;
     V_VT(result) = VT_DISPATCH;
     return HandOut(object, &V_DISPATCH(result));
   }
-
- private:
-  std::vector<const wchar_t*> names_;
 };
 
-std::string NameOf(IDispatch* object) {
-  if (object == nullptr) return {};
-  IVemraObject* vemra = nullptr;
-  if (FAILED(object->QueryInterface(__uuidof(IVemraObject), reinterpret_cast<void**>(&vemra)))) {
-    return {};
-  }
-  BSTR name = nullptr;
-  std::string text;
-  if (SUCCEEDED(vemra->get_Name(&name))) text = Utf8(name);
-  SysFreeString(name);
-  vemra->Release();
-  return text;
+std::string NameOf(const ComPtr<IDispatch>& object) {
+  ComPtr<IVemraObject> vemra;
+  comkit::Bstr name;
+  if (FAILED(object.As(vemra)) || FAILED(vemra->get_Name(name.Put()))) return {};
+  return name.Utf8();
 }
 
 class MessageEntryObject final : public LateBound {
  public:
   MessageEntryObject() : LateBound({L"VemraObject", L"Description"}) {}
-  ~MessageEntryObject() override {
-    if (object_ != nullptr) object_->Release();
-  }
 
  protected:
-  HRESULT Call(DISPID id, WORD flags, DISPPARAMS& params, VARIANT* result) override {
+  HRESULT Call(DISPID id, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
     if (Putting(flags)) {
       if (params.cArgs != 1) return DISP_E_BADPARAMCOUNT;
-      VARIANT value;
-      VariantInit(&value);
+      Variant value;
+      if (FAILED(::VariantChangeType(value.Put(), &params.rgvarg[0], 0,
+                                     id == 1 ? VT_DISPATCH : VT_BSTR))) {
+        return DISP_E_TYPEMISMATCH;
+      }
       if (id == 1) {
-        HRESULT hr = VariantChangeType(&value, &params.rgvarg[0], 0, VT_DISPATCH);
-        if (FAILED(hr)) return DISP_E_TYPEMISMATCH;
-        if (object_ != nullptr) object_->Release();
-        object_ = V_DISPATCH(&value);  // the reference of the converted value
+        object_ = ComPtr<IDispatch>::Share(V_DISPATCH(&value.Get()));
         return S_OK;
       }
-      HRESULT hr = VariantChangeType(&value, &params.rgvarg[0], 0, VT_BSTR);
-      if (FAILED(hr)) return DISP_E_TYPEMISMATCH;
-      description_ = Utf8(V_BSTR(&value));
-      VariantClear(&value);
-      try {
+      return comkit::Answered([&] {
+        description_ = Utf8(V_BSTR(&value.Get()));
         Kit().log->Append("MESSAGE", {description_, NameOf(object_)});
-      } catch (...) {
-        return E_FAIL;
-      }
-      return S_OK;
+        return S_OK;
+      });
     }
     if (!Getting(flags)) return DISP_E_MEMBERNOTFOUND;
     if (id == 1) return ReturnObject(object_, result);
     if (result == nullptr) return S_OK;
     V_VT(result) = VT_BSTR;
-    return NewBstr(description_, &V_BSTR(result));
+    return HandOut(description_, &V_BSTR(result));
   }
 
  private:
-  IDispatch* object_ = nullptr;
+  ComPtr<IDispatch> object_;
   std::string description_;
 };
 
@@ -230,7 +97,7 @@ class MessagePackObject final : public LateBound {
   MessagePackObject() : LateBound({L"AddNew", L"Count"}) {}
 
  protected:
-  HRESULT Call(DISPID id, WORD flags, DISPPARAMS&, VARIANT* result) override {
+  HRESULT Call(DISPID id, WORD flags, const DISPPARAMS&, VARIANT* result) override {
     if (!Getting(flags)) return DISP_E_MEMBERNOTFOUND;
     if (id == 2) {
       if (result != nullptr) {
@@ -239,12 +106,11 @@ class MessagePackObject final : public LateBound {
       }
       return S_OK;
     }
-    auto* entry = new (std::nothrow) MessageEntryObject();
-    if (entry == nullptr) return E_OUTOFMEMORY;
+    ComPtr<IDispatch> entry;
+    const HRESULT hr = comkit::CreateObject<MessageEntryObject>(IID_IDispatch, entry.PutVoid());
+    if (FAILED(hr)) return hr;
     ++count_;
-    const HRESULT hr = ReturnObject(entry, result);
-    entry->Release();
-    return hr;
+    return ReturnObject(entry, result);
   }
 
  private:
@@ -254,17 +120,17 @@ class MessagePackObject final : public LateBound {
 // Holds one object and answers it for one member name.
 class Holder final : public LateBound {
  public:
-  Holder(const wchar_t* member, IDispatch* held) : LateBound({member}), held_(held) {}
-  ~Holder() override { held_->Release(); }
+  Holder(const wchar_t* member, ComPtr<IDispatch> held)
+      : LateBound({member}), held_(std::move(held)) {}
 
  protected:
-  HRESULT Call(DISPID, WORD flags, DISPPARAMS&, VARIANT* result) override {
+  HRESULT Call(DISPID, WORD flags, const DISPPARAMS&, VARIANT* result) override {
     if (!Getting(flags)) return DISP_E_MEMBERNOTFOUND;
     return ReturnObject(held_, result);
   }
 
  private:
-  IDispatch* held_;  // owned reference
+  ComPtr<IDispatch> held_;
 };
 
 // The owner's options: Exist(name), the option by its name, and the
@@ -272,36 +138,29 @@ class Holder final : public LateBound {
 class OptionSetObject final : public LateBound {
  public:
   OptionSetObject() : LateBound({L"Exist", L"ShowRevisionMessages", L"Item"}) {
-    VariantInit(&showRevisionMessages_);
     const auto option = ShowRevisionMessagesOption();
     if (!option) return;
     defined_ = true;
     if (const auto* truth = std::get_if<bool>(&*option)) {
-      V_VT(&showRevisionMessages_) = VT_BOOL;
-      V_BOOL(&showRevisionMessages_) = *truth ? VARIANT_TRUE : VARIANT_FALSE;
+      value_ = Variant::Bool(*truth);
     } else if (const auto* number = std::get_if<int32_t>(&*option)) {
-      V_VT(&showRevisionMessages_) = VT_I4;
-      V_I4(&showRevisionMessages_) = *number;
+      value_ = Variant::Long(*number);
     } else if (const auto* text = std::get_if<std::string>(&*option)) {
-      V_VT(&showRevisionMessages_) = VT_BSTR;
-      NewBstr(*text, &V_BSTR(&showRevisionMessages_));
+      value_ = Variant::Text(*text);
     }
   }
-  ~OptionSetObject() override { VariantClear(&showRevisionMessages_); }
 
  protected:
-  HRESULT Call(DISPID id, WORD flags, DISPPARAMS& params, VARIANT* result) override {
+  HRESULT Call(DISPID id, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
     if (!Getting(flags)) return DISP_E_MEMBERNOTFOUND;
     bool known = true;
     if (id == 1 || id == 3) {
       if (params.cArgs != 1) return DISP_E_BADPARAMCOUNT;
-      VARIANT name;
-      VariantInit(&name);
-      if (FAILED(VariantChangeType(&name, &params.rgvarg[0], 0, VT_BSTR))) {
+      Variant name;
+      if (FAILED(::VariantChangeType(name.Put(), &params.rgvarg[0], 0, VT_BSTR))) {
         return DISP_E_TYPEMISMATCH;
       }
-      known = SameName(V_BSTR(&name), L"ShowRevisionMessages");
-      VariantClear(&name);
+      known = _wcsicmp(V_BSTR(&name.Get()), L"ShowRevisionMessages") == 0;
     }
     if (id == 1) {
       if (result != nullptr) {
@@ -311,25 +170,36 @@ class OptionSetObject final : public LateBound {
       return S_OK;
     }
     if (!known || !defined_) return E_INVALIDARG;
-    return result == nullptr ? S_OK : VariantCopy(result, &showRevisionMessages_);
+    return result == nullptr ? S_OK : ::VariantCopy(result, &value_.Get());
   }
 
  private:
   bool defined_ = false;
-  VARIANT showRevisionMessages_;
+  Variant value_;
 };
 
+// Slots of the host's interfaces that the host kit does not serve.
 #define RESERVED(n) \
   HRESULT STDMETHODCALLTYPE Reserved##n() override { return E_NOTIMPL; }
+#define RESERVED10(t) \
+  RESERVED(t##0)      \
+  RESERVED(t##1)      \
+  RESERVED(t##2)      \
+  RESERVED(t##3)      \
+  RESERVED(t##4)      \
+  RESERVED(t##5)      \
+  RESERVED(t##6)      \
+  RESERVED(t##7)      \
+  RESERVED(t##8)      \
+  RESERVED(t##9)
+
+template <class Interface>
+using DualObject = comkit::DualObject<Interface, kHostServicesLib>;
 
 class OwnerObject final : public DualObject<IVemraOwner> {
  public:
-  OwnerObject(IDispatch* options, IDispatch* environment)
-      : options_(options), environment_(environment) {}
-  ~OwnerObject() override {
-    options_->Release();
-    environment_->Release();
-  }
+  OwnerObject(ComPtr<IDispatch> options, ComPtr<IDispatch> environment)
+      : options_(std::move(options)), environment_(std::move(environment)) {}
   HRESULT STDMETHODCALLTYPE get_Environment(IDispatch** environment) override {
     return HandOut(environment_, environment);
   }
@@ -343,93 +213,101 @@ class OwnerObject final : public DualObject<IVemraOwner> {
   RESERVED(7)
   RESERVED(8)
   RESERVED(9)
-  RESERVED(10)
-  RESERVED(11) RESERVED(12) RESERVED(13) RESERVED(14) RESERVED(15) RESERVED(16) RESERVED(17)
-      RESERVED(18) RESERVED(19) RESERVED(20) RESERVED(21) RESERVED(23) RESERVED(24) RESERVED(25)
-          RESERVED(26) RESERVED(27) RESERVED(28) RESERVED(29) RESERVED(30) RESERVED(31) RESERVED(32)
-              RESERVED(33) RESERVED(34) RESERVED(35) RESERVED(36) RESERVED(37) RESERVED(38)
-                  RESERVED(39) RESERVED(40) RESERVED(41) RESERVED(42) RESERVED(43) RESERVED(44)
-                      RESERVED(45) RESERVED(46) RESERVED(47) RESERVED(48) RESERVED(49) RESERVED(50)
-                          RESERVED(51) RESERVED(52) RESERVED(53) RESERVED(54) RESERVED(56)
-                              RESERVED(57) RESERVED(58) RESERVED(59) RESERVED(60) RESERVED(61)
-                                  RESERVED(62) RESERVED(63) RESERVED(64) RESERVED(65) RESERVED(66)
-                                      RESERVED(67) RESERVED(68) RESERVED(69) RESERVED(70)
-                                          RESERVED(71) RESERVED(72) RESERVED(73) RESERVED(74)
-                                              RESERVED(75) RESERVED(76) RESERVED(77) RESERVED(78)
-                                                  RESERVED(79) RESERVED(80) RESERVED(81)
-                                                      RESERVED(82)
+  RESERVED10(1)
+  RESERVED(20)
+  RESERVED(21)
+  RESERVED(23)
+  RESERVED(24)
+  RESERVED(25)
+  RESERVED(26)
+  RESERVED(27)
+  RESERVED(28)
+  RESERVED(29)
+  RESERVED10(3)
+  RESERVED10(4)
+  RESERVED(50)
+  RESERVED(51)
+  RESERVED(52)
+  RESERVED(53)
+  RESERVED(54)
+  RESERVED(56)
+  RESERVED(57)
+  RESERVED(58)
+  RESERVED(59)
+  RESERVED10(6)
+  RESERVED10(7)
+  RESERVED(80)
+  RESERVED(81)
+  RESERVED(82)
 
-                                                          private : IDispatch* options_;
-  IDispatch* environment_;
+ private:
+  ComPtr<IDispatch> options_;
+  ComPtr<IDispatch> environment_;
 };
 
 class DocumentObject final : public DualObject<IVemraObject> {
  public:
-  DocumentObject(std::string name, IDispatch* owner) : name_(std::move(name)), owner_(owner) {}
-  ~DocumentObject() override { owner_->Release(); }
-  HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) override { return NewBstr(name_, name); }
-  HRESULT STDMETHODCALLTYPE get_Title(BSTR* title) override { return NewBstr(name_, title); }
+  DocumentObject(std::string name, ComPtr<IDispatch> owner)
+      : name_(std::move(name)), owner_(std::move(owner)) {}
+  HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) override { return HandOut(name_, name); }
+  HRESULT STDMETHODCALLTYPE get_Title(BSTR* title) override { return HandOut(name_, title); }
   HRESULT STDMETHODCALLTYPE get_Owner(IDispatch** owner) override { return HandOut(owner_, owner); }
-  HRESULT STDMETHODCALLTYPE get_DocumentName(BSTR* name) override { return NewBstr(name_, name); }
+  HRESULT STDMETHODCALLTYPE get_DocumentName(BSTR* name) override { return HandOut(name_, name); }
   HRESULT STDMETHODCALLTYPE get_SystemType(long* systemType) override {
     if (systemType == nullptr) return E_POINTER;
     *systemType = kDocumentSystemType;
     return S_OK;
   }
-  HRESULT STDMETHODCALLTYPE get_Number(BSTR* number) override { return NewBstr(name_, number); }
+  HRESULT STDMETHODCALLTYPE get_Number(BSTR* number) override { return HandOut(name_, number); }
   RESERVED(8)
   RESERVED(10)
   RESERVED(11)
   RESERVED(12)
-  RESERVED(13) RESERVED(14) RESERVED(15) RESERVED(16) RESERVED(18) RESERVED(20) RESERVED(21)
-      RESERVED(22) RESERVED(23) RESERVED(24) RESERVED(25) RESERVED(26) RESERVED(27) RESERVED(28)
-          RESERVED(29) RESERVED(30) RESERVED(31) RESERVED(32) RESERVED(34) RESERVED(35) RESERVED(36)
-              RESERVED(37)
+  RESERVED(13)
+  RESERVED(14)
+  RESERVED(15)
+  RESERVED(16)
+  RESERVED(18)
+  RESERVED10(2)
+  RESERVED(30)
+  RESERVED(31)
+  RESERVED(32)
+  RESERVED(34)
+  RESERVED(35)
+  RESERVED(36)
+  RESERVED(37)
 
-                  private : static constexpr long kDocumentSystemType = 29;
+ private:
+  static constexpr long kDocumentSystemType = 29;
   std::string name_;
-  IDispatch* owner_;
+  ComPtr<IDispatch> owner_;
 };
 
+#undef RESERVED10
 #undef RESERVED
+
+// Makes a T as an IDispatch.
+template <class T, class... Args>
+ComPtr<IDispatch> Make(Args&&... args) {
+  ComPtr<IDispatch> object;
+  const HRESULT hr =
+      comkit::CreateObject<T>(IID_IDispatch, object.PutVoid(), std::forward<Args>(args)...);
+  if (FAILED(hr)) throw RunTimeError(hr, "cannot create the document's objects");
+  return object;
+}
 
 }  // namespace
 
 HRESULT CreateDocument(REFIID riid, void** object) {
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
-  const std::string name = GetEnvironment(kDocumentNameVariable).value_or("Document");
-  auto* pack = new (std::nothrow) MessagePackObject();
-  if (pack == nullptr) return E_OUTOFMEMORY;
-  auto* device = new (std::nothrow) Holder(L"CurrentMessagePack", pack);
-  if (device == nullptr) {
-    pack->Release();
-    return E_OUTOFMEMORY;
-  }
-  auto* environment = new (std::nothrow) Holder(L"Device", device);
-  if (environment == nullptr) {
-    device->Release();
-    return E_OUTOFMEMORY;
-  }
-  auto* options = new (std::nothrow) OptionSetObject();
-  if (options == nullptr) {
-    environment->Release();
-    return E_OUTOFMEMORY;
-  }
-  auto* owner = new (std::nothrow) OwnerObject(options, environment);
-  if (owner == nullptr) {
-    options->Release();
-    environment->Release();
-    return E_OUTOFMEMORY;
-  }
-  auto* document = new (std::nothrow) DocumentObject(name, owner);
-  if (document == nullptr) {
-    owner->Release();
-    return E_OUTOFMEMORY;
-  }
-  const HRESULT hr = document->QueryInterface(riid, object);
-  document->Release();
-  return hr;
+  return comkit::Answered([&] {
+    const std::string name = GetEnvironment(kDocumentNameVariable).value_or("Document");
+    auto device = Make<Holder>(L"CurrentMessagePack", Make<MessagePackObject>());
+    auto owner =
+        Make<OwnerObject>(Make<OptionSetObject>(), Make<Holder>(L"Device", std::move(device)));
+    return Make<DocumentObject>(name, std::move(owner))->QueryInterface(riid, object);
+  });
 }
 
 }  // namespace kestrivon::hostkit::com

@@ -1,12 +1,6 @@
 #pragma once
 
-#include "com/WindowsHeaders.h"
-
-// IPrinter's slot-8 method is called Release, which C++ cannot declare
-// beside IUnknown::Release; the host kit does not implement IPrinter.
-#define __IPrinter_INTERFACE_DEFINED__
-#include "VemraHostServices.h"
-#undef __IPrinter_INTERFACE_DEFINED__
+#include "hostkit/com/WindowsHeaders.h"
 
 namespace kestrivon::hostkit::com {
 

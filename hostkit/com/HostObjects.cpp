@@ -1,160 +1,48 @@
 // The host's TraceService and InstanceMonitor classes, answered by the host
 // kit's core objects.
-#include "com/HostObjects.h"
+#include "hostkit/com/HostObjects.h"
 
-#include <atomic>
 #include <cstdio>
-#include <exception>
-#include <new>
+#include <mutex>
+#include <optional>
 #include <string>
 
-#include "com/Module.h"
-#include "platform/win/Text.h"
-#include "runtime/RunTimeError.h"
+#include "comkit/Bstr.h"
+#include "comkit/Object.h"
+#include "comkit/Variant.h"
 
 namespace kestrivon::hostkit::com {
 namespace {
 
-using platform::win::FromWide;
-using platform::win::ToWide;
-
-std::string Utf8(BSTR text) {
-  return text == nullptr ? std::string() : FromWide(text, static_cast<int>(SysStringLen(text)));
-}
-
-BSTR NewBstr(const std::string& utf8) {
-  const std::wstring wide = ToWide(utf8);
-  BSTR b = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
-  if (b == nullptr) throw std::bad_alloc();
-  return b;
-}
-
-// The failure that leaves a host kit operation: its HRESULT, with the
-// description handed over as the thread's error information.
-HRESULT Fail(REFIID iid, const std::exception_ptr& error) {
-  HRESULT hr = E_FAIL;
-  std::string description;
-  try {
-    std::rethrow_exception(error);
-  } catch (const RunTimeError& e) {
-    description = e.Description();
-    if (e.Number() < 0) {
-      hr = static_cast<HRESULT>(e.Number());
-    } else if (e.Number() == vb_error::kInvalidProcedureCall) {
-      hr = E_INVALIDARG;
-    } else if (e.Number() == vb_error::kOutOfMemory) {
-      hr = E_OUTOFMEMORY;
-    }
-  } catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
-  } catch (const std::exception& e) {
-    description = e.what();
-  } catch (...) {
-    description = "unexpected failure";
-  }
-  ICreateErrorInfo* create = nullptr;
-  if (SUCCEEDED(::CreateErrorInfo(&create))) {
-    const std::wstring text = ToWide(description);
-    create->SetGUID(iid);
-    create->SetSource(const_cast<LPOLESTR>(L"VemraHostKit"));
-    create->SetDescription(const_cast<LPOLESTR>(text.c_str()));
-    IErrorInfo* info = nullptr;
-    if (SUCCEEDED(create->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(&info)))) {
-      ::SetErrorInfo(0, info);
-      info->Release();
-    }
-    create->Release();
-  }
-  return hr;
-}
+using comkit::NewBstr;
+using comkit::Utf8;
 
 // IUnknown, IDispatch (through the embedded type library) and
 // ISupportErrorInfo for one host service interface.
 template <class Interface>
-class HostObject : public Interface, public ISupportErrorInfo {
+class HostObject : public comkit::DualObject<Interface, kHostServicesLib, ISupportErrorInfo> {
  public:
-  HostObject() { ObjectCreated(); }
-  virtual ~HostObject() { ObjectDestroyed(); }
-  HostObject(const HostObject&) = delete;
-  HostObject& operator=(const HostObject&) = delete;
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override {
-    if (ppv == nullptr) return E_POINTER;
-    if (IsEqualIID(riid, IID_IUnknown) || IsEqualIID(riid, IID_IDispatch) ||
-        IsEqualIID(riid, __uuidof(Interface))) {
-      *ppv = static_cast<Interface*>(this);
-    } else if (IsEqualIID(riid, IID_ISupportErrorInfo)) {
-      *ppv = static_cast<ISupportErrorInfo*>(this);
-    } else {
-      *ppv = nullptr;
-      return E_NOINTERFACE;
-    }
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++refs_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG n = --refs_;
-    if (n == 0) delete this;
-    return n;
-  }
-
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-    if (count == nullptr) return E_POINTER;
-    *count = 1;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID /*lcid*/, ITypeInfo** info) override {
-    return DispatchTypeInfo(__uuidof(Interface), index, info);
-  }
-  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID /*lcid*/,
-                                          DISPID* ids) override {
-    return DispatchIDsOfNames(__uuidof(Interface), riid, names, count, ids);
-  }
-  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID riid, LCID /*lcid*/, WORD flags,
-                                   DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception,
-                                   UINT* argError) override {
-    return DispatchInvoke(__uuidof(Interface), static_cast<Interface*>(this), id, riid, flags,
-                          params, result, exception, argError);
-  }
-
   HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID riid) override {
     return IsEqualIID(riid, __uuidof(Interface)) ? S_OK : S_FALSE;
   }
 
  protected:
-  // Runs one operation; whatever escapes it becomes the operation's HRESULT.
+  // Runs one operation; what escapes it becomes the operation's HRESULT,
+  // described by the thread's error information.
   template <class Body>
-  HRESULT Answer(Body&& body) noexcept {
-    try {
-      body();
-      return S_OK;
-    } catch (...) {
-      return Fail(__uuidof(Interface), std::current_exception());
-    }
+  static HRESULT Answer(Body&& body) noexcept {
+    return comkit::Answer(__uuidof(Interface), L"VemraHostKit", std::forward<Body>(body));
   }
-
- private:
-  std::atomic<ULONG> refs_{1};
 };
 
 #define KESTRIVON_RESERVED(n) \
   HRESULT STDMETHODCALLTYPE Reserved##n() override { return E_NOTIMPL; }
 
 // Reads one property of the run time's error object by name.
-HRESULT ReadProperty(IDispatch* object, const wchar_t* name, VARTYPE type, VARIANT* value) {
-  DISPID id = DISPID_UNKNOWN;
-  LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
-  HRESULT hr = object->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id);
-  if (FAILED(hr)) return hr;
-  DISPPARAMS none{nullptr, nullptr, 0, 0};
-  VARIANT raw;
-  VariantInit(&raw);
-  hr = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, &raw, nullptr,
-                      nullptr);
-  if (SUCCEEDED(hr)) hr = VariantChangeType(value, &raw, 0, type);
-  VariantClear(&raw);
-  return hr;
+HRESULT ReadProperty(IDispatch* object, const wchar_t* name, VARTYPE type, comkit::Variant& value) {
+  comkit::Variant raw;
+  const HRESULT hr = comkit::CallByName(object, name, DISPATCH_PROPERTYGET, {}, raw.Put());
+  return FAILED(hr) ? hr : raw.ChangeType(type, value);
 }
 
 std::string Unreadable(const char* what, HRESULT hr) {
@@ -172,22 +60,18 @@ host::ErrorInfo ReadErrorObject(IDispatch* error) {
     info.description = "(no error object)";
     return info;
   }
-  VARIANT value;
-  VariantInit(&value);
-  HRESULT hr = ReadProperty(error, L"Description", VT_BSTR, &value);
-  info.description = SUCCEEDED(hr) ? Utf8(V_BSTR(&value)) : Unreadable("Description", hr);
-  VariantClear(&value);
-  hr = ReadProperty(error, L"Source", VT_BSTR, &value);
-  info.source = SUCCEEDED(hr) ? Utf8(V_BSTR(&value)) : Unreadable("Source", hr);
-  VariantClear(&value);
-  hr = ReadProperty(error, L"Number", VT_I4, &value);
+  comkit::Variant value;
+  HRESULT hr = ReadProperty(error, L"Description", VT_BSTR, value);
+  info.description = SUCCEEDED(hr) ? Utf8(V_BSTR(&value.Get())) : Unreadable("Description", hr);
+  hr = ReadProperty(error, L"Source", VT_BSTR, value);
+  info.source = SUCCEEDED(hr) ? Utf8(V_BSTR(&value.Get())) : Unreadable("Source", hr);
+  hr = ReadProperty(error, L"Number", VT_I4, value);
   if (SUCCEEDED(hr)) {
-    info.number = V_I4(&value);
+    info.number = V_I4(&value.Get());
   } else {
     info.description += ' ';
     info.description += Unreadable("Number", hr);
   }
-  VariantClear(&value);
   return info;
 }
 
@@ -216,7 +100,7 @@ class TraceServiceObject final : public HostObject<ITraceService> {
   HRESULT STDMETHODCALLTYPE get_ApplicationPathKey(BSTR* key) override {
     if (key == nullptr) return E_POINTER;
     *key = nullptr;
-    return Answer([&] { *key = NewBstr(""); });
+    return Answer([&] { *key = NewBstr(std::wstring_view()); });
   }
 
   HRESULT STDMETHODCALLTYPE ResolveText(BSTR text, BSTR* resolved) override {
@@ -329,22 +213,19 @@ class InstanceMonitorObject final : public HostObject<IInstanceMonitor> {
 
 template <class Object>
 HRESULT Create(REFIID riid, void** object) {
-  if (object == nullptr) return E_POINTER;
-  *object = nullptr;
-  Object* created = nullptr;
-  try {
-    // The host kit reads its configuration when its first object is made.
-    Kit();
-    created = new Object();
-  } catch (...) {
-    return E_OUTOFMEMORY;
-  }
-  const HRESULT hr = created->QueryInterface(riid, object);
-  created->Release();
-  return hr;
+  // The host kit reads its configuration when its first object is made.
+  if (const auto error = Attempt([] { Kit(); })) return HResultOf(*error);
+  return comkit::CreateObject<Object>(riid, object);
 }
 
 }  // namespace
+
+HostKit& Kit() {
+  static std::once_flag once;
+  static std::optional<HostKit> kit;
+  std::call_once(once, [] { kit = HostKit::FromEnvironment(); });
+  return *kit;
+}
 
 HRESULT CreateTraceService(REFIID riid, void** object) {
   return Create<TraceServiceObject>(riid, object);

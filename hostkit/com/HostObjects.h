@@ -1,14 +1,17 @@
 #pragma once
 
-#include "com/WindowsHeaders.h"
-
-// IPrinter's slot-8 method is called Release, which C++ cannot declare
-// beside IUnknown::Release; the host kit does not implement IPrinter.
-#define __IPrinter_INTERFACE_DEFINED__
-#include "VemraHostServices.h"
-#undef __IPrinter_INTERFACE_DEFINED__
+#include "hostkit/com/WindowsHeaders.h"
+#include "hostkit/core/HostKit.h"
 
 namespace kestrivon::hostkit::com {
+
+// Resource numbers of the embedded type libraries.
+inline constexpr int kHostServicesLib = 1;
+inline constexpr int kVBInterfaceLib = 2;
+
+// The host kit's objects, shared by every COM object of the process: one
+// log, one message box script. Created on first use from the environment.
+HostKit& Kit();
 
 // Creates a TraceService or InstanceMonitor object and asks it for riid.
 HRESULT CreateTraceService(REFIID riid, void** object);

@@ -8,3 +8,5 @@
 // host kit's objects name their members plainly.
 #undef CopyFile
 #undef GetObject
+
+#include "VemraHostServices.h"

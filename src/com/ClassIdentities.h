@@ -29,4 +29,9 @@ inline constexpr std::string_view kTypeLibraryDescription = "Vemra Default Revis
 inline constexpr unsigned short kTypeLibraryMajor = 6;
 inline constexpr unsigned short kTypeLibraryMinor = 4;
 
+// Resources of the DLL's type libraries: its own, and the copy of the
+// host's VemraVBInterface that answers IDispatch calls.
+inline constexpr int kOwnTypeLib = 1;
+inline constexpr int kVBInterfaceTypeLib = 2;
+
 }  // namespace kestrivon::com

@@ -1,22 +1,44 @@
-// The in-process server's entry points. Each forwards to the class factories
-// and the registration with the class table's data.
+// The in-process server's entry points, over the class table's data.
 #include <olectl.h>
 #include <windows.h>
 
-#include "com/ClassFactory.h"
-#include "com/Module.h"
+#include <vector>
+
+#include "com/PrinterObject.h"
 #include "com/Registration.h"
-#include "host/win/ComPtr.h"
+#include "comkit/ClassFactory.h"
+#include "comkit/ComPtr.h"
+#include "comkit/Object.h"
+#include "comkit/Server.h"
+
+namespace {
+
+const std::vector<kestrivon::comkit::ClassEntry>& Classes() {
+  static const auto classes = [] {
+    std::vector<kestrivon::comkit::ClassEntry> entries;
+    for (const auto& identity : kestrivon::com::ClassIdentities()) {
+      entries.push_back({identity.clsid,
+                         [&identity](REFIID riid, void** object) {
+                           return kestrivon::com::PrinterObject::Create(identity, riid, object);
+                         },
+                         kestrivon::com::ProgId(*identity.printerClass)});
+    }
+    return entries;
+  }();
+  return classes;
+}
+
+}  // namespace
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/) {
   switch (reason) {
     case DLL_PROCESS_ATTACH:
-      kestrivon::com::SetModuleHandle(instance);
+      kestrivon::comkit::SetModuleHandle(instance);
       break;
     case DLL_PROCESS_DETACH:
       // The run time's destructors run after this; from now on the host's
       // objects that the component still holds are dropped, not released.
-      kestrivon::host::win::MarkUnloading();
+      kestrivon::comkit::MarkUnloading();
       break;
     default:
       break;
@@ -25,10 +47,11 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserv
 }
 
 STDAPI DllGetClassObject(REFCLSID clsid, REFIID riid, LPVOID* factory) {
-  return kestrivon::com::GetClassFactory(clsid, riid, factory);
+  return kestrivon::comkit::Answered(
+      [&] { return kestrivon::comkit::GetClassObject(Classes(), clsid, riid, factory); });
 }
 
-STDAPI DllCanUnloadNow() { return kestrivon::com::CanUnload() ? S_OK : S_FALSE; }
+STDAPI DllCanUnloadNow() { return kestrivon::comkit::CanUnload() ? S_OK : S_FALSE; }
 
 STDAPI DllRegisterServer() { return kestrivon::com::RegisterServer(); }
 

@@ -6,33 +6,23 @@
 
 #include "VemraVBInterface.h"
 #include "com/ClassIdentities.h"
+#include "comkit/Object.h"
 
 namespace kestrivon::com {
 
 // One revision printer as the host sees it: IRevisionPrinter's vtable over a
-// RevisionPrinter of the class table. The class's default interface (and
-// VemraHARP's second one) have no members of their own, so the same vtable
-// serves them. Every operation answers S_OK with the operation's answer; a
-// failing HRESULT means a null out-pointer (E_POINTER) or a dispatch call
-// that does not fit the interface.
-class PrinterObject final : public IRevisionPrinter {
+// RevisionPrinter of the class table, IDispatch through IRevisionPrinter's
+// type information. The class's default interface (and VemraHARP's second
+// one) have no members of their own, so the same vtable serves them. Every
+// operation answers S_OK with the operation's answer; a failing HRESULT
+// means a null out-pointer (E_POINTER) or a dispatch call that does not fit
+// the interface.
+class PrinterObject final : public comkit::DualObject<IRevisionPrinter, kVBInterfaceTypeLib> {
  public:
   // Makes a new object of the class and hands out the asked interface.
   static HRESULT Create(const ClassIdentity& identity, REFIID riid, void** object);
 
-  // IUnknown
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override;
-  ULONG STDMETHODCALLTYPE AddRef() override;
-  ULONG STDMETHODCALLTYPE Release() override;
-
-  // IDispatch, through IRevisionPrinter's type information
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID lcid, ITypeInfo** info) override;
-  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID lcid,
-                                          DISPID* ids) override;
-  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID riid, LCID lcid, WORD flags,
-                                   DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception,
-                                   UINT* argError) override;
+  PrinterObject(const ClassIdentity& identity, std::unique_ptr<RevisionPrinter> printer);
 
   // IRevisionPrinter
   HRESULT STDMETHODCALLTYPE get_Extension(BSTR* extension) override;
@@ -46,14 +36,10 @@ class PrinterObject final : public IRevisionPrinter {
   HRESULT STDMETHODCALLTYPE Version(LONG* version) override;
   HRESULT STDMETHODCALLTYPE IsPrinterAvailable(VARIANT_BOOL* available) override;
 
-  PrinterObject(const PrinterObject&) = delete;
-  PrinterObject& operator=(const PrinterObject&) = delete;
-
  private:
-  PrinterObject(const ClassIdentity& identity, std::unique_ptr<RevisionPrinter> printer);
-  ~PrinterObject();
+  ~PrinterObject() override;
+  [[nodiscard]] bool PrimaryAnswers(REFIID riid) const override;
 
-  LONG refs_ = 1;
   const ClassIdentity& identity_;
   std::unique_ptr<RevisionPrinter> printer_;
 };

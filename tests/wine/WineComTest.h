@@ -6,11 +6,22 @@
 #include <oleauto.h>
 
 #include <string>
-#include <utility>
 
-// Small owners for the COM tests under Wine: a BSTR, an interface reference
-// and GUIDs from their text form.
+#include "comkit/Bstr.h"
+#include "comkit/ComPtr.h"
+#include "comkit/Object.h"
+#include "comkit/SelfRegistration.h"
+#include "comkit/Variant.h"
+
+// The COM tests under Wine use the component's own COM toolkit; GUIDs are
+// written down as text.
 namespace kestrivon::wine_test {
+
+using comkit::Bstr;
+using comkit::CallByName;
+using comkit::ComPtr;
+using comkit::GuidText;
+using comkit::Variant;
 
 inline GUID Guid(const wchar_t* text) {
   GUID guid{};
@@ -18,57 +29,43 @@ inline GUID Guid(const wchar_t* text) {
   return guid;
 }
 
-inline std::wstring GuidText(const GUID& guid) {
-  wchar_t text[40] = {};
-  ::StringFromGUID2(guid, text, 40);
-  return text;
+// The DISPID that GetIDsOfNames answers for a member name; DISPID_UNKNOWN
+// when it fails.
+inline DISPID DispIdOf(IDispatch* object, const wchar_t* name) {
+  DISPID id = DISPID_UNKNOWN;
+  LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
+  if (FAILED(object->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id))) {
+    return DISPID_UNKNOWN;
+  }
+  return id;
 }
 
-// An owned BSTR.
-class Bstr {
- public:
-  Bstr() = default;
-  explicit Bstr(const wchar_t* text) : b_(SysAllocString(text)) {}
-  ~Bstr() { SysFreeString(b_); }
-  Bstr(const Bstr&) = delete;
-  Bstr& operator=(const Bstr&) = delete;
-  BSTR get() const { return b_; }
-  BSTR* out() {
-    SysFreeString(b_);
-    b_ = nullptr;
-    return &b_;
+// A string value under HKEY_CLASSES_ROOT (the default value without a
+// name), or "<missing>".
+inline std::wstring ClassesValue(const std::wstring& path, const wchar_t* name = nullptr) {
+  wchar_t data[1024] = {};
+  DWORD size = sizeof(data);
+  if (::RegGetValueW(HKEY_CLASSES_ROOT, path.c_str(), name, RRF_RT_REG_SZ, nullptr, data, &size) !=
+      ERROR_SUCCESS) {
+    return L"<missing>";
   }
-  std::wstring str() const { return b_ == nullptr ? L"" : std::wstring(b_, SysStringLen(b_)); }
+  return data;
+}
 
- private:
-  BSTR b_ = nullptr;
-};
-
-// Releases an interface at the end of a scope.
-template <class T>
-class Ref {
- public:
-  Ref() = default;
-  explicit Ref(T* p) : p_(p) {}
-  ~Ref() { reset(); }
-  Ref(const Ref&) = delete;
-  Ref& operator=(const Ref&) = delete;
-  Ref(Ref&& other) noexcept : p_(std::exchange(other.p_, nullptr)) {}
-  T** out() {
-    reset();
-    return &p_;
+inline bool ClassesKeyExists(const std::wstring& path) {
+  HKEY key = nullptr;
+  if (::RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) {
+    return false;
   }
-  void** outVoid() { return reinterpret_cast<void**>(out()); }
-  T* get() const { return p_; }
-  T* operator->() const { return p_; }
-  explicit operator bool() const { return p_ != nullptr; }
-  void reset() {
-    if (p_ != nullptr) p_->Release();
-    p_ = nullptr;
-  }
+  ::RegCloseKey(key);
+  return true;
+}
 
- private:
-  T* p_ = nullptr;
-};
+// An entry point of a loaded DLL without arguments (DllCanUnloadNow,
+// DllRegisterServer, ...); null when it has none of that name.
+using EntryPoint = HRESULT(STDAPICALLTYPE*)();
+inline EntryPoint Export(HMODULE dll, const char* name) {
+  return reinterpret_cast<EntryPoint>(reinterpret_cast<void*>(::GetProcAddress(dll, name)));
+}
 
 }  // namespace kestrivon::wine_test

@@ -20,59 +20,33 @@
 
 #include "VemraVBInterface.h"
 #include "com/ClassIdentities.h"
+#include "comkit/ComPtr.h"
+#include "frame/ErrorHandler.h"
 #include "platform/win/Text.h"
 
 namespace {
 
+using kestrivon::comkit::ComPtr;
 using kestrivon::platform::win::ToWide;
 
 constexpr const wchar_t* kSecondInterfaceName = L"_VemraHARPSettings";
 
-// Releases an interface pointer at the end of a scope.
-template <class T>
-class Ref {
- public:
-  Ref() = default;
-  ~Ref() {
-    if (p_ != nullptr) p_->Release();
-  }
-  Ref(const Ref&) = delete;
-  Ref& operator=(const Ref&) = delete;
-  T** operator&() { return &p_; }  // NOLINT(google-runtime-operator): COM out-parameter
-  T* operator->() const { return p_; }
-  T* get() const { return p_; }
-
- private:
-  T* p_ = nullptr;
-};
-
-struct Failure {
-  const char* step;
-  HRESULT hr;
-};
-
+// A failed step ends the program with the step's name and HRESULT.
 void Check(HRESULT hr, const char* step) {
-  if (FAILED(hr)) throw Failure{step, hr};
+  if (FAILED(hr)) throw kestrivon::RunTimeError(hr, step);
 }
 
-// Everything created here lives until the library is saved; the process
-// ends right after, so the references are released in one go.
+// Everything created here lives until the library is saved.
 class Owned {
  public:
-  Owned() = default;
-  ~Owned() {
-    for (IUnknown* p : held_) p->Release();
-  }
-  Owned(const Owned&) = delete;
-  Owned& operator=(const Owned&) = delete;
   template <class T>
   T* Keep(T* p) {
-    held_.push_back(p);
+    held_.emplace_back(p);
     return p;
   }
 
  private:
-  std::vector<IUnknown*> held_;
+  std::vector<ComPtr<IUnknown>> held_;
 };
 
 // A member-less dual interface derived from IDispatch, hidden like the
@@ -110,19 +84,19 @@ void Write(const std::wstring& output, const std::wstring& hostLibrary) {
 #else
   constexpr SYSKIND kSysKind = SYS_WIN32;
 #endif
-  Ref<ITypeLib> stdole;
-  Check(LoadTypeLib(L"stdole2.tlb", &stdole), "LoadTypeLib stdole2.tlb");
-  Ref<ITypeInfo> dispatch;
-  Check(stdole->GetTypeInfoOfGuid(IID_IDispatch, &dispatch), "IDispatch in stdole2.tlb");
+  ComPtr<ITypeLib> stdole;
+  Check(LoadTypeLib(L"stdole2.tlb", stdole.Put()), "LoadTypeLib stdole2.tlb");
+  ComPtr<ITypeInfo> dispatch;
+  Check(stdole->GetTypeInfoOfGuid(IID_IDispatch, dispatch.Put()), "IDispatch in stdole2.tlb");
 
-  Ref<ITypeLib> host;
-  Check(LoadTypeLibEx(hostLibrary.c_str(), REGKIND_NONE, &host), "LoadTypeLibEx host library");
-  Ref<ITypeInfo> revisionPrinter;
-  Check(host->GetTypeInfoOfGuid(__uuidof(IRevisionPrinter), &revisionPrinter),
+  ComPtr<ITypeLib> host;
+  Check(LoadTypeLibEx(hostLibrary.c_str(), REGKIND_NONE, host.Put()), "LoadTypeLibEx host library");
+  ComPtr<ITypeInfo> revisionPrinter;
+  Check(host->GetTypeInfoOfGuid(__uuidof(IRevisionPrinter), revisionPrinter.Put()),
         "IRevisionPrinter in the host library");
 
-  Ref<ICreateTypeLib2> lib;
-  Check(CreateTypeLib2(kSysKind, output.c_str(), &lib), "CreateTypeLib2");
+  ComPtr<ICreateTypeLib2> lib;
+  Check(CreateTypeLib2(kSysKind, output.c_str(), lib.Put()), "CreateTypeLib2");
   Check(lib->SetName(const_cast<LPOLESTR>(L"VemraKestrivon")), "SetName");
   Check(lib->SetGuid(kestrivon::com::kTypeLibraryId), "SetGuid");
   Check(lib->SetVersion(kestrivon::com::kTypeLibraryMajor, kestrivon::com::kTypeLibraryMinor),
@@ -136,26 +110,26 @@ void Write(const std::wstring& output, const std::wstring& hostLibrary) {
   std::vector<ITypeInfo*> defaults;
   ITypeInfo* second = nullptr;
   for (const auto& c : kestrivon::com::ClassIdentities()) {
-    defaults.push_back(NewDefaultInterface(lib.get(),
+    defaults.push_back(NewDefaultInterface(lib.Get(),
                                            L"_" + ToWide(std::string(c.printerClass->name)),
-                                           *c.defaultIid, dispatch.get(), owned));
+                                           *c.defaultIid, dispatch.Get(), owned));
     if (c.secondIid != nullptr) {
       second =
-          NewDefaultInterface(lib.get(), kSecondInterfaceName, *c.secondIid, dispatch.get(), owned);
+          NewDefaultInterface(lib.Get(), kSecondInterfaceName, *c.secondIid, dispatch.Get(), owned);
     }
   }
 
   size_t i = 0;
   for (const auto& c : kestrivon::com::ClassIdentities()) {
     const std::wstring name = ToWide(std::string(c.printerClass->name));
-    Ref<ICreateTypeInfo> coclass;
-    Check(lib->CreateTypeInfo(const_cast<LPOLESTR>(name.c_str()), TKIND_COCLASS, &coclass),
+    ComPtr<ICreateTypeInfo> coclass;
+    Check(lib->CreateTypeInfo(const_cast<LPOLESTR>(name.c_str()), TKIND_COCLASS, coclass.Put()),
           "CreateTypeInfo (coclass)");
     Check(coclass->SetGuid(*c.clsid), "SetGuid (coclass)");
     UINT index = 0;
-    AddInterface(coclass.get(), index++, defaults[i], IMPLTYPEFLAG_FDEFAULT);
-    if (c.secondIid != nullptr) AddInterface(coclass.get(), index++, second, 0);
-    AddInterface(coclass.get(), index++, revisionPrinter.get(), 0);
+    AddInterface(coclass.Get(), index++, defaults[i], IMPLTYPEFLAG_FDEFAULT);
+    if (c.secondIid != nullptr) AddInterface(coclass.Get(), index++, second, 0);
+    AddInterface(coclass.Get(), index++, revisionPrinter.Get(), 0);
     // After the interfaces: set before them, Wine's writer also marked the
     // first coclass dispatchable.
     Check(coclass->SetTypeFlags(TYPEFLAG_FCANCREATE), "SetTypeFlags (coclass)");
@@ -172,11 +146,9 @@ int wmain(int argc, wchar_t** argv) {
     std::fprintf(stderr, "usage: kestrivon_write_typelib <output.tlb> <VemraVBInterface.tlb>\n");
     return 2;
   }
-  try {
-    Write(argv[1], argv[2]);
-  } catch (const Failure& f) {
-    std::fprintf(stderr, "kestrivon_write_typelib: %s failed (0x%08lX)\n", f.step,
-                 static_cast<unsigned long>(f.hr));
+  if (const auto error = kestrivon::Attempt([&] { Write(argv[1], argv[2]); })) {
+    std::fprintf(stderr, "kestrivon_write_typelib: %s failed (0x%08lX)\n",
+                 error->description.c_str(), static_cast<unsigned long>(error->number));
     return 1;
   }
   return 0;

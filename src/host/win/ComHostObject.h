@@ -2,10 +2,12 @@
 
 #include <oaidl.h>
 
+#include "comkit/ComPtr.h"
 #include "host/HostObject.h"
-#include "host/win/ComPtr.h"
 
 namespace kestrivon::host::win {
+
+using comkit::ComPtr;
 
 // A host object that the host handed in as an IDispatch: holds a reference
 // for as long as the component keeps the object.

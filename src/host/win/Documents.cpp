@@ -5,76 +5,44 @@
 
 #include <windows.h>
 
+#include <utility>
 #include <vector>
 
-// IPrinter's slot-8 method is called Release, which C++ cannot declare
-// beside IUnknown::Release; this file does not use IPrinter.
-#define __IPrinter_INTERFACE_DEFINED__
 #include "VemraHostServices.h"
-#undef __IPrinter_INTERFACE_DEFINED__
+#include "comkit/Bstr.h"
+#include "comkit/ComPtr.h"
+#include "comkit/Object.h"
+#include "comkit/Variant.h"
 #include "host/win/ComError.h"
 #include "host/win/ComHostObject.h"
-#include "host/win/ComPtr.h"
 #include "platform/win/Text.h"
 #include "runtime/RunTimeError.h"
 
 namespace kestrivon::host {
 namespace {
 
-using platform::win::FromWide;
-using platform::win::ToWide;
+using comkit::ComPtr;
+using comkit::Utf8;
+using OwnedVariant = comkit::Variant;
 using win::Check;
-using win::ComPtr;
-
-// A VARIANT that clears itself.
-struct OwnedVariant {
-  VARIANT v;
-  OwnedVariant() { VariantInit(&v); }
-  ~OwnedVariant() { VariantClear(&v); }
-  OwnedVariant(const OwnedVariant&) = delete;
-  OwnedVariant& operator=(const OwnedVariant&) = delete;
-};
-
-// A string argument, freed with the variant.
-void SetText(OwnedVariant& argument, const std::string& text) {
-  const std::wstring wide = ToWide(text);
-  BSTR bstr = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
-  if (bstr == nullptr) Raise(vb_error::kOutOfMemory);
-  V_VT(&argument.v) = VT_BSTR;
-  V_BSTR(&argument.v) = bstr;
-}
 
 // Calls a member by name. Arguments are given in call order.
 void Invoke(IDispatch* object, const wchar_t* name, WORD flags, std::vector<VARIANT> arguments,
             VARIANT* result) {
   if (object == nullptr) Raise(vb_error::kObjectVariableNotSet);
-  DISPID id = DISPID_UNKNOWN;
-  LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
-  Check(object->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id));
-  std::vector<VARIANT> reversed(arguments.rbegin(), arguments.rend());
-  DISPID put = DISPID_PROPERTYPUT;
-  DISPPARAMS params{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
-  if ((flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) {
-    params.rgdispidNamedArgs = &put;
-    params.cNamedArgs = 1;
-  }
   EXCEPINFO exception{};
-  UINT argumentError = 0;
-  const HRESULT hr = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &params, result,
-                                    &exception, &argumentError);
+  const HRESULT hr =
+      comkit::CallByName(object, name, flags, std::move(arguments), result, &exception);
   if (hr == DISP_E_EXCEPTION) {
     if (exception.pfnDeferredFillIn != nullptr) exception.pfnDeferredFillIn(&exception);
+    const auto source = comkit::Bstr::Attach(exception.bstrSource);
+    const auto description = comkit::Bstr::Attach(exception.bstrDescription);
+    const auto helpFile = comkit::Bstr::Attach(exception.bstrHelpFile);
     const HRESULT code =
         exception.scode != 0 ? exception.scode : MAKE_HRESULT(1, 4, exception.wCode);
-    const std::string description =
-        exception.bstrDescription != nullptr
-            ? FromWide(exception.bstrDescription,
-                       static_cast<int>(SysStringLen(exception.bstrDescription)))
-            : std::string("Automation error");
-    SysFreeString(exception.bstrSource);
-    SysFreeString(exception.bstrDescription);
-    SysFreeString(exception.bstrHelpFile);
-    throw RunTimeError(static_cast<int32_t>(code), description);
+    throw RunTimeError(static_cast<int32_t>(code), description.Get() != nullptr
+                                                       ? description.Utf8()
+                                                       : std::string("Automation error"));
   }
   Check(hr);
 }
@@ -84,8 +52,7 @@ ComPtr<IDispatch> DispatchOf(VARIANT& value) {
   if (V_VT(&value) == VT_DISPATCH) return ComPtr<IDispatch>::Share(V_DISPATCH(&value));
   if (V_VT(&value) == VT_UNKNOWN && V_UNKNOWN(&value) != nullptr) {
     ComPtr<IDispatch> dispatch;
-    Check(
-        V_UNKNOWN(&value)->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(dispatch.Put())));
+    Check(V_UNKNOWN(&value)->QueryInterface(IID_IDispatch, dispatch.PutVoid()));
     return dispatch;
   }
   if (V_VT(&value) == VT_EMPTY || V_VT(&value) == VT_NULL) return {};
@@ -94,8 +61,8 @@ ComPtr<IDispatch> DispatchOf(VARIANT& value) {
 
 ComPtr<IDispatch> GetObjectMember(IDispatch* object, const wchar_t* name) {
   OwnedVariant result;
-  Invoke(object, name, DISPATCH_PROPERTYGET | DISPATCH_METHOD, {}, &result.v);
-  return DispatchOf(result.v);
+  Invoke(object, name, DISPATCH_PROPERTYGET | DISPATCH_METHOD, {}, result.Put());
+  return DispatchOf(result.Get());
 }
 
 Variant ToVariant(VARIANT& value) {
@@ -113,14 +80,15 @@ Variant ToVariant(VARIANT& value) {
     case VT_DATE:
       return VbDate{V_DATE(&value)};
     case VT_BSTR:
-      return FromWide(V_BSTR(&value), static_cast<int>(SysStringLen(V_BSTR(&value))));
+      return Utf8(V_BSTR(&value));
     default:
       break;
   }
   OwnedVariant converted;
-  if (SUCCEEDED(VariantChangeType(&converted.v, &value, 0, VT_R8))) return V_R8(&converted.v);
-  if (SUCCEEDED(VariantChangeType(&converted.v, &value, 0, VT_BSTR))) {
-    return FromWide(V_BSTR(&converted.v), static_cast<int>(SysStringLen(V_BSTR(&converted.v))));
+  if (SUCCEEDED(VariantChangeType(converted.Put(), &value, 0, VT_R8)))
+    return V_R8(&converted.Get());
+  if (SUCCEEDED(VariantChangeType(converted.Put(), &value, 0, VT_BSTR))) {
+    return Utf8(V_BSTR(&converted.Get()));
   }
   Raise(vb_error::kTypeMismatch);
 }
@@ -139,16 +107,12 @@ class ComMessageEntry final : public MessageEntry {
  public:
   explicit ComMessageEntry(ComPtr<IDispatch> entry) : entry_(std::move(entry)) {}
   void SetVemraObject(const HostObjectRef& object) override {
-    VARIANT argument;
-    VariantInit(&argument);
-    V_VT(&argument) = VT_DISPATCH;
-    V_DISPATCH(&argument) = object ? DispatchOf(object) : nullptr;
-    Invoke(entry_.Get(), L"VemraObject", DISPATCH_PROPERTYPUTREF, {argument}, nullptr);
+    const auto argument = OwnedVariant::Object(object ? DispatchOf(object) : nullptr);
+    Invoke(entry_.Get(), L"VemraObject", DISPATCH_PROPERTYPUTREF, {argument.Get()}, nullptr);
   }
   void SetDescription(const std::string& text) override {
-    OwnedVariant argument;
-    SetText(argument, text);
-    Invoke(entry_.Get(), L"Description", DISPATCH_PROPERTYPUT, {argument.v}, nullptr);
+    const auto argument = OwnedVariant::Text(text);
+    Invoke(entry_.Get(), L"Description", DISPATCH_PROPERTYPUT, {argument.Get()}, nullptr);
   }
 
  private:
@@ -160,8 +124,8 @@ class ComMessagePack final : public MessagePack {
   explicit ComMessagePack(ComPtr<IDispatch> pack) : pack_(std::move(pack)) {}
   std::shared_ptr<MessageEntry> AddNew() override {
     OwnedVariant result;
-    Invoke(pack_.Get(), L"AddNew", DISPATCH_METHOD | DISPATCH_PROPERTYGET, {}, &result.v);
-    ComPtr<IDispatch> entry = DispatchOf(result.v);
+    Invoke(pack_.Get(), L"AddNew", DISPATCH_METHOD | DISPATCH_PROPERTYGET, {}, result.Put());
+    ComPtr<IDispatch> entry = DispatchOf(result.Get());
     if (!entry) return nullptr;
     return std::make_shared<ComMessageEntry>(std::move(entry));
   }
@@ -188,20 +152,19 @@ class ComOptionSet final : public OptionSet {
  public:
   explicit ComOptionSet(ComPtr<IDispatch> options) : options_(std::move(options)) {}
   bool Exist(const std::string& name) override {
-    OwnedVariant argument;
-    SetText(argument, name);
+    const auto argument = OwnedVariant::Text(name);
     OwnedVariant result;
-    Invoke(options_.Get(), L"Exist", DISPATCH_METHOD | DISPATCH_PROPERTYGET, {argument.v},
-           &result.v);
+    Invoke(options_.Get(), L"Exist", DISPATCH_METHOD | DISPATCH_PROPERTYGET, {argument.Get()},
+           result.Put());
     OwnedVariant truth;
-    Check(VariantChangeType(&truth.v, &result.v, 0, VT_BOOL));
-    return V_BOOL(&truth.v) != VARIANT_FALSE;
+    Check(result.ChangeType(VT_BOOL, truth));
+    return V_BOOL(&truth.Get()) != VARIANT_FALSE;
   }
   Variant Option(const std::string& name) override {
-    const std::wstring wide = ToWide(name);
+    const std::wstring wide = platform::win::ToWide(name);
     OwnedVariant result;
-    Invoke(options_.Get(), wide.c_str(), DISPATCH_PROPERTYGET, {}, &result.v);
-    return ToVariant(result.v);
+    Invoke(options_.Get(), wide.c_str(), DISPATCH_PROPERTYGET, {}, result.Put());
+    return ToVariant(result.Get());
   }
 
  private:
@@ -244,8 +207,7 @@ class ComVemraObject final : public VemraObject {
 template <class Interface>
 ComPtr<Interface> Query(const HostObjectRef& object) {
   ComPtr<Interface> view;
-  Check(DispatchOf(object)->QueryInterface(__uuidof(Interface),
-                                           reinterpret_cast<void**>(view.Put())));
+  Check(DispatchOf(object)->QueryInterface(__uuidof(Interface), view.PutVoid()));
   return view;
 }
 

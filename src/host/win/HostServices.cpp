@@ -10,58 +10,28 @@
 #include <string>
 #include <utility>
 
-// IPrinter's slot-8 method is called Release, which C++ cannot declare
-// beside IUnknown::Release; this file does not use IPrinter, so its
-// definition is left out.
-#define __IPrinter_INTERFACE_DEFINED__
 #include "VemraHostServices.h"
-#undef __IPrinter_INTERFACE_DEFINED__
+#include "comkit/Bstr.h"
+#include "comkit/ComPtr.h"
+#include "comkit/Variant.h"
 #include "host/TraceService.h"
 #include "host/win/ComError.h"
-#include "host/win/ComPtr.h"
-#include "platform/win/Text.h"
 #include "runtime/RunTimeError.h"
 
 namespace kestrivon::host {
 namespace {
 
-using platform::win::FromWide;
-using platform::win::ToWide;
+using comkit::Bstr;
+using comkit::ComPtr;
 using win::Check;
-using win::ComPtr;
 
 static_assert(sizeof(long) == sizeof(int32_t), "the host's counters are 32-bit longs");
-
-// An owned BSTR made from UTF-8 text.
-class Bstr {
- public:
-  explicit Bstr(const std::string& utf8) {
-    const std::wstring wide = ToWide(utf8);
-    b_ = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
-    if (b_ == nullptr) Raise(vb_error::kOutOfMemory);
-  }
-  Bstr() = default;
-  ~Bstr() { SysFreeString(b_); }
-  Bstr(const Bstr&) = delete;
-  Bstr& operator=(const Bstr&) = delete;
-  BSTR Get() const { return b_; }
-  BSTR Detach() { return std::exchange(b_, nullptr); }
-  BSTR* Put() {
-    SysFreeString(b_);
-    b_ = nullptr;
-    return &b_;
-  }
-  std::string Utf8() const { return FromWide(b_, static_cast<int>(SysStringLen(b_))); }
-
- private:
-  BSTR b_ = nullptr;
-};
 
 template <class Interface, class Class>
 ComPtr<Interface> CreateHostObject() {
   ComPtr<Interface> object;
   const HRESULT hr = CoCreateInstance(__uuidof(Class), nullptr, CLSCTX_SERVER, __uuidof(Interface),
-                                      reinterpret_cast<void**>(object.Put()));
+                                      object.PutVoid());
   // As the run time's object creation says it when the class is missing.
   if (FAILED(hr) || !object) Raise(vb_error::kCantCreateObject);
   return object;
@@ -79,14 +49,7 @@ class ComTraceService final : public TraceService {
     Bstr procedureText(procedureLabel);
     // By reference: the callee may replace the arguments (freeing what it
     // replaces), so whatever they hold afterwards is ours to free.
-    IDispatch* errorArg = errorObject.Detach();
-    BSTR classArg = classText.Detach();
-    BSTR procedureArg = procedureText.Detach();
-    const HRESULT hr = service_->LogError(&errorArg, &classArg, &procedureArg);
-    if (errorArg != nullptr) errorArg->Release();
-    SysFreeString(classArg);
-    SysFreeString(procedureArg);
-    Check(hr);
+    Check(service_->LogError(errorObject.InOut(), classText.InOut(), procedureText.InOut()));
   }
 
   std::string ResolveText(const std::string& text) override {
@@ -111,13 +74,10 @@ class ComTraceService final : public TraceService {
                          const std::string& title) override {
     Bstr promptText(prompt);
     Bstr titleText(title);
-    VARIANT missing;
-    VariantInit(&missing);
-    V_VT(&missing) = VT_ERROR;
-    V_ERROR(&missing) = DISP_E_PARAMNOTFOUND;
+    const comkit::Variant missing = comkit::Variant::Missing();
     long answer = 0;
-    Check(service_->ShowMessageBox(promptText.Get(), buttons, titleText.Get(), missing, missing,
-                                   &answer));
+    Check(service_->ShowMessageBox(promptText.Get(), buttons, titleText.Get(), missing.Get(),
+                                   missing.Get(), &answer));
     return static_cast<int32_t>(answer);
   }
 

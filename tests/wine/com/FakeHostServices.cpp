@@ -5,6 +5,7 @@
 #include <array>
 
 #include "ComTestSupport.h"
+#include "comkit/ClassFactory.h"
 
 namespace kestrivon::wine_test {
 namespace {
@@ -41,24 +42,11 @@ ULONG STDMETHODCALLTYPE Release(void* self) {
 }
 HRESULT STDMETHODCALLTYPE NotImplemented(void* /*self*/) { return E_NOTIMPL; }
 
-std::wstring Text(BSTR b) { return b == nullptr ? L"" : std::wstring(b, SysStringLen(b)); }
+using comkit::Wide;
 
-// Reads one property of the error object late-bound, as a host would.
-VARIANT ErrorProperty(IDispatch* error, const wchar_t* name) {
-  VARIANT value;
-  VariantInit(&value);
-  DISPID id = DISPID_UNKNOWN;
-  LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
-  if (FAILED(error->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id))) {
-    ADD_FAILURE() << "error object has no property " << name;
-    return value;
-  }
-  DISPPARAMS none{};
-  if (FAILED(error->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, &value,
-                           nullptr, nullptr))) {
-    ADD_FAILURE() << "error object property " << name << " cannot be read";
-  }
-  return value;
+// A property of the error object read late-bound, as a host would.
+void ReadProperty(IDispatch* error, const wchar_t* name, Variant& value) {
+  EXPECT_EQ(CallByName(error, name, DISPATCH_PROPERTYGET, {}, value.Put()), S_OK) << name;
 }
 
 // TraceService, slots 7 to 62.
@@ -68,20 +56,18 @@ HRESULT STDMETHODCALLTYPE LogError(void* /*self*/, IDispatch** error, BSTR* clas
   LoggedError logged;
   if (error != nullptr && *error != nullptr) {
     // The names in unusual case: the host's late binding ignores case.
-    VARIANT number = ErrorProperty(*error, L"number");
-    VARIANT description = ErrorProperty(*error, L"DESCRIPTION");
-    VARIANT source = ErrorProperty(*error, L"Source");
-    if (V_VT(&number) == VT_I4) logged.number = V_I4(&number);
-    if (V_VT(&description) == VT_BSTR) logged.description = Text(V_BSTR(&description));
-    if (V_VT(&source) == VT_BSTR) logged.source = Text(V_BSTR(&source));
-    VariantClear(&number);
-    VariantClear(&description);
-    VariantClear(&source);
+    Variant number, description, source;
+    ReadProperty(*error, L"number", number);
+    ReadProperty(*error, L"DESCRIPTION", description);
+    ReadProperty(*error, L"Source", source);
+    if (number.Type() == VT_I4) logged.number = V_I4(&number.Get());
+    if (description.Type() == VT_BSTR) logged.description = Wide(V_BSTR(&description.Get()));
+    if (source.Type() == VT_BSTR) logged.source = Wide(V_BSTR(&source.Get()));
   } else {
     ADD_FAILURE() << "LogError without an error object";
   }
-  logged.classLabel = Text(*classLabel);
-  logged.procedureLabel = Text(*procedureLabel);
+  logged.classLabel = Wide(*classLabel);
+  logged.procedureLabel = Wide(*procedureLabel);
   Fake().errors.push_back(logged);
   return S_OK;
 }
@@ -96,19 +82,11 @@ HRESULT STDMETHODCALLTYPE CurrentTicks(void* /*self*/, LONG* ticks) {
 HRESULT STDMETHODCALLTYPE WriteTrace(void* /*self*/, BSTR line) {
   if (FAILED(Fake().writeTraceResult)) {
     if (!Fake().writeTraceErrorText.empty()) {
-      Ref<ICreateErrorInfo> create;
-      if (SUCCEEDED(CreateErrorInfo(create.out()))) {
-        create->SetDescription(const_cast<LPOLESTR>(Fake().writeTraceErrorText.c_str()));
-        create->SetSource(const_cast<LPOLESTR>(L"FakeTraceService"));
-        Ref<IErrorInfo> info;
-        if (SUCCEEDED(create->QueryInterface(IID_IErrorInfo, info.outVoid()))) {
-          SetErrorInfo(0, info.get());
-        }
-      }
+      comkit::SetErrorInfo(IID_NULL, {0, Fake().writeTraceErrorText, "FakeTraceService"});
     }
     return Fake().writeTraceResult;
   }
-  Fake().traceLines.push_back(Text(line));
+  Fake().traceLines.push_back(Wide(line));
   return S_OK;
 }
 HRESULT STDMETHODCALLTYPE ShowMessageBox(void* /*self*/, BSTR /*prompt*/, LONG /*buttons*/,
@@ -125,7 +103,7 @@ HRESULT STDMETHODCALLTYPE CopyFile(void* /*self*/, BSTR /*source*/, BSTR /*targe
 
 // InstanceMonitor, slots 7 and 14.
 HRESULT STDMETHODCALLTYPE RegisterCounter(void* /*self*/, BSTR name, LONG* counter) {
-  Fake().counters[Text(name)] = counter;
+  Fake().counters[Wide(name)] = counter;
   return S_OK;
 }
 HRESULT STDMETHODCALLTYPE GetLevel(void* /*self*/, LONG* level) {
@@ -165,35 +143,19 @@ const std::array<void*, 15>& MonitorVtable() {
   return vtbl;
 }
 
-class Factory final : public IClassFactory {
- public:
-  Factory(void* const* vtbl, const wchar_t* iid, int& created)
-      : vtbl_(vtbl), iid_(Guid(iid)), created_(created) {}
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
-    if (IsEqualIID(riid, IID_IUnknown) || IsEqualIID(riid, IID_IClassFactory)) {
-      *object = static_cast<IClassFactory*>(this);
-      return S_OK;
-    }
-    *object = nullptr;
-    return E_NOINTERFACE;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-  ULONG STDMETHODCALLTYPE Release() override { return 1; }
-  HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID riid, void** object) override {
-    if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-    auto* raw = new RawObject{vtbl_, 1, iid_};
-    const HRESULT hr = wine_test::QueryInterface(raw, riid, object);
-    wine_test::Release(raw);
-    if (SUCCEEDED(hr)) ++created_;
-    return hr;
-  }
-  HRESULT STDMETHODCALLTYPE LockServer(BOOL /*lock*/) override { return S_OK; }
-
- private:
-  void* const* vtbl_;
-  GUID iid_;
-  int& created_;
-};
+// Makes a raw object over the vtable for the interface and counts it.
+comkit::ClassEntry FakeClass(const GUID& clsid, void* const* vtbl, const wchar_t* iid,
+                             int& created) {
+  return {&clsid,
+          [vtbl, iid = Guid(iid), &created](REFIID riid, void** object) {
+            auto* raw = new RawObject{vtbl, 1, iid};
+            const HRESULT hr = wine_test::QueryInterface(raw, riid, object);
+            wine_test::Release(raw);
+            if (SUCCEEDED(hr)) ++created;
+            return hr;
+          },
+          {}};
+}
 
 }  // namespace
 
@@ -212,16 +174,21 @@ FakeHost& Fake() {
 }
 
 void InstallFakeHostServices() {
-  static Factory traceServices(TraceServiceVtable().data(), kTraceServiceIid,
-                               Fake().traceServicesCreated);
-  static Factory monitors(MonitorVtable().data(), kMonitorIid, Fake().monitorsCreated);
-  DWORD cookie = 0;
-  ASSERT_EQ(CoRegisterClassObject(Guid(kTraceServiceClsid), &traceServices, CLSCTX_INPROC_SERVER,
-                                  REGCLS_MULTIPLEUSE, &cookie),
-            S_OK);
-  ASSERT_EQ(CoRegisterClassObject(Guid(kMonitorClsid), &monitors, CLSCTX_INPROC_SERVER,
-                                  REGCLS_MULTIPLEUSE, &cookie),
-            S_OK);
+  static const GUID traceService = Guid(kTraceServiceClsid);
+  static const GUID monitor = Guid(kMonitorClsid);
+  static const std::array<comkit::ClassEntry, 2> classes{
+      FakeClass(traceService, TraceServiceVtable().data(), kTraceServiceIid,
+                Fake().traceServicesCreated),
+      FakeClass(monitor, MonitorVtable().data(), kMonitorIid, Fake().monitorsCreated),
+  };
+  for (const auto& c : classes) {
+    ComPtr<IUnknown> factory;
+    ASSERT_EQ(comkit::GetClassObject(classes, *c.clsid, IID_IUnknown, factory.PutVoid()), S_OK);
+    DWORD cookie = 0;
+    ASSERT_EQ(CoRegisterClassObject(*c.clsid, factory.Get(), CLSCTX_INPROC_SERVER,
+                                    REGCLS_MULTIPLEUSE, &cookie),
+              S_OK);
+  }
 }
 
 }  // namespace kestrivon::wine_test

@@ -23,7 +23,7 @@ struct FakeHost {
   // What the fakes answer.
   LONG level = 3;
   HRESULT writeTraceResult = S_OK;
-  std::wstring writeTraceErrorText;  // given as IErrorInfo when not empty
+  std::string writeTraceErrorText;  // given as IErrorInfo when not empty
   HRESULT logErrorResult = S_OK;
 
   // What they saw.

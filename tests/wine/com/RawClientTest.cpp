@@ -6,6 +6,8 @@
 
 #include <cstddef>
 #include <string>
+#include <type_traits>
+#include <utility>
 
 #include "ComTestSupport.h"
 #include "FakeHostServices.h"
@@ -42,77 +44,61 @@ constexpr VARIANT_BOOL kFalse = VARIANT_FALSE;
 constexpr const wchar_t* kNoFileDoPrintLine =
     L"VemraKestrivon::NoFile::IRevisionPrinter_DoPrint(): document has no file -> nothing to do";
 
-// One reference to an object through its IRevisionPrinter slots.
+// One reference to an object, called through its IRevisionPrinter slots.
+// Answers start neither true nor false (nor a valid number), so an
+// operation that does not set them shows.
 class Printer {
  public:
-  explicit Printer(void* p = nullptr) : p_(p) {}
-  ~Printer() { Reset(); }
-  Printer(const Printer&) = delete;
-  Printer& operator=(const Printer&) = delete;
-  Printer(Printer&& other) noexcept : p_(std::exchange(other.p_, nullptr)) {}
-
-  void Reset() {
-    if (p_ != nullptr) v()->Release(p_);
-    p_ = nullptr;
+  explicit Printer(ComPtr<IUnknown> object = {}) : object_(std::move(object)) {}
+  void Reset() { object_.Reset(); }
+  [[nodiscard]] IUnknown* Get() const { return object_.Get(); }
+  [[nodiscard]] const RevisionPrinterVtbl* v() const {
+    return *reinterpret_cast<RevisionPrinterVtbl* const*>(object_.Get());
   }
-  void* get() const { return p_; }
-  const RevisionPrinterVtbl* v() const { return *static_cast<RevisionPrinterVtbl* const*>(p_); }
 
-  std::wstring Extension() const {
-    Bstr text;
-    EXPECT_EQ(v()->Extension(p_, text.out()), S_OK);
-    return text.str();
-  }
+  std::wstring Extension() const { return Text(v()->Extension); }
+  // The answer, or "<null>" when the text is missing altogether.
+  std::wstring CheckPrnSettings() const { return Text(v()->CheckPrnSettings); }
+  VARIANT_BOOL InitPrnSettings() const { return Answer<VARIANT_BOOL>(v()->InitPrnSettings); }
+  VARIANT_BOOL SetPrnDefaults() const { return Answer<VARIANT_BOOL>(v()->SetPrnDefaults); }
+  VARIANT_BOOL IsPrinterAvailable() const { return Answer<VARIANT_BOOL>(v()->IsPrinterAvailable); }
+  LONG Version() const { return Answer<LONG>(v()->Version); }
   VARIANT_BOOL DoPrint(IDispatch* document, IDispatch* owner, const wchar_t* folder,
                        const wchar_t* file) const {
-    Bstr folderText(folder);
-    Bstr fileText(file);
-    VARIANT_BOOL result = 1;  // neither true nor false: must be overwritten
-    EXPECT_EQ(v()->DoPrint(p_, document, owner, folderText.get(), fileText.get(), &result), S_OK);
-    return result;
+    return Answer<VARIANT_BOOL>(v()->DoPrint, document, owner, Bstr(folder).Get(),
+                                Bstr(file).Get());
   }
-  VARIANT_BOOL InitPrnSettings() const { return Flag(v()->InitPrnSettings); }
-  VARIANT_BOOL SetPrnDefaults() const { return Flag(v()->SetPrnDefaults); }
-  VARIANT_BOOL IsPrinterAvailable() const { return Flag(v()->IsPrinterAvailable); }
   VARIANT_BOOL AppendFile(const wchar_t* toAppend, const wchar_t* main) const {
-    Bstr a(toAppend);
-    Bstr m(main);
-    VARIANT_BOOL result = 1;
-    EXPECT_EQ(v()->AppendFile(p_, a.get(), m.get(), &result), S_OK);
-    return result;
-  }
-  // The answer, or "<null>" when the text is missing altogether.
-  std::wstring CheckPrnSettings() const {
-    Bstr text;
-    EXPECT_EQ(v()->CheckPrnSettings(p_, text.out()), S_OK);
-    return text.get() == nullptr ? L"<null>" : text.str();
-  }
-  LONG Version() const {
-    LONG version = -1;
-    EXPECT_EQ(v()->Version(p_, &version), S_OK);
-    return version;
+    return Answer<VARIANT_BOOL>(v()->AppendFile, Bstr(toAppend).Get(), Bstr(main).Get());
   }
 
  private:
-  VARIANT_BOOL Flag(HRESULT(STDMETHODCALLTYPE* op)(void*, VARIANT_BOOL*)) const {
-    VARIANT_BOOL result = 1;
-    EXPECT_EQ(op(p_, &result), S_OK);
+  template <class T, class Op, class... Args>
+  T Answer(Op op, Args... args) const {
+    T result = std::is_same_v<T, LONG> ? -1 : 1;
+    EXPECT_EQ(op(Get(), args..., &result), S_OK);
     return result;
   }
-  void* p_;
+  std::wstring Text(HRESULT(STDMETHODCALLTYPE* op)(void*, BSTR*)) const {
+    Bstr text;
+    EXPECT_EQ(op(Get(), text.Put()), S_OK);
+    return text.Get() == nullptr ? L"<null>" : text.Wide();
+  }
+
+  ComPtr<IUnknown> object_;
 };
 
 Printer Create(const ContractClass& c) {
   CLSID clsid{};
   EXPECT_EQ(CLSIDFromProgID(c.progId, &clsid), S_OK) << c.progId;
   EXPECT_EQ(GuidText(clsid), c.clsid) << c.progId;
-  Ref<IUnknown> unknown;
-  const HRESULT hr =
-      CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, unknown.outVoid());
-  EXPECT_EQ(hr, S_OK) << c.progId;
-  if (FAILED(hr)) return Printer();
-  void* printer = nullptr;
-  EXPECT_EQ(unknown->QueryInterface(Guid(kRevisionPrinterIid), &printer), S_OK) << c.progId;
+  ComPtr<IUnknown> unknown, printer;
+  EXPECT_EQ(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, unknown.PutVoid()),
+            S_OK)
+      << c.progId;
+  if (unknown) {
+    EXPECT_EQ(unknown->QueryInterface(Guid(kRevisionPrinterIid), printer.PutVoid()), S_OK);
+  }
   return Printer(printer);
 }
 
@@ -123,34 +109,22 @@ const ContractClass& ClassNamed(const wchar_t* name) {
   throw std::logic_error("no such class in the contract table");
 }
 
-// A host object handed to DoPrint: only its reference count matters.
-class Document final : public IDispatch {
+// A host object handed to DoPrint (or as an aggregating outer object): only
+// its reference count matters.
+class Document final : public comkit::NamedObject {
  public:
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
-    if (IsEqualIID(riid, IID_IUnknown) || IsEqualIID(riid, IID_IDispatch)) {
-      *object = static_cast<IDispatch*>(this);
-      AddRef();
-      return S_OK;
-    }
-    *object = nullptr;
-    return E_NOINTERFACE;
+  Document() : NamedObject({}) {}
+  // The references others hold besides the test's own.
+  ULONG OtherRefs() {
+    AddRef();
+    return Release() - 1;
   }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++refs; }
-  ULONG STDMETHODCALLTYPE Release() override { return --refs; }
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-    *count = 0;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-    return DISP_E_UNKNOWNNAME;
-  }
-  HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                                   UINT*) override {
-    return DISP_E_MEMBERNOTFOUND;
-  }
-  ULONG refs = 1;
+
+ protected:
+  HRESULT Call(DISPID, WORD, const DISPPARAMS&, VARIANT*) override { return DISP_E_MEMBERNOTFOUND; }
 };
+
+ComPtr<Document> NewDocument() { return ComPtr<Document>(new Document()); }
 
 class FakeHostEnvironment : public testing::Environment {
  public:
@@ -167,47 +141,66 @@ TEST_F(RawClient, EveryClassIsOneObjectBehindAllItsInterfaces) {
   for (const auto& c : ContractClasses()) {
     SCOPED_TRACE(testing::Message() << c.progId);
     Printer printer = Create(c);
-    ASSERT_NE(printer.get(), nullptr);
-    auto* unknown = static_cast<IUnknown*>(printer.get());
+    ASSERT_NE(printer.Get(), nullptr);
+    IUnknown* unknown = printer.Get();
     for (const GUID& iid : {IID_IUnknown, IID_IDispatch, Guid(c.defaultIid)}) {
-      Ref<IUnknown> other;
-      EXPECT_EQ(unknown->QueryInterface(iid, other.outVoid()), S_OK) << GuidText(iid);
-      EXPECT_EQ(static_cast<void*>(other.get()), printer.get()) << GuidText(iid);
+      ComPtr<IUnknown> other;
+      EXPECT_EQ(unknown->QueryInterface(iid, other.PutVoid()), S_OK) << GuidText(iid);
+      EXPECT_EQ(static_cast<void*>(other.Get()), printer.Get()) << GuidText(iid);
     }
-    Ref<IUnknown> second;
+    ComPtr<IUnknown> second;
     if (c.secondIid != nullptr) {
-      EXPECT_EQ(unknown->QueryInterface(Guid(c.secondIid), second.outVoid()), S_OK);
-      EXPECT_EQ(static_cast<void*>(second.get()), printer.get());
+      EXPECT_EQ(unknown->QueryInterface(Guid(c.secondIid), second.PutVoid()), S_OK);
+      EXPECT_EQ(static_cast<void*>(second.Get()), printer.Get());
     }
     // Another class's interfaces are not this one's.
     const ContractClass& other =
         std::wstring(c.name) == L"NoFile" ? ClassNamed(L"AdobePDF") : ClassNamed(L"NoFile");
-    EXPECT_EQ(unknown->QueryInterface(Guid(other.defaultIid), second.outVoid()), E_NOINTERFACE);
-    EXPECT_EQ(second.get(), nullptr);
+    EXPECT_EQ(unknown->QueryInterface(Guid(other.defaultIid), second.PutVoid()), E_NOINTERFACE);
+    EXPECT_EQ(second.Get(), nullptr);
     if (c.secondIid == nullptr) {
       EXPECT_EQ(unknown->QueryInterface(Guid(L"{0F318467-4A71-4559-BB5B-1430D408735E}"),
-                                        second.outVoid()),
+                                        second.PutVoid()),
                 E_NOINTERFACE);
     }
   }
 }
 
-TEST_F(RawClient, InformationalOperationsAnswerPerClass) {
+TEST_F(RawClient, EveryClassAnswersItsOperations) {
   for (const auto& c : ContractClasses()) {
     SCOPED_TRACE(testing::Message() << c.progId);
     Printer printer = Create(c);
-    ASSERT_NE(printer.get(), nullptr);
+    ASSERT_NE(printer.Get(), nullptr);
+    // The informational operations, before and after the defaults.
     EXPECT_EQ(printer.Version(), 1);
     EXPECT_EQ(printer.Extension(), c.extension);
     EXPECT_EQ(printer.SetPrnDefaults(), kTrue);
     EXPECT_EQ(printer.Extension(), c.extension);
     EXPECT_EQ(printer.Version(), 1);
+    // Null out-pointers are the only failures.
+    const RevisionPrinterVtbl* v = printer.v();
+    void* p = printer.Get();
+    EXPECT_EQ(v->Extension(p, nullptr), E_POINTER);
+    EXPECT_EQ(v->DoPrint(p, nullptr, nullptr, nullptr, nullptr, nullptr), E_POINTER);
+    EXPECT_EQ(v->InitPrnSettings(p, nullptr), E_POINTER);
+    EXPECT_EQ(v->SetPrnDefaults(p, nullptr), E_POINTER);
+    EXPECT_EQ(v->AppendFile(p, nullptr, nullptr, nullptr), E_POINTER);
+    EXPECT_EQ(v->CheckPrnSettings(p, nullptr), E_POINTER);
+    EXPECT_EQ(v->Version(p, nullptr), E_POINTER);
+    EXPECT_EQ(v->IsPrinterAvailable(p, nullptr), E_POINTER);
+    if (std::wstring(c.name) == L"NoFile") continue;  // it completes a revision (below)
+    // The others, without their pipeline, answer failure values.
+    EXPECT_EQ(printer.InitPrnSettings(), kFalse);
+    EXPECT_EQ(printer.IsPrinterAvailable(), kFalse);
+    EXPECT_EQ(printer.CheckPrnSettings(), L"");
+    EXPECT_EQ(printer.DoPrint(nullptr, nullptr, L"", L""), kFalse);
+    EXPECT_EQ(printer.AppendFile(L"C:\\missing\\a.pdf", L"C:\\missing\\b.pdf"), kFalse);
   }
 }
 
 TEST_F(RawClient, NoFileCompletesAWholeRevision) {
   Printer printer = Create(ClassNamed(L"NoFile"));
-  ASSERT_NE(printer.get(), nullptr);
+  ASSERT_NE(printer.Get(), nullptr);
   EXPECT_EQ(printer.InitPrnSettings(), kTrue);
   EXPECT_EQ(printer.CheckPrnSettings(), L"");
   EXPECT_EQ(printer.IsPrinterAvailable(), kTrue);
@@ -223,58 +216,26 @@ TEST_F(RawClient, NoFileCompletesAWholeRevision) {
 
 TEST_F(RawClient, DoPrintHoldsTheHostObjectsOnlyForTheCall) {
   Printer printer = Create(ClassNamed(L"NoFile"));
-  ASSERT_NE(printer.get(), nullptr);
-  Document document;
-  Document owner;
-  EXPECT_EQ(printer.DoPrint(&document, &owner, L"C:\\revisions", L"A-100"), kTrue);
-  EXPECT_EQ(document.refs, 1u);
-  EXPECT_EQ(owner.refs, 1u);
-}
-
-TEST_F(RawClient, PrintersWithoutTheirPipelineAnswerFailureValues) {
-  for (const auto& c : ContractClasses()) {
-    if (std::wstring(c.name) == L"NoFile") continue;
-    SCOPED_TRACE(testing::Message() << c.progId);
-    Printer printer = Create(c);
-    ASSERT_NE(printer.get(), nullptr);
-    EXPECT_EQ(printer.InitPrnSettings(), kFalse);
-    EXPECT_EQ(printer.IsPrinterAvailable(), kFalse);
-    EXPECT_EQ(printer.CheckPrnSettings(), L"");
-    EXPECT_EQ(printer.DoPrint(nullptr, nullptr, L"", L""), kFalse);
-    EXPECT_EQ(printer.AppendFile(L"C:\\missing\\a.pdf", L"C:\\missing\\b.pdf"), kFalse);
-  }
-}
-
-TEST_F(RawClient, NullOutPointersAreTheOnlyFailures) {
-  for (const auto& c : ContractClasses()) {
-    SCOPED_TRACE(testing::Message() << c.progId);
-    Printer printer = Create(c);
-    ASSERT_NE(printer.get(), nullptr);
-    const RevisionPrinterVtbl* v = printer.v();
-    void* p = printer.get();
-    EXPECT_EQ(v->Extension(p, nullptr), E_POINTER);
-    EXPECT_EQ(v->DoPrint(p, nullptr, nullptr, nullptr, nullptr, nullptr), E_POINTER);
-    EXPECT_EQ(v->InitPrnSettings(p, nullptr), E_POINTER);
-    EXPECT_EQ(v->SetPrnDefaults(p, nullptr), E_POINTER);
-    EXPECT_EQ(v->AppendFile(p, nullptr, nullptr, nullptr), E_POINTER);
-    EXPECT_EQ(v->CheckPrnSettings(p, nullptr), E_POINTER);
-    EXPECT_EQ(v->Version(p, nullptr), E_POINTER);
-    EXPECT_EQ(v->IsPrinterAvailable(p, nullptr), E_POINTER);
-  }
+  ASSERT_NE(printer.Get(), nullptr);
+  auto document = NewDocument();
+  auto owner = NewDocument();
+  EXPECT_EQ(printer.DoPrint(document.Get(), owner.Get(), L"C:\\revisions", L"A-100"), kTrue);
+  EXPECT_EQ(document->OtherRefs(), 0u);
+  EXPECT_EQ(owner->OtherRefs(), 0u);
 }
 
 TEST_F(RawClient, TheDefaultDispatchCallsTheOperationsByName) {
   Printer printer = Create(ClassNamed(L"NoFile"));
-  ASSERT_NE(printer.get(), nullptr);
-  Ref<IDispatch> dispatch;
-  ASSERT_EQ(static_cast<IUnknown*>(printer.get())
-                ->QueryInterface(Guid(ClassNamed(L"NoFile").defaultIid), dispatch.outVoid()),
-            S_OK);
+  ASSERT_NE(printer.Get(), nullptr);
+  ComPtr<IDispatch> dispatch;
+  ASSERT_EQ(
+      printer.Get()->QueryInterface(Guid(ClassNamed(L"NoFile").defaultIid), dispatch.PutVoid()),
+      S_OK);
   UINT count = 0;
   EXPECT_EQ(dispatch->GetTypeInfoCount(&count), S_OK);
   EXPECT_EQ(count, 1u);
-  Ref<ITypeInfo> info;
-  ASSERT_EQ(dispatch->GetTypeInfo(0, LOCALE_USER_DEFAULT, info.out()), S_OK);
+  ComPtr<ITypeInfo> info;
+  ASSERT_EQ(dispatch->GetTypeInfo(0, LOCALE_USER_DEFAULT, info.Put()), S_OK);
   TYPEATTR* attr = nullptr;
   ASSERT_EQ(info->GetTypeAttr(&attr), S_OK);
   EXPECT_EQ(GuidText(attr->guid), kRevisionPrinterIid);
@@ -284,52 +245,29 @@ TEST_F(RawClient, TheDefaultDispatchCallsTheOperationsByName) {
                             L"SetPrnDefaults", L"AppendFile",        L"CheckPrnSettings",
                             L"Version",        L"IsPrinterAvailable"};
   for (DISPID expected = 1; const wchar_t* name : names) {
-    DISPID id = DISPID_UNKNOWN;
-    LPOLESTR n[] = {const_cast<LPOLESTR>(name)};
-    EXPECT_EQ(dispatch->GetIDsOfNames(IID_NULL, n, 1, LOCALE_USER_DEFAULT, &id), S_OK) << name;
-    EXPECT_EQ(id, expected++) << name;
+    EXPECT_EQ(DispIdOf(dispatch.Get(), name), expected++) << name;
   }
-  LPOLESTR unknownName[] = {const_cast<LPOLESTR>(L"Print")};
-  DISPID id = 0;
-  EXPECT_EQ(dispatch->GetIDsOfNames(IID_NULL, unknownName, 1, LOCALE_USER_DEFAULT, &id),
-            DISP_E_UNKNOWNNAME);
+  EXPECT_EQ(DispIdOf(dispatch.Get(), L"Print"), DISPID_UNKNOWN);
 
-  VARIANT result;
-  VariantInit(&result);
-  DISPPARAMS none{};
-  ASSERT_EQ(dispatch->Invoke(1, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, &result,
-                             nullptr, nullptr),
-            S_OK);
-  ASSERT_EQ(V_VT(&result), VT_BSTR);
-  EXPECT_EQ(std::wstring(V_BSTR(&result)), L"NoFile");
-  VariantClear(&result);
+  Variant result;
+  ASSERT_EQ(CallByName(dispatch.Get(), L"Extension", DISPATCH_PROPERTYGET, {}, result.Put()), S_OK);
+  ASSERT_EQ(result.Type(), VT_BSTR);
+  EXPECT_EQ(comkit::Wide(V_BSTR(&result.Get())), L"NoFile");
 
-  // DoPrint(Nothing, Nothing, "C:\r", "A-1"): arguments go right to left.
-  Bstr folder(L"C:\\r");
-  Bstr file(L"A-1");
-  VARIANT args[4];
-  for (auto& a : args) VariantInit(&a);
-  V_VT(&args[0]) = VT_BSTR;
-  V_BSTR(&args[0]) = file.get();
-  V_VT(&args[1]) = VT_BSTR;
-  V_BSTR(&args[1]) = folder.get();
-  V_VT(&args[2]) = VT_DISPATCH;
-  V_DISPATCH(&args[2]) = nullptr;
-  V_VT(&args[3]) = VT_DISPATCH;
-  V_DISPATCH(&args[3]) = nullptr;
-  DISPPARAMS params{args, nullptr, 4, 0};
-  ASSERT_EQ(dispatch->Invoke(2, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, &result,
-                             nullptr, nullptr),
+  // DoPrint(Nothing, Nothing, "C:\r", "A-1"), the arguments in call order.
+  const auto nothing = Variant::Object(nullptr);
+  const auto folder = Variant::Text(L"C:\\r");
+  const auto file = Variant::Text(L"A-1");
+  ASSERT_EQ(CallByName(dispatch.Get(), L"DoPrint", DISPATCH_METHOD,
+                       {nothing.Get(), nothing.Get(), folder.Get(), file.Get()}, result.Put()),
             S_OK);
-  ASSERT_EQ(V_VT(&result), VT_BOOL);
-  EXPECT_EQ(V_BOOL(&result), kTrue);
+  ASSERT_EQ(result.Type(), VT_BOOL);
+  EXPECT_EQ(V_BOOL(&result.Get()), kTrue);
   EXPECT_EQ(Fake().traceLines, std::vector<std::wstring>{kNoFileDoPrintLine});
 
-  ASSERT_EQ(dispatch->Invoke(7, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &none, &result,
-                             nullptr, nullptr),
-            S_OK);
-  EXPECT_EQ(V_VT(&result), VT_I4);
-  EXPECT_EQ(V_I4(&result), 1);
+  ASSERT_EQ(CallByName(dispatch.Get(), L"Version", DISPATCH_METHOD, {}, result.Put()), S_OK);
+  EXPECT_EQ(result.Type(), VT_I4);
+  EXPECT_EQ(V_I4(&result.Get()), 1);
 }
 
 class HostServices : public testing::Test {
@@ -360,7 +298,7 @@ TEST_F(HostServices, TheMonitorIsMadeOnceAndWatchesTheLiveCount) {
 TEST_F(HostServices, AFailingHostCallIsLoggedWithTheHostsErrorInfo) {
   Printer printer = Create(ClassNamed(L"NoFile"));
   Fake().writeTraceResult = static_cast<HRESULT>(0x80041234);
-  Fake().writeTraceErrorText = L"the trace is full";
+  Fake().writeTraceErrorText = "the trace is full";
   EXPECT_EQ(printer.DoPrint(nullptr, nullptr, L"", L""), kFalse);
   ASSERT_EQ(Fake().errors.size(), 1u);
   const LoggedError& e = Fake().errors[0];
@@ -409,26 +347,23 @@ TEST(Server, UnloadingFollowsLiveObjectsAndLocks) {
   Printer printer = Create(ClassNamed(L"PDFFactory"));
   HMODULE dll = GetModuleHandleW(L"VemraKestrivon.dll");
   ASSERT_NE(dll, nullptr);
-  using CanUnload = HRESULT(STDAPICALLTYPE*)();
-  auto canUnload =
-      reinterpret_cast<CanUnload>(reinterpret_cast<void*>(GetProcAddress(dll, "DllCanUnloadNow")));
+  const EntryPoint canUnload = Export(dll, "DllCanUnloadNow");
   ASSERT_NE(canUnload, nullptr);
   EXPECT_EQ(canUnload(), S_FALSE);
   printer.Reset();
   EXPECT_EQ(canUnload(), S_OK);
 
-  Ref<IClassFactory> factory;
+  ComPtr<IClassFactory> factory;
   ASSERT_EQ(CoGetClassObject(Guid(ClassNamed(L"PDFFactory").clsid), CLSCTX_INPROC_SERVER, nullptr,
-                             IID_IClassFactory, factory.outVoid()),
+                             IID_IClassFactory, factory.PutVoid()),
             S_OK);
   EXPECT_EQ(factory->LockServer(TRUE), S_OK);
   EXPECT_EQ(canUnload(), S_FALSE);
   EXPECT_EQ(factory->LockServer(FALSE), S_OK);
   EXPECT_EQ(canUnload(), S_OK);
 
-  Ref<IUnknown> aggregated;
-  Document outer;
-  EXPECT_EQ(factory->CreateInstance(&outer, IID_IUnknown, aggregated.outVoid()),
+  ComPtr<IUnknown> aggregated;
+  EXPECT_EQ(factory->CreateInstance(NewDocument().Get(), IID_IUnknown, aggregated.PutVoid()),
             CLASS_E_NOAGGREGATION);
   EXPECT_EQ(canUnload(), S_OK);
 }

@@ -72,35 +72,13 @@ Snapshot Take(bool hostOnly = false) {
   return s;
 }
 
-// A string value of HKCR, or "<missing>".
-std::wstring Value(const std::wstring& path, const wchar_t* name = nullptr) {
-  wchar_t data[1024] = {};
-  DWORD size = sizeof(data);
-  if (RegGetValueW(HKEY_CLASSES_ROOT, path.c_str(), name, RRF_RT_REG_SZ, nullptr, data, &size) !=
-      ERROR_SUCCESS) {
-    return L"<missing>";
-  }
-  return data;
-}
-
-bool KeyExists(const std::wstring& path) {
-  HKEY key = nullptr;
-  if (RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) {
-    return false;
-  }
-  RegCloseKey(key);
-  return true;
-}
-
-using EntryPoint = HRESULT(STDAPICALLTYPE*)();
-
 class Registration : public testing::Test {
  protected:
   static void SetUpTestSuite() {
     dll_ = LoadLibraryW(ComponentDll().c_str());
     ASSERT_NE(dll_, nullptr) << "cannot load " << testing::PrintToString(ComponentDll());
-    register_ = Entry("DllRegisterServer");
-    unregister_ = Entry("DllUnregisterServer");
+    register_ = Export(dll_, "DllRegisterServer");
+    unregister_ = Export(dll_, "DllUnregisterServer");
     wchar_t path[MAX_PATH] = {};
     GetModuleFileNameW(dll_, path, MAX_PATH);
     dllPath_ = path;
@@ -113,10 +91,6 @@ class Registration : public testing::Test {
     if (register_ != nullptr) {
       EXPECT_EQ(register_(), S_OK);
     }
-  }
-
-  static EntryPoint Entry(const char* name) {
-    return reinterpret_cast<EntryPoint>(reinterpret_cast<void*>(GetProcAddress(dll_, name)));
   }
 
   static HMODULE dll_;
@@ -136,30 +110,30 @@ TEST_F(Registration, WritesTheClassProgIdAndTypeLibraryKeys) {
   for (const auto& c : ContractClasses()) {
     SCOPED_TRACE(testing::Message() << c.progId);
     const std::wstring key = std::wstring(L"CLSID\\") + c.clsid;
-    EXPECT_EQ(Value(key), c.progId);
-    EXPECT_EQ(Value(key + L"\\InprocServer32"), dllPath_);
-    EXPECT_EQ(Value(key + L"\\InprocServer32", L"ThreadingModel"), L"Apartment");
-    EXPECT_EQ(Value(key + L"\\ProgID"), c.progId);
-    EXPECT_EQ(Value(key + L"\\VERSION"), L"6.4");
-    EXPECT_EQ(Value(key + L"\\TypeLib"), kLibId);
-    EXPECT_TRUE(KeyExists(key + L"\\Programmable"));
-    EXPECT_EQ(Value(c.progId), c.progId);
-    EXPECT_EQ(Value(std::wstring(c.progId) + L"\\CLSID"), c.clsid);
+    EXPECT_EQ(ClassesValue(key), c.progId);
+    EXPECT_EQ(ClassesValue(key + L"\\InprocServer32"), dllPath_);
+    EXPECT_EQ(ClassesValue(key + L"\\InprocServer32", L"ThreadingModel"), L"Apartment");
+    EXPECT_EQ(ClassesValue(key + L"\\ProgID"), c.progId);
+    EXPECT_EQ(ClassesValue(key + L"\\VERSION"), L"6.4");
+    EXPECT_EQ(ClassesValue(key + L"\\TypeLib"), kLibId);
+    EXPECT_TRUE(ClassesKeyExists(key + L"\\Programmable"));
+    EXPECT_EQ(ClassesValue(c.progId), c.progId);
+    EXPECT_EQ(ClassesValue(std::wstring(c.progId) + L"\\CLSID"), c.clsid);
 
     const std::wstring iface = std::wstring(L"Interface\\") + c.defaultIid;
-    EXPECT_EQ(Value(iface), c.defaultInterface);
-    EXPECT_EQ(Value(iface + L"\\TypeLib"), kLibId);
-    EXPECT_EQ(Value(iface + L"\\TypeLib", L"Version"), L"6.4");
-    EXPECT_EQ(Value(iface + L"\\ProxyStubClsid32"), kOleAutomationProxy);
+    EXPECT_EQ(ClassesValue(iface), c.defaultInterface);
+    EXPECT_EQ(ClassesValue(iface + L"\\TypeLib"), kLibId);
+    EXPECT_EQ(ClassesValue(iface + L"\\TypeLib", L"Version"), L"6.4");
+    EXPECT_EQ(ClassesValue(iface + L"\\ProxyStubClsid32"), kOleAutomationProxy);
     if (c.secondIid != nullptr) {
       const std::wstring second = std::wstring(L"Interface\\") + c.secondIid;
-      EXPECT_EQ(Value(second), kSecondInterface);
-      EXPECT_EQ(Value(second + L"\\TypeLib"), kLibId);
+      EXPECT_EQ(ClassesValue(second), kSecondInterface);
+      EXPECT_EQ(ClassesValue(second + L"\\TypeLib"), kLibId);
     }
   }
   const std::wstring lib = std::wstring(L"TypeLib\\") + kLibId + L"\\6.4";
-  EXPECT_EQ(Value(lib), kLibDescription);
-  EXPECT_EQ(Value(lib + L"\\0\\" + kPlatform), dllPath_);
+  EXPECT_EQ(ClassesValue(lib), kLibDescription);
+  EXPECT_EQ(ClassesValue(lib + L"\\0\\" + kPlatform), dllPath_);
 }
 
 TEST_F(Registration, NeverWritesTheHostsKeys) {
@@ -169,8 +143,8 @@ TEST_F(Registration, NeverWritesTheHostsKeys) {
   EXPECT_EQ(Take(true), hostBefore);
   // Present only when the host kit registered it, and then never ours.
   const std::wstring revisionPrinter = std::wstring(L"Interface\\") + kRevisionPrinterIid;
-  if (KeyExists(revisionPrinter)) {
-    EXPECT_EQ(Value(revisionPrinter + L"\\TypeLib"), kVBInterfaceLibId);
+  if (ClassesKeyExists(revisionPrinter)) {
+    EXPECT_EQ(ClassesValue(revisionPrinter + L"\\TypeLib"), kVBInterfaceLibId);
   }
   for (const auto& [path, data] : Take(true)) {
     EXPECT_EQ(data.find(dllPath_), std::wstring::npos) << testing::PrintToString(path);

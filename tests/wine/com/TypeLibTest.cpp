@@ -17,17 +17,17 @@ constexpr SYSKIND kSysKind = SYS_WIN32;
 #endif
 constexpr SHORT kSlot = sizeof(void*);
 
-Ref<ITypeLib> LoadResource(int index) {
-  Ref<ITypeLib> lib;
+ComPtr<ITypeLib> LoadResource(int index) {
+  ComPtr<ITypeLib> lib;
   const std::wstring path = ComponentDll() + L"\\" + std::to_wstring(index);
-  EXPECT_EQ(LoadTypeLibEx(path.c_str(), REGKIND_NONE, lib.out()), S_OK) << index;
+  EXPECT_EQ(LoadTypeLibEx(path.c_str(), REGKIND_NONE, lib.Put()), S_OK) << index;
   return lib;
 }
 
 std::wstring Name(ITypeInfo* info, MEMBERID id = MEMBERID_NIL) {
   Bstr name;
-  EXPECT_EQ(info->GetDocumentation(id, name.out(), nullptr, nullptr, nullptr), S_OK);
-  return name.str();
+  EXPECT_EQ(info->GetDocumentation(id, name.Put(), nullptr, nullptr, nullptr), S_OK);
+  return name.Wide();
 }
 
 // The type attributes, copied out so that no release can be forgotten.
@@ -39,21 +39,21 @@ TYPEATTR Attributes(ITypeInfo* info) {
   return copy;
 }
 
-Ref<ITypeInfo> ImplType(ITypeInfo* info, UINT index) {
+ComPtr<ITypeInfo> ImplType(ITypeInfo* info, UINT index) {
   HREFTYPE ref = 0;
-  Ref<ITypeInfo> other;
+  ComPtr<ITypeInfo> other;
   EXPECT_EQ(info->GetRefTypeOfImplType(index, &ref), S_OK);
-  EXPECT_EQ(info->GetRefTypeInfo(ref, other.out()), S_OK);
+  EXPECT_EQ(info->GetRefTypeInfo(ref, other.Put()), S_OK);
   return other;
 }
 
 // The vtable half of a dual interface.
-Ref<ITypeInfo> VtablePart(ITypeInfo* dual) { return ImplType(dual, static_cast<UINT>(-1)); }
+ComPtr<ITypeInfo> VtablePart(ITypeInfo* dual) { return ImplType(dual, static_cast<UINT>(-1)); }
 
 GUID ContainingLibrary(ITypeInfo* info) {
-  Ref<ITypeLib> lib;
+  ComPtr<ITypeLib> lib;
   UINT index = 0;
-  EXPECT_EQ(info->GetContainingTypeLib(lib.out(), &index), S_OK);
+  EXPECT_EQ(info->GetContainingTypeLib(lib.Put(), &index), S_OK);
   TLIBATTR* attr = nullptr;
   EXPECT_EQ(lib->GetLibAttr(&attr), S_OK);
   const GUID guid = attr->guid;
@@ -91,9 +91,9 @@ void ExpectRevisionPrinterLayout(ITypeInfo* revisionPrinter) {
   const TYPEATTR dual = Attributes(revisionPrinter);
   EXPECT_EQ(GuidText(dual.guid), kRevisionPrinterIid);
   EXPECT_NE(dual.wTypeFlags & TYPEFLAG_FDUAL, 0);
-  Ref<ITypeInfo> vtable = VtablePart(revisionPrinter);
+  ComPtr<ITypeInfo> vtable = VtablePart(revisionPrinter);
   ASSERT_TRUE(vtable);
-  const TYPEATTR attr = Attributes(vtable.get());
+  const TYPEATTR attr = Attributes(vtable.Get());
   EXPECT_EQ(attr.typekind, TKIND_INTERFACE);
   ASSERT_EQ(attr.cFuncs, Operations().size());
   EXPECT_EQ(attr.cbSizeVft, (7 + 8) * kSlot);
@@ -102,7 +102,7 @@ void ExpectRevisionPrinterLayout(ITypeInfo* revisionPrinter) {
     SCOPED_TRACE(testing::Message() << testing::PrintToString(std::wstring(op.name)));
     FUNCDESC* f = nullptr;
     ASSERT_EQ(vtable->GetFuncDesc(i, &f), S_OK);
-    EXPECT_EQ(Name(vtable.get(), f->memid), op.name);
+    EXPECT_EQ(Name(vtable.Get(), f->memid), op.name);
     EXPECT_EQ(f->memid, static_cast<MEMBERID>(i + 1));
     EXPECT_EQ(f->oVft, static_cast<SHORT>((7 + i) * kSlot));
     EXPECT_EQ(f->invkind, op.kind);
@@ -118,7 +118,7 @@ void ExpectRevisionPrinterLayout(ITypeInfo* revisionPrinter) {
 }
 
 TEST(TypeLibrary, HasTheLibraryAttributes) {
-  Ref<ITypeLib> lib = LoadResource(1);
+  ComPtr<ITypeLib> lib = LoadResource(1);
   ASSERT_TRUE(lib);
   TLIBATTR* attr = nullptr;
   ASSERT_EQ(lib->GetLibAttr(&attr), S_OK);
@@ -130,86 +130,86 @@ TEST(TypeLibrary, HasTheLibraryAttributes) {
   lib->ReleaseTLibAttr(attr);
   Bstr name;
   Bstr doc;
-  ASSERT_EQ(lib->GetDocumentation(-1, name.out(), doc.out(), nullptr, nullptr), S_OK);
-  EXPECT_EQ(name.str(), L"VemraKestrivon");
-  EXPECT_EQ(doc.str(), kLibDescription);
+  ASSERT_EQ(lib->GetDocumentation(-1, name.Put(), doc.Put(), nullptr, nullptr), S_OK);
+  EXPECT_EQ(name.Wide(), L"VemraKestrivon");
+  EXPECT_EQ(doc.Wide(), kLibDescription);
   // Eight default interfaces and seven classes; nothing copied from the host.
   EXPECT_EQ(lib->GetTypeInfoCount(), 15u);
-  Ref<ITypeInfo> copied;
-  EXPECT_EQ(lib->GetTypeInfoOfGuid(Guid(kRevisionPrinterIid), copied.out()),
+  ComPtr<ITypeInfo> copied;
+  EXPECT_EQ(lib->GetTypeInfoOfGuid(Guid(kRevisionPrinterIid), copied.Put()),
             TYPE_E_ELEMENTNOTFOUND);
 
   // The registered library is this one.
-  Ref<ITypeLib> registered;
-  ASSERT_EQ(LoadRegTypeLib(Guid(kLibId), 6, 4, 0, registered.out()), S_OK);
+  ComPtr<ITypeLib> registered;
+  ASSERT_EQ(LoadRegTypeLib(Guid(kLibId), 6, 4, 0, registered.Put()), S_OK);
   EXPECT_EQ(registered->GetTypeInfoCount(), 15u);
 }
 
 TEST(TypeLibrary, EveryClassIsCreatableWithItsOwnDefaultInterface) {
-  Ref<ITypeLib> lib = LoadResource(1);
+  ComPtr<ITypeLib> lib = LoadResource(1);
   ASSERT_TRUE(lib);
   for (const auto& c : ContractClasses()) {
     SCOPED_TRACE(testing::Message() << testing::PrintToString(std::wstring(c.name)));
-    Ref<ITypeInfo> coclass;
-    ASSERT_EQ(lib->GetTypeInfoOfGuid(Guid(c.clsid), coclass.out()), S_OK);
-    const TYPEATTR attr = Attributes(coclass.get());
+    ComPtr<ITypeInfo> coclass;
+    ASSERT_EQ(lib->GetTypeInfoOfGuid(Guid(c.clsid), coclass.Put()), S_OK);
+    const TYPEATTR attr = Attributes(coclass.Get());
     EXPECT_EQ(attr.typekind, TKIND_COCLASS);
     EXPECT_NE(attr.wTypeFlags & TYPEFLAG_FCANCREATE, 0);
-    EXPECT_EQ(Name(coclass.get()), c.name);
+    EXPECT_EQ(Name(coclass.Get()), c.name);
     ASSERT_EQ(attr.cImplTypes, c.secondIid != nullptr ? 3 : 2);
 
     INT flags = 0;
     ASSERT_EQ(coclass->GetImplTypeFlags(0, &flags), S_OK);
     EXPECT_EQ(flags, IMPLTYPEFLAG_FDEFAULT);
-    Ref<ITypeInfo> own = ImplType(coclass.get(), 0);
+    ComPtr<ITypeInfo> own = ImplType(coclass.Get(), 0);
     ASSERT_TRUE(own);
-    const TYPEATTR ownAttr = Attributes(own.get());
+    const TYPEATTR ownAttr = Attributes(own.Get());
     EXPECT_EQ(GuidText(ownAttr.guid), c.defaultIid);
-    EXPECT_EQ(Name(own.get()), c.defaultInterface);
-    Ref<ITypeInfo> declared;
-    ASSERT_EQ(lib->GetTypeInfoOfGuid(Guid(c.defaultIid), declared.out()), S_OK);
-    EXPECT_EQ(Attributes(declared.get()).typekind, TKIND_DISPATCH);
-    EXPECT_NE(Attributes(declared.get()).wTypeFlags & TYPEFLAG_FDUAL, 0);
-    Ref<ITypeInfo> ownVtable = VtablePart(own.get());
+    EXPECT_EQ(Name(own.Get()), c.defaultInterface);
+    ComPtr<ITypeInfo> declared;
+    ASSERT_EQ(lib->GetTypeInfoOfGuid(Guid(c.defaultIid), declared.Put()), S_OK);
+    EXPECT_EQ(Attributes(declared.Get()).typekind, TKIND_DISPATCH);
+    EXPECT_NE(Attributes(declared.Get()).wTypeFlags & TYPEFLAG_FDUAL, 0);
+    ComPtr<ITypeInfo> ownVtable = VtablePart(own.Get());
     ASSERT_TRUE(ownVtable);
-    EXPECT_EQ(Attributes(ownVtable.get()).cFuncs, 0) << "no members of its own";
-    EXPECT_EQ(Attributes(ownVtable.get()).cbSizeVft, 7 * kSlot);
+    EXPECT_EQ(Attributes(ownVtable.Get()).cFuncs, 0) << "no members of its own";
+    EXPECT_EQ(Attributes(ownVtable.Get()).cbSizeVft, 7 * kSlot);
 
     UINT next = 1;
     if (c.secondIid != nullptr) {
-      Ref<ITypeInfo> second = ImplType(coclass.get(), next++);
+      ComPtr<ITypeInfo> second = ImplType(coclass.Get(), next++);
       ASSERT_TRUE(second);
-      EXPECT_EQ(GuidText(Attributes(second.get()).guid), c.secondIid);
-      EXPECT_EQ(Name(second.get()), kSecondInterface);
+      EXPECT_EQ(GuidText(Attributes(second.Get()).guid), c.secondIid);
+      EXPECT_EQ(Name(second.Get()), kSecondInterface);
     }
     // IRevisionPrinter is the host's: it resolves into VemraVBInterface.
-    Ref<ITypeInfo> revisionPrinter = ImplType(coclass.get(), next);
+    ComPtr<ITypeInfo> revisionPrinter = ImplType(coclass.Get(), next);
     ASSERT_TRUE(revisionPrinter);
-    EXPECT_EQ(GuidText(Attributes(revisionPrinter.get()).guid), kRevisionPrinterIid);
-    EXPECT_EQ(GuidText(ContainingLibrary(revisionPrinter.get())), kVBInterfaceLibId);
+    EXPECT_EQ(GuidText(Attributes(revisionPrinter.Get()).guid), kRevisionPrinterIid);
+    EXPECT_EQ(GuidText(ContainingLibrary(revisionPrinter.Get())), kVBInterfaceLibId);
   }
 }
 
 TEST(TypeLibrary, RevisionPrinterHasTheContractsSlots) {
-  Ref<ITypeLib> lib = LoadResource(1);
+  ComPtr<ITypeLib> lib = LoadResource(1);
   ASSERT_TRUE(lib);
-  Ref<ITypeInfo> coclass;
-  ASSERT_EQ(lib->GetTypeInfoOfGuid(Guid(ContractClasses()[0].clsid), coclass.out()), S_OK);
-  Ref<ITypeInfo> referenced = ImplType(coclass.get(), 1);
+  ComPtr<ITypeInfo> coclass;
+  ASSERT_EQ(lib->GetTypeInfoOfGuid(Guid(ContractClasses()[0].clsid), coclass.Put()), S_OK);
+  ComPtr<ITypeInfo> referenced = ImplType(coclass.Get(), 1);
   ASSERT_TRUE(referenced);
-  ExpectRevisionPrinterLayout(referenced.get());
+  ExpectRevisionPrinterLayout(referenced.Get());
 }
 
 TEST(TypeLibrary, TheDispatchCopyOfTheHostLibraryHasTheSameSlots) {
-  Ref<ITypeLib> copy = LoadResource(2);
+  ComPtr<ITypeLib> copy = LoadResource(2);
   ASSERT_TRUE(copy);
   TLIBATTR* attr = nullptr;
   ASSERT_EQ(copy->GetLibAttr(&attr), S_OK);
   EXPECT_EQ(GuidText(attr->guid), kVBInterfaceLibId);
   copy->ReleaseTLibAttr(attr);
-  Ref<ITypeInfo> revisionPrinter;
-  ASSERT_EQ(copy->GetTypeInfoOfGuid(Guid(kRevisionPrinterIid), revisionPrinter.out()), S_OK);
-  ExpectRevisionPrinterLayout(revisionPrinter.get());
+  ComPtr<ITypeInfo> revisionPrinter;
+  ASSERT_EQ(copy->GetTypeInfoOfGuid(Guid(kRevisionPrinterIid), revisionPrinter.Put()), S_OK);
+  ExpectRevisionPrinterLayout(revisionPrinter.Get());
 }
 
 }  // namespace

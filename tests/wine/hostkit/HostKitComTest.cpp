@@ -7,7 +7,6 @@
 #include <oaidl.h>
 #include <olectl.h>
 
-#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -18,18 +17,22 @@
 // windows.h renames these; the host's interfaces name their members plainly.
 #undef CopyFile
 #undef GetObject
-// IPrinter's slot-8 Release cannot be declared in C++; it is not used here.
-#define __IPrinter_INTERFACE_DEFINED__
 #include "VemraHostServices.h"
-#undef __IPrinter_INTERFACE_DEFINED__
 #include "WineComTest.h"
 #include "core/TraceLog.h"
 
 namespace {
 
 using kestrivon::wine_test::Bstr;
+using kestrivon::wine_test::CallByName;
+using kestrivon::wine_test::ClassesKeyExists;
+using kestrivon::wine_test::ClassesValue;
+using kestrivon::wine_test::ComPtr;
+using kestrivon::wine_test::DispIdOf;
+using kestrivon::wine_test::EntryPoint;
+using kestrivon::wine_test::Export;
 using kestrivon::wine_test::Guid;
-using kestrivon::wine_test::Ref;
+using kestrivon::wine_test::Variant;
 namespace fs = std::filesystem;
 using Fields = std::vector<std::string>;
 
@@ -45,31 +48,9 @@ fs::path workFolder;
 fs::path logPath;
 constexpr LONG kLevel = 3;
 
-std::string Narrow(const std::wstring& wide) {
-  std::string text;
-  for (wchar_t c : wide) text += c < 128 ? static_cast<char>(c) : '?';
-  return text;
-}
-
-// A registry value under HKEY_CLASSES_ROOT; nullopt-like empty marker.
-bool ReadClassesValue(const std::wstring& key, const wchar_t* name, std::wstring& value) {
-  wchar_t buffer[1024];
-  DWORD size = sizeof buffer;
-  if (::RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), name, RRF_RT_REG_SZ, nullptr, buffer, &size) !=
-      ERROR_SUCCESS) {
-    return false;
-  }
-  value = buffer;
-  return true;
-}
-
-bool ClassesKeyExists(const std::wstring& key) {
-  HKEY handle = nullptr;
-  if (::RegOpenKeyExW(HKEY_CLASSES_ROOT, key.c_str(), 0, KEY_READ, &handle) != ERROR_SUCCESS) {
-    return false;
-  }
-  ::RegCloseKey(handle);
-  return true;
+// Case does not matter in the registry's GUIDs and paths.
+bool Same(const std::wstring& a, const std::wstring& b) {
+  return _wcsicmp(a.c_str(), b.c_str()) == 0;
 }
 
 std::vector<Fields> LogEntries() {
@@ -108,92 +89,53 @@ class LogMark {
   size_t start_;
 };
 
-Ref<ITraceService> NewTraceService() {
-  Ref<ITraceService> service;
-  EXPECT_EQ(::CoCreateInstance(Guid(kTraceServiceClsid), nullptr, CLSCTX_INPROC_SERVER,
-                               Guid(kTraceServiceIid), service.outVoid()),
+// A new object of the host kit's class, asked for its interface.
+template <class Interface>
+ComPtr<Interface> New(const wchar_t* clsid) {
+  ComPtr<Interface> object;
+  EXPECT_EQ(::CoCreateInstance(Guid(clsid), nullptr, CLSCTX_INPROC_SERVER, __uuidof(Interface),
+                               object.PutVoid()),
             S_OK);
-  return service;
+  return object;
 }
-
-Ref<IInstanceMonitor> NewInstanceMonitor() {
-  Ref<IInstanceMonitor> monitor;
-  EXPECT_EQ(::CoCreateInstance(Guid(kInstanceMonitorClsid), nullptr, CLSCTX_INPROC_SERVER,
-                               __uuidof(IInstanceMonitor), monitor.outVoid()),
-            S_OK);
-  return monitor;
-}
+ComPtr<ITraceService> NewTraceService() { return New<ITraceService>(kTraceServiceClsid); }
 
 // The run time's error object as the component hands it over: properties
-// reached by name only, no type information.
-class FakeError final : public IDispatch {
+// reached by name only, no type information; a nameless one has none.
+class FakeError final : public kestrivon::comkit::NamedObject {
  public:
   FakeError(LONG number, const wchar_t* description, const wchar_t* source, bool named = true)
-      : number_(number), description_(description), source_(source), named_(named) {}
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override {
-    if (IsEqualIID(riid, IID_IUnknown) || IsEqualIID(riid, IID_IDispatch)) {
-      *ppv = this;
-      AddRef();
-      return S_OK;
-    }
-    *ppv = nullptr;
-    return E_NOINTERFACE;
+      : NamedObject(named ? kNames : std::initializer_list<const wchar_t*>{}),
+        number_(number),
+        description_(description),
+        source_(source) {}
+  ULONG OtherRefs() {
+    AddRef();
+    return Release() - 1;
   }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++refs_; }
-  ULONG STDMETHODCALLTYPE Release() override { return --refs_; }  // lives on the stack
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-    *count = 0;
-    return S_OK;
+
+ protected:
+  HRESULT Call(DISPID id, WORD flags, const DISPPARAMS&, VARIANT* result) override {
+    if (!Getting(flags) || result == nullptr) return DISP_E_MEMBERNOTFOUND;
+    Variant value =
+        id == 1 ? Variant::Long(number_) : Variant::Text(id == 2 ? description_ : source_);
+    return ::VariantCopy(result, &value.Get());
   }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override {
-    return DISP_E_BADINDEX;
-  }
-  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID,
-                                          DISPID* ids) override {
-    const wchar_t* known[] = {L"Number", L"Description", L"Source"};
-    for (DISPID id = 0; id < 3 && named_; ++id) {
-      if (_wcsicmp(names[0], known[id]) == 0) {
-        ids[0] = id + 1;
-        return S_OK;
-      }
-    }
-    ids[0] = DISPID_UNKNOWN;
-    return DISP_E_UNKNOWNNAME;
-  }
-  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS*,
-                                   VARIANT* result, EXCEPINFO*, UINT*) override {
-    if ((flags & DISPATCH_PROPERTYGET) == 0 || result == nullptr) return DISP_E_MEMBERNOTFOUND;
-    VariantInit(result);
-    if (id == 1) {
-      V_VT(result) = VT_I4;
-      V_I4(result) = number_;
-    } else if (id == 2 || id == 3) {
-      V_VT(result) = VT_BSTR;
-      V_BSTR(result) = SysAllocString(id == 2 ? description_ : source_);
-    } else {
-      return DISP_E_MEMBERNOTFOUND;
-    }
-    return S_OK;
-  }
-  ULONG refs() const { return refs_; }
 
  private:
+  static constexpr std::initializer_list<const wchar_t*> kNames{L"Number", L"Description",
+                                                                L"Source"};
   LONG number_;
   const wchar_t* description_;
   const wchar_t* source_;
-  bool named_;
-  std::atomic<ULONG> refs_{1};
 };
 
 void LogError(ITraceService* service, IDispatch* error, const wchar_t* classLabel,
               const wchar_t* procedureLabel) {
   IDispatch* errorArg = error;
-  BSTR classArg = SysAllocString(classLabel);
-  BSTR procedureArg = SysAllocString(procedureLabel);
-  EXPECT_EQ(service->LogError(&errorArg, &classArg, &procedureArg), S_OK);
+  Bstr classArg(classLabel), procedureArg(procedureLabel);
+  EXPECT_EQ(service->LogError(&errorArg, classArg.InOut(), procedureArg.InOut()), S_OK);
   EXPECT_EQ(errorArg, error);  // the arguments come back as they went in
-  SysFreeString(classArg);
-  SysFreeString(procedureArg);
 }
 
 TEST(Registration, ClassesAreInProcessApartmentWithProgIds) {
@@ -201,15 +143,11 @@ TEST(Registration, ClassesAreInProcessApartmentWithProgIds) {
        {std::pair{kTraceServiceClsid, L"VemraHostKit.TraceService"},
         std::pair{kInstanceMonitorClsid, L"VemraHostKit.InstanceMonitor"}}) {
     const std::wstring key = std::wstring(L"CLSID\\") + clsid + L"\\InprocServer32";
-    std::wstring server, model, progIdClsid;
-    ASSERT_TRUE(ReadClassesValue(key, nullptr, server)) << Narrow(key);
-    EXPECT_TRUE(server.size() >= 16 &&
-                _wcsicmp(server.c_str() + server.size() - 16, L"VemraHostKit.dll") == 0)
-        << Narrow(server);
-    ASSERT_TRUE(ReadClassesValue(key, L"ThreadingModel", model));
-    EXPECT_EQ(model, L"Apartment");
-    ASSERT_TRUE(ReadClassesValue(std::wstring(progId) + L"\\CLSID", nullptr, progIdClsid));
-    EXPECT_EQ(_wcsicmp(progIdClsid.c_str(), clsid), 0) << Narrow(progIdClsid);
+    const std::wstring server = ClassesValue(key);
+    EXPECT_TRUE(server.size() >= 16 && Same(server.substr(server.size() - 16), L"VemraHostKit.dll"))
+        << testing::PrintToString(server);
+    EXPECT_EQ(ClassesValue(key, L"ThreadingModel"), L"Apartment");
+    EXPECT_TRUE(Same(ClassesValue(std::wstring(progId) + L"\\CLSID"), clsid));
     CLSID fromProgId{};
     EXPECT_EQ(::CLSIDFromProgID(progId, &fromProgId), S_OK);
     EXPECT_TRUE(IsEqualCLSID(fromProgId, Guid(clsid)));
@@ -217,23 +155,30 @@ TEST(Registration, ClassesAreInProcessApartmentWithProgIds) {
 }
 
 TEST(Registration, TheHostsTypeLibrariesAndTheirInterfaces) {
-  for (const wchar_t* libId : {kHostServicesLibId, kVBInterfaceLibId}) {
-    Ref<ITypeLib> lib;
-    EXPECT_EQ(::LoadRegTypeLib(Guid(libId), 1, 0, 0, lib.out()), S_OK) << Narrow(libId);
+  for (const auto& [iid, libId] : {std::pair{kRevisionPrinterIid, kVBInterfaceLibId},
+                                   std::pair{kTraceServiceIid, kHostServicesLibId}}) {
+    ComPtr<ITypeLib> lib;
+    EXPECT_EQ(::LoadRegTypeLib(Guid(libId), 1, 0, 0, lib.Put()), S_OK);
+    EXPECT_TRUE(Same(ClassesValue(std::wstring(L"Interface\\") + iid + L"\\TypeLib"), libId))
+        << testing::PrintToString(iid);
   }
-  std::wstring lib;
-  ASSERT_TRUE(ReadClassesValue(std::wstring(L"Interface\\") + kRevisionPrinterIid + L"\\TypeLib",
-                               nullptr, lib));
-  EXPECT_EQ(_wcsicmp(lib.c_str(), kVBInterfaceLibId), 0) << Narrow(lib);
-  ASSERT_TRUE(ReadClassesValue(std::wstring(L"Interface\\") + kTraceServiceIid + L"\\TypeLib",
-                               nullptr, lib));
-  EXPECT_EQ(_wcsicmp(lib.c_str(), kHostServicesLibId), 0) << Narrow(lib);
-}
-
-// An export of the loaded DLL.
-template <class Function>
-Function Export(HMODULE dll, const char* name) {
-  return reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(dll, name)));
+  // IPrinter's slot 8 keeps its library name Release and DISPID 8 (C++
+  // names it ReleasePrinter).
+  ComPtr<ITypeLib> services;
+  ASSERT_EQ(::LoadRegTypeLib(Guid(kHostServicesLibId), 1, 0, 0, services.Put()), S_OK);
+  ComPtr<ITypeInfo> printer, vtable;
+  HREFTYPE ref = 0;
+  ASSERT_EQ(services->GetTypeInfoOfGuid(__uuidof(IPrinter), printer.Put()), S_OK);
+  ASSERT_EQ(printer->GetRefTypeOfImplType(static_cast<UINT>(-1), &ref), S_OK);
+  ASSERT_EQ(printer->GetRefTypeInfo(ref, vtable.Put()), S_OK);
+  FUNCDESC* release = nullptr;
+  ASSERT_EQ(vtable->GetFuncDesc(1, &release), S_OK);
+  Bstr name;
+  EXPECT_EQ(vtable->GetDocumentation(release->memid, name.Put(), nullptr, nullptr, nullptr), S_OK);
+  EXPECT_EQ(name.Wide(), L"Release");
+  EXPECT_EQ(release->memid, 8);
+  EXPECT_EQ(release->oVft, static_cast<SHORT>(8 * sizeof(void*)));
+  vtable->ReleaseFuncDesc(release);
 }
 
 // The loaded host kit DLL: the one registered in the prefix.
@@ -245,11 +190,9 @@ HMODULE HostKitModule() {
 TEST(Registration, UnregisterRemovesWhatRegisterWrote) {
   HMODULE dll = HostKitModule();
   ASSERT_NE(dll, nullptr);
-  using Entry = HRESULT(STDAPICALLTYPE*)();
-  auto unregister = Export<Entry>(dll, "DllUnregisterServer");
-  auto reg = Export<Entry>(dll, "DllRegisterServer");
-  ASSERT_NE(unregister, nullptr);
-  ASSERT_NE(reg, nullptr);
+  const EntryPoint unregister = Export(dll, "DllUnregisterServer");
+  const EntryPoint reg = Export(dll, "DllRegisterServer");
+  ASSERT_TRUE(unregister && reg);
   const std::vector<std::wstring> keys{
       std::wstring(L"CLSID\\") + kTraceServiceClsid,
       std::wstring(L"CLSID\\") + kInstanceMonitorClsid,
@@ -260,19 +203,24 @@ TEST(Registration, UnregisterRemovesWhatRegisterWrote) {
       std::wstring(L"Interface\\") + kRevisionPrinterIid,
       std::wstring(L"Interface\\") + kTraceServiceIid,
   };
-  for (const auto& key : keys) EXPECT_TRUE(ClassesKeyExists(key)) << Narrow(key);
+  auto present = [&] {
+    std::vector<bool> found;
+    for (const auto& key : keys) found.push_back(ClassesKeyExists(key));
+    return found;
+  };
+  const std::vector<bool> all(keys.size(), true);
+  EXPECT_EQ(present(), all);
 
   const HRESULT removed = unregister();
-  std::vector<bool> left;
-  for (const auto& key : keys) left.push_back(ClassesKeyExists(key));
+  const std::vector<bool> left = present();
   const HRESULT again = unregister();
   const HRESULT registered = reg();  // the prefix must stay usable for the other tests
 
   EXPECT_EQ(removed, S_OK);
-  for (size_t i = 0; i < keys.size(); ++i) EXPECT_FALSE(left[i]) << Narrow(keys[i]);
+  EXPECT_EQ(left, std::vector<bool>(keys.size(), false));
   EXPECT_EQ(again, S_OK);
   EXPECT_EQ(registered, S_OK);
-  for (const auto& key : keys) EXPECT_TRUE(ClassesKeyExists(key)) << Narrow(key);
+  EXPECT_EQ(present(), all);
 }
 
 TEST(TraceService, WritesTraceLinesAndErrorReports) {
@@ -282,13 +230,15 @@ TEST(TraceService, WritesTraceLinesAndErrorReports) {
   Bstr line(
       L"VemraKestrivon::NoFile::IRevisionPrinter_DoPrint(): document has no file -> "
       L"nothing to do");
-  EXPECT_EQ(service->WriteTrace(line.get()), S_OK);
-  FakeError error(91, L"Object variable or With block variable not set", L"VemraKestrivon");
-  LogError(service.get(), &error, L"VemraKestrivon::NoFile", L" Function IRevisionPrinter_DoPrint");
-  EXPECT_EQ(error.refs(), 1u);  // no reference kept
-  FakeError nameless(5, L"x", L"y", false);
-  LogError(service.get(), &nameless, L"VemraKestrivon::Globals", L"PPMInit");
-  LogError(service.get(), nullptr, L"VemraKestrivon::Globals", L"PPMLevelDebug");
+  EXPECT_EQ(service->WriteTrace(line.Get()), S_OK);
+  ComPtr<FakeError> error(
+      new FakeError(91, L"Object variable or With block variable not set", L"VemraKestrivon"));
+  LogError(service.Get(), error.Get(), L"VemraKestrivon::NoFile",
+           L" Function IRevisionPrinter_DoPrint");
+  EXPECT_EQ(error->OtherRefs(), 0u);  // no reference kept
+  ComPtr<FakeError> nameless(new FakeError(5, L"x", L"y", false));
+  LogError(service.Get(), nameless.Get(), L"VemraKestrivon::Globals", L"PPMInit");
+  LogError(service.Get(), nullptr, L"VemraKestrivon::Globals", L"PPMLevelDebug");
 
   const auto entries = mark.Since();
   ASSERT_EQ(entries.size(), 4u) << Show(entries);
@@ -312,8 +262,8 @@ TEST(TraceService, ResolvesTextsAndCopiesFiles) {
   LogMark mark;
   auto resolve = [&](const wchar_t* text) {
     Bstr in(text), out;
-    EXPECT_EQ(service->ResolveText(in.get(), out.out()), S_OK);
-    return out.str();
+    EXPECT_EQ(service->ResolveText(in.Get(), out.Put()), S_OK);
+    return out.Wide();
   };
   EXPECT_EQ(resolve(L"~05d86 Printer is not installed"), L"Drucker ist nicht installiert");
   EXPECT_EQ(resolve(L"~05d87 Printer output folder does not exist"),
@@ -325,13 +275,14 @@ TEST(TraceService, ResolvesTextsAndCopiesFiles) {
   std::ofstream(source) << "archive";
   fs::remove(target);
   Bstr from(source.wstring().c_str()), to(target.wstring().c_str());
-  VARIANT_BOOL copied = VARIANT_FALSE;
-  EXPECT_EQ(service->CopyFile(from.get(), to.get(), VARIANT_FALSE, &copied), S_OK);
-  EXPECT_EQ(copied, VARIANT_TRUE) << Show(mark.Since());
-  EXPECT_EQ(service->CopyFile(from.get(), to.get(), VARIANT_FALSE, &copied), S_OK);
-  EXPECT_EQ(copied, VARIANT_FALSE);
-  EXPECT_EQ(service->CopyFile(from.get(), to.get(), VARIANT_TRUE, &copied), S_OK);
-  EXPECT_EQ(copied, VARIANT_TRUE) << Show(mark.Since());
+  // A new target, one that is there already, then overwritten.
+  for (const auto& [overwrite, expected] :
+       {std::pair{VARIANT_FALSE, VARIANT_TRUE}, std::pair{VARIANT_FALSE, VARIANT_FALSE},
+        std::pair{VARIANT_TRUE, VARIANT_TRUE}}) {
+    VARIANT_BOOL copied = 1;
+    EXPECT_EQ(service->CopyFile(from.Get(), to.Get(), overwrite, &copied), S_OK);
+    EXPECT_EQ(copied, expected) << Show(mark.Since());
+  }
   EXPECT_TRUE(fs::exists(target));
   EXPECT_EQ(mark.Since().size(), 6u) << Show(mark.Since());  // three texts, three copies
 
@@ -346,15 +297,13 @@ TEST(TraceService, MessageBoxesAnswerFromTheScript) {
   auto service = NewTraceService();
   ASSERT_TRUE(service);
   LogMark mark;
-  VARIANT missing;
-  VariantInit(&missing);
-  V_VT(&missing) = VT_ERROR;
-  V_ERROR(&missing) = DISP_E_PARAMNOTFOUND;
+  const Variant missing = Variant::Missing();
   std::vector<LONG> answers;
   for (int i = 0; i < 3; ++i) {
     Bstr prompt(L"Der Revisionsdrucker ist nicht bereit.\r\nTrotzdem?"), title(L"Revision printer");
     LONG answer = 0;
-    EXPECT_EQ(service->ShowMessageBox(prompt.get(), 36, title.get(), missing, missing, &answer),
+    EXPECT_EQ(service->ShowMessageBox(prompt.Get(), 36, title.Get(), missing.Get(), missing.Get(),
+                                      &answer),
               S_OK);
     answers.push_back(answer);
   }
@@ -374,16 +323,16 @@ TEST(TraceService, HasNoHostApplicationYet) {
   EXPECT_EQ(object, nullptr);
   object = reinterpret_cast<IDispatch*>(1);
   Bstr name(L"Workset");
-  EXPECT_EQ(service->GetObject(name.get(), &object), S_OK);
+  EXPECT_EQ(service->GetObject(name.Get(), &object), S_OK);
   EXPECT_EQ(object, nullptr);
   Bstr key;
-  EXPECT_EQ(service->get_ApplicationPathKey(key.out()), S_OK);
-  EXPECT_EQ(key.str(), L"");
+  EXPECT_EQ(service->get_ApplicationPathKey(key.Put()), S_OK);
+  EXPECT_EQ(key.Wide(), L"");
 }
 
 TEST(TraceService, ReservedSlotsAreNotImplemented) {
   auto service = NewTraceService();
-  auto monitor = NewInstanceMonitor();
+  auto monitor = New<IInstanceMonitor>(kInstanceMonitorClsid);
   ASSERT_TRUE(service && monitor);
   EXPECT_EQ(service->Reserved11(), E_NOTIMPL);
   EXPECT_EQ(service->Reserved24(), E_NOTIMPL);
@@ -398,49 +347,33 @@ TEST(TraceService, ReservedSlotsAreNotImplemented) {
 TEST(TraceService, ScriptsReachItByName) {
   CLSID clsid{};
   ASSERT_EQ(::CLSIDFromProgID(L"VemraHostKit.TraceService", &clsid), S_OK);
-  Ref<IDispatch> service;
+  ComPtr<IDispatch> service;
   ASSERT_EQ(
-      ::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, service.outVoid()),
+      ::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, service.PutVoid()),
       S_OK);
   UINT count = 0;
   EXPECT_EQ(service->GetTypeInfoCount(&count), S_OK);
   EXPECT_EQ(count, 1u);
 
-  LPOLESTR names[] = {const_cast<LPOLESTR>(L"writetrace")};
-  DISPID id = 0;
-  ASSERT_EQ(service->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), S_OK);
-  EXPECT_EQ(id, 26);  // the slot number, as the contract fixes it
+  // The DISPIDs are the slot numbers, as the contract fixes them.
+  EXPECT_EQ(DispIdOf(service.Get(), L"writetrace"), 26);
+  EXPECT_EQ(DispIdOf(service.Get(), L"ResolveText"), 12);
 
   LogMark mark;
-  VARIANT arg;
-  VariantInit(&arg);
-  V_VT(&arg) = VT_BSTR;
-  V_BSTR(&arg) = SysAllocString(L"written by a script");
-  DISPPARAMS params{&arg, nullptr, 1, 0};
-  EXPECT_EQ(service->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, nullptr,
-                            nullptr, nullptr),
-            S_OK);
-  VariantClear(&arg);
+  const auto line = Variant::Text(L"written by a script");
+  EXPECT_EQ(CallByName(service.Get(), L"WriteTrace", DISPATCH_METHOD, {line.Get()}, nullptr), S_OK);
   EXPECT_EQ(mark.Since(), (std::vector<Fields>{{"TRACE", "written by a script"}}));
 
-  names[0] = const_cast<LPOLESTR>(L"ResolveText");
-  ASSERT_EQ(service->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), S_OK);
-  EXPECT_EQ(id, 12);
-  V_VT(&arg) = VT_BSTR;
-  V_BSTR(&arg) = SysAllocString(L"~05d86 Printer is not installed");
-  VARIANT result;
-  VariantInit(&result);
-  EXPECT_EQ(service->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, &result,
-                            nullptr, nullptr),
+  const auto text = Variant::Text(L"~05d86 Printer is not installed");
+  Variant result;
+  EXPECT_EQ(CallByName(service.Get(), L"ResolveText", DISPATCH_METHOD, {text.Get()}, result.Put()),
             S_OK);
-  VariantClear(&arg);
-  ASSERT_EQ(V_VT(&result), VT_BSTR);
-  EXPECT_EQ(std::wstring(V_BSTR(&result)), L"Drucker ist nicht installiert");
-  VariantClear(&result);
+  ASSERT_EQ(result.Type(), VT_BSTR);
+  EXPECT_EQ(kestrivon::comkit::Wide(V_BSTR(&result.Get())), L"Drucker ist nicht installiert");
 }
 
 TEST(InstanceMonitor, AnswersTheLevelAndWatchesCounters) {
-  auto monitor = NewInstanceMonitor();
+  auto monitor = New<IInstanceMonitor>(kInstanceMonitorClsid);
   ASSERT_TRUE(monitor);
   LogMark mark;
   LONG level = 0;
@@ -448,13 +381,13 @@ TEST(InstanceMonitor, AnswersTheLevelAndWatchesCounters) {
   EXPECT_EQ(level, kLevel);
   LONG counter = 4;
   Bstr name(L"Kestrivan.InstanceCount");
-  EXPECT_EQ(monitor->RegisterCounter(name.get(), &counter), S_OK);
-  EXPECT_EQ(monitor->RegisterCounter(name.get(), nullptr), E_POINTER);
+  EXPECT_EQ(monitor->RegisterCounter(name.Get(), &counter), S_OK);
+  EXPECT_EQ(monitor->RegisterCounter(name.Get(), nullptr), E_POINTER);
   EXPECT_EQ(mark.Since(),
             (std::vector<Fields>{{"LEVEL", "3"},
                                  {"COUNTER", "Kestrivan.InstanceCount", "4", "registered"}}));
-  Ref<ISupportErrorInfo> support;
-  ASSERT_EQ(monitor->QueryInterface(IID_ISupportErrorInfo, support.outVoid()), S_OK);
+  ComPtr<ISupportErrorInfo> support;
+  ASSERT_EQ(monitor->QueryInterface(IID_ISupportErrorInfo, support.PutVoid()), S_OK);
   EXPECT_EQ(support->InterfaceSupportsErrorInfo(__uuidof(IInstanceMonitor)), S_OK);
 }
 
@@ -465,27 +398,22 @@ TEST(TraceService, ALogThatCannotBeWrittenFailsTheCallWithItsReason) {
   fs::rename(logPath, saved);
   fs::create_directory(logPath);  // a folder where the file was
   Bstr line(L"lost?");
-  const HRESULT hr = service->WriteTrace(line.get());
-  IErrorInfo* info = nullptr;
-  std::wstring description;
-  if (::GetErrorInfo(0, &info) == S_OK && info != nullptr) {
-    Bstr text;
-    info->GetDescription(text.out());
-    description = text.str();
-    info->Release();
-  }
+  const HRESULT hr = service->WriteTrace(line.Get());
+  ComPtr<IErrorInfo> info;
+  Bstr description;
+  if (::GetErrorInfo(0, info.Put()) == S_OK && info) info->GetDescription(description.Put());
   fs::remove(logPath);
   fs::rename(saved, logPath);
 
   EXPECT_EQ(hr, static_cast<HRESULT>(0x8007001D));
-  EXPECT_NE(description.find(L"hostkit-com-test.log"), std::wstring::npos) << Narrow(description);
+  EXPECT_NE(description.Wide().find(L"hostkit-com-test.log"), std::wstring::npos)
+      << description.Utf8();
 }
 
 TEST(Server, CanUnloadOnlyWithoutLiveObjects) {
   HMODULE dll = HostKitModule();
   ASSERT_NE(dll, nullptr);
-  using CanUnload = HRESULT(STDAPICALLTYPE*)();
-  auto canUnload = Export<CanUnload>(dll, "DllCanUnloadNow");
+  const EntryPoint canUnload = Export(dll, "DllCanUnloadNow");
   ASSERT_NE(canUnload, nullptr);
   {
     auto service = NewTraceService();

@@ -9,9 +9,6 @@
 #include <string>
 #include <vector>
 
-#define __IPrinter_INTERFACE_DEFINED__
-#include "VemraHostServices.h"
-#undef __IPrinter_INTERFACE_DEFINED__
 #include "RecordingHost.h"
 #include "core/TraceLog.h"
 #include "host/Documents.h"
@@ -50,14 +47,9 @@ host::HostObjectRef NewDocument(const wchar_t* showRevisionMessages) {
   SetEnvironmentVariableW(L"VEMRA_SHOW_REVISION_MESSAGES", showRevisionMessages);
   CLSID clsid;
   if (FAILED(CLSIDFromProgID(L"VemraHostKit.Document", &clsid))) return nullptr;
-  IDispatch* document = nullptr;
-  if (FAILED(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
-                              reinterpret_cast<void**>(&document)))) {
-    return nullptr;
-  }
-  host::HostObjectRef wrapped = host::win::WrapHostObject(document);
-  document->Release();
-  return wrapped;
+  comkit::ComPtr<IDispatch> document;
+  CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, document.PutVoid());
+  return host::win::WrapHostObject(document.Get());
 }
 
 class MessagesThroughCom : public ::testing::Test {

@@ -8,7 +8,7 @@
 
 // The ordinary in-process server keys under HKEY_CLASSES_ROOT, written and
 // removed the same way by every DLL of the project.
-namespace kestrivon::com::server {
+namespace kestrivon::comkit {
 
 struct InprocClass {
   std::wstring clsid;  // "{...}"
@@ -34,4 +34,4 @@ HRESULT UnregisterOwnTypeLib(int resource);
 // LIBID, version, locale and platform of the embedded library.
 HRESULT OwnTypeLibAttributes(int resource, TLIBATTR& attributes);
 
-}  // namespace kestrivon::com::server
+}  // namespace kestrivon::comkit

@@ -8,7 +8,7 @@
 
 // What every in-process server DLL of the project shares: its module, the
 // count DllCanUnloadNow decides on, and the type libraries in its resources.
-namespace kestrivon::com::server {
+namespace kestrivon::comkit {
 
 // The DLL's own module handle, kept by DllMain.
 void SetModuleHandle(HINSTANCE module) noexcept;
@@ -16,7 +16,7 @@ void SetModuleHandle(HINSTANCE module) noexcept;
 // Full path of the DLL; empty when Windows cannot say.
 [[nodiscard]] std::wstring ModulePath();
 
-// Live objects (class factories included) and LockServer locks.
+// Live objects and LockServer locks.
 void ObjectCreated() noexcept;
 void ObjectDestroyed() noexcept;
 void LockModule(bool lock) noexcept;
@@ -25,9 +25,14 @@ void LockModule(bool lock) noexcept;
 // The type library embedded as TYPELIB resource number `resource`.
 HRESULT LoadOwnTypeLib(int resource, ITypeLib** lib);
 
-// A dual interface of an embedded library: the dispinterface half (what
-// GetTypeInfo shows clients) and the vtable half (what Invoke calls
-// through). Either out pointer may be null; the caller releases the others.
-HRESULT DualInterfaceTypeInfo(int resource, REFIID iid, ITypeInfo** dispatch, ITypeInfo** vtable);
+// A dual interface of an embedded library, loaded once and kept while the
+// DLL is loaded (at unload oleaut32 may be gone, so it is never released);
+// the references are borrowed. The dispinterface half describes the object
+// to clients (GetTypeInfo); the vtable half is what Invoke calls through.
+struct DualTypeInfo {
+  ITypeInfo* dispatch = nullptr;
+  ITypeInfo* vtable = nullptr;
+};
+HRESULT OwnDualTypeInfo(int resource, REFIID iid, DualTypeInfo& info);
 
-}  // namespace kestrivon::com::server
+}  // namespace kestrivon::comkit

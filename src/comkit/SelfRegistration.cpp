@@ -1,10 +1,11 @@
-#include "com/server/SelfRegistration.h"
+#include "comkit/SelfRegistration.h"
 
 #include <oleauto.h>
 
-#include "com/server/InprocServer.h"
+#include "comkit/ComPtr.h"
+#include "comkit/Server.h"
 
-namespace kestrivon::com::server {
+namespace kestrivon::comkit {
 namespace {
 
 // Creates HKCR\<path> and sets one string value (the default value when
@@ -81,8 +82,8 @@ LSTATUS UnregisterInprocClass(const std::wstring& clsid, const std::wstring& pro
 }
 
 HRESULT OwnTypeLibAttributes(int resource, TLIBATTR& attributes) {
-  ITypeLib* lib = nullptr;
-  HRESULT hr = LoadOwnTypeLib(resource, &lib);
+  ComPtr<ITypeLib> lib;
+  HRESULT hr = LoadOwnTypeLib(resource, lib.Put());
   if (FAILED(hr)) return hr;
   TLIBATTR* attr = nullptr;
   hr = lib->GetLibAttr(&attr);
@@ -90,18 +91,15 @@ HRESULT OwnTypeLibAttributes(int resource, TLIBATTR& attributes) {
     attributes = *attr;
     lib->ReleaseTLibAttr(attr);
   }
-  lib->Release();
   return hr;
 }
 
 HRESULT RegisterOwnTypeLib(int resource, const std::wstring& dllPath) {
-  ITypeLib* lib = nullptr;
-  HRESULT hr = LoadOwnTypeLib(resource, &lib);
+  ComPtr<ITypeLib> lib;
+  const HRESULT hr = LoadOwnTypeLib(resource, lib.Put());
   if (FAILED(hr)) return hr;
   std::wstring path = TypeLibPath(dllPath, resource);
-  hr = ::RegisterTypeLib(lib, path.data(), nullptr);
-  lib->Release();
-  return hr;
+  return ::RegisterTypeLib(lib.Get(), path.data(), nullptr);
 }
 
 HRESULT UnregisterOwnTypeLib(int resource) {
@@ -116,4 +114,4 @@ HRESULT UnregisterOwnTypeLib(int resource) {
                              attr.syskind);
 }
 
-}  // namespace kestrivon::com::server
+}  // namespace kestrivon::comkit

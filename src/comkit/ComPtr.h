@@ -4,9 +4,9 @@
 
 #include <utility>
 
-namespace kestrivon::host::win {
+namespace kestrivon::comkit {
 
-// Set by DllMain when the component is being unloaded. The objects of other
+// Set by DllMain when the DLL is being unloaded. The objects of other
 // modules may be gone by then (COM frees its in-process servers in no fixed
 // order), so references still held are dropped without calling Release.
 void MarkUnloading() noexcept;
@@ -44,6 +44,15 @@ class ComPtr {
     Reset();
     return &p_;
   }
+  // For in/out parameters: the callee may replace the reference, releasing
+  // the one it replaces; what it leaves is still owned here.
+  T** InOut() noexcept { return &p_; }
+  void** PutVoid() noexcept { return reinterpret_cast<void**>(Put()); }
+  // The object's interface U, or the failure of QueryInterface.
+  template <class U>
+  HRESULT As(ComPtr<U>& other, REFIID iid = __uuidof(U)) const noexcept {
+    return p_ == nullptr ? E_POINTER : p_->QueryInterface(iid, other.PutVoid());
+  }
   [[nodiscard]] T* Get() const noexcept { return p_; }
   // Hands the reference to the caller.
   [[nodiscard]] T* Detach() noexcept { return std::exchange(p_, nullptr); }
@@ -54,4 +63,4 @@ class ComPtr {
   T* p_ = nullptr;
 };
 
-}  // namespace kestrivon::host::win
+}  // namespace kestrivon::comkit
