@@ -3,7 +3,7 @@
 #include <string>
 
 #include "core/Environment.h"
-#include "frame/ErrorHandler.h"
+#include "runtime/ErrorHandler.h"
 
 namespace kestrivon::hostkit {
 

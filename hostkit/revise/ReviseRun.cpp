@@ -10,7 +10,7 @@
 #include "core/Environment.h"
 #include "core/Settings.h"
 #include "core/TraceLog.h"
-#include "frame/ErrorHandler.h"
+#include "runtime/ErrorHandler.h"
 
 namespace kestrivon::hostkit::revise {
 namespace {

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "comkit/Bstr.h"
-#include "frame/ErrorHandler.h"
+#include "runtime/ErrorHandler.h"
 #include "host/win/ComHostObject.h"
 
 namespace kestrivon::com {

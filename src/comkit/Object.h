@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "comkit/Server.h"
-#include "frame/ErrorHandler.h"
+#include "runtime/ErrorHandler.h"
 
 // The IUnknown and IDispatch of the project's COM objects, and how their
 // methods turn errors into HRESULTs.

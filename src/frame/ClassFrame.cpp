@@ -1,6 +1,6 @@
 #include "frame/ClassFrame.h"
 
-#include "frame/ErrorHandler.h"
+#include "runtime/ErrorHandler.h"
 #include "frame/trace/Trace.h"
 
 namespace kestrivon {

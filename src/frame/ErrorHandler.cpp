@@ -1,4 +1,5 @@
-#include "frame/ErrorHandler.h"
+// How a procedure of the idiom reports: LogError of the trace service.
+#include "runtime/ErrorHandler.h"
 
 #include <string>
 

@@ -1,6 +1,6 @@
 #include "services/ExternalProcess.h"
 
-#include "frame/ErrorHandler.h"
+#include "runtime/ErrorHandler.h"
 #include "frame/trace/Trace.h"
 
 namespace kestrivon {

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "frame/ErrorHandler.h"
+#include "runtime/ErrorHandler.h"
 #include "frame/trace/Trace.h"
 #include "platform/AnsiText.h"
 #include "platform/FileSystem.h"

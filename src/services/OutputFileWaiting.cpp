@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "frame/ErrorHandler.h"
+#include "runtime/ErrorHandler.h"
 #include "frame/trace/Trace.h"
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"

@@ -1,6 +1,6 @@
 #include "services/RegistrySettings.h"
 
-#include "frame/ErrorHandler.h"
+#include "runtime/ErrorHandler.h"
 #include "frame/trace/Trace.h"
 #include "platform/AnsiText.h"
 #include "platform/ProfileFiles.h"

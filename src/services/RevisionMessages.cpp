@@ -1,6 +1,6 @@
 #include "services/RevisionMessages.h"
 
-#include "frame/ErrorHandler.h"
+#include "runtime/ErrorHandler.h"
 #include "frame/trace/Trace.h"
 #include "host/Documents.h"
 #include "runtime/RunTimeError.h"

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "RecordingHost.h"
-#include "frame/ErrorHandler.h"
+#include "runtime/ErrorHandler.h"
 
 namespace kestrivon::test {
 namespace {

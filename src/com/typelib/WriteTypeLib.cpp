@@ -21,7 +21,7 @@
 #include "VemraVBInterface.h"
 #include "com/ClassIdentities.h"
 #include "comkit/ComPtr.h"
-#include "frame/ErrorHandler.h"
+#include "runtime/ErrorHandler.h"
 #include "platform/win/Text.h"
 
 namespace {

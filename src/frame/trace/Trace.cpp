@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "frame/ErrorHandler.h"
+#include "runtime/ErrorHandler.h"
 #include "platform/DebugOutput.h"
 
 namespace kestrivon {

@@ -1,7 +1,7 @@
 #include "printers/pdf/NoFile.h"
 
 #include "frame/ClassFrame.h"
-#include "frame/ErrorHandler.h"
+#include "runtime/ErrorHandler.h"
 #include "frame/trace/Trace.h"
 
 namespace kestrivon {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "frame/ErrorHandler.h"
+#include "runtime/ErrorHandler.h"
 #include "frame/trace/Trace.h"
 
 namespace kestrivon {

@@ -84,7 +84,9 @@ void IgnoreErrors(Statements&&... statements) noexcept {
 }
 
 // Reports the error in flight through the host's LogError with the labels.
-// An error raised while reporting passes to the caller.
+// An error raised while reporting passes to the caller. Defined by the
+// frame, which owns the trace service; code below the frame uses only the
+// forms that do not report (IgnoreErrors, Attempt).
 void ReportError(std::string_view classLabel, std::string_view procedureLabel,
                  const std::exception_ptr& error);
 
