@@ -11,8 +11,12 @@ namespace fs = std::filesystem;
 ScratchFolder::~ScratchFolder() {
   std::error_code ignored;
   const fs::path native = NativePath(path_);
-  for (auto& entry : fs::recursive_directory_iterator(native, ignored)) {
-    fs::permissions(entry.path(), fs::perms::owner_all, fs::perm_options::add, ignored);
+  // Incremented with an error code: a name too long for the system must not
+  // throw from a destructor.
+  for (fs::recursive_directory_iterator it(native, ignored), end; it != end;
+       it.increment(ignored)) {
+    fs::permissions(it->path(), fs::perms::owner_all, fs::perm_options::add, ignored);
+    if (ignored) break;
   }
   fs::remove_all(native, ignored);
 }
