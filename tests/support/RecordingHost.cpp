@@ -36,12 +36,12 @@ std::shared_ptr<T> Unowned(T* object) {
 RecordingHost::RecordingHost() {
   Reload();
   host::portable::InstallHostFactories({
-      [this]() -> std::shared_ptr<host::TraceService> {
+      .traceService = [this]() -> std::shared_ptr<host::TraceService> {
         if (traceServiceMissing) return nullptr;
         ++traceServicesCreated;
         return Unowned<host::TraceService>(this);
       },
-      [this]() -> std::shared_ptr<host::InstanceMonitor> {
+      .instanceMonitor = [this]() -> std::shared_ptr<host::InstanceMonitor> {
         if (monitorMissing) return nullptr;
         ++monitorsCreated;
         return Unowned<host::InstanceMonitor>(this);

@@ -76,8 +76,9 @@ class NativeBackend final : public revise::ReviseBackend {
   void Install() {
     kit_ = HostKit::FromEnvironment();
     host::portable::InstallHostFactories({
-        [this] { return std::shared_ptr<host::TraceService>(kit_->traceService); },
-        [this] { return std::shared_ptr<host::InstanceMonitor>(kit_->instanceMonitor); },
+        .traceService = [this] { return std::shared_ptr<host::TraceService>(kit_->traceService); },
+        .instanceMonitor =
+            [this] { return std::shared_ptr<host::InstanceMonitor>(kit_->instanceMonitor); },
     });
     // Where a debugger would show the debug-only lines.
     platform::portable::SetDebugSink([](const std::string& line) {

@@ -1,5 +1,6 @@
 #include "host/portable/Documents.h"
 
+#include "host/Printing.h"
 #include "runtime/RunTimeError.h"
 #include "runtime/Text.h"
 
@@ -23,6 +24,10 @@ std::shared_ptr<VemraObject> AsVemraObject(const HostObjectRef& object) {
 }
 
 std::shared_ptr<Owner> AsOwner(const HostObjectRef& object) { return As<Owner>(object); }
+
+std::shared_ptr<Document> AsDocument(const HostObjectRef& object) { return As<Document>(object); }
+
+std::shared_ptr<Printer> AsPrinter(const HostObjectRef& object) { return As<Printer>(object); }
 
 namespace portable {
 
@@ -59,6 +64,14 @@ Variant OptionSetObject::Option(const std::string& name) {
 std::shared_ptr<OptionSet> OwnerObject::Options() { return options; }
 
 std::shared_ptr<host::Environment> OwnerObject::Environment() { return environment; }
+
+bool SettingsObject::Exist(const std::string& name) { return values.count(name) != 0; }
+
+Variant SettingsObject::Item(const std::string& name) {
+  auto it = values.find(name);
+  if (it == values.end()) Raise(vb_error::kInvalidProcedureCall);
+  return it->second;
+}
 
 }  // namespace portable
 }  // namespace kestrivon::host

@@ -61,17 +61,46 @@ class OwnerObject : public HostObject, public Owner {
  public:
   std::shared_ptr<OptionSetObject> options = std::make_shared<OptionSetObject>();
   std::shared_ptr<EnvironmentObject> environment = std::make_shared<EnvironmentObject>();
+  HostObjectRef currentUser;
   std::shared_ptr<OptionSet> Options() override;
   std::shared_ptr<host::Environment> Environment() override;
+  HostObjectRef CurrentUser() override { return currentUser; }
 };
 
-class DocumentObject : public HostObject, public VemraObject {
+// Workset.Settings: names compare exactly.
+class SettingsObject : public HostObject, public SettingsCollection {
+ public:
+  std::map<std::string, Variant> values;
+  bool Exist(const std::string& name) override;
+  // Raises 5 for a name that is not there.
+  Variant Item(const std::string& name) override;
+};
+
+// A document, a document type or a user: the base interface's members are
+// plain fields; a document also has a type, a workset and print settings.
+class DocumentObject : public HostObject, public VemraObject, public Document {
  public:
   explicit DocumentObject(std::string name = {}, HostObjectRef owner = nullptr)
       : name(std::move(name)), owner(std::move(owner)) {}
+  std::string Name() override { return name; }
+  std::string Title() override { return title; }
   HostObjectRef Owner() override { return owner; }
+  std::string DocumentName() override { return documentName; }
+  int32_t SystemType() override { return systemType; }
+  std::string Number() override { return number; }
+  HostObjectRef TypeObject() override { return typeObject; }
+  std::shared_ptr<SettingsCollection> WorksetSettings() override { return settings; }
+  HostObjectRef PrintSettings() override { return printSettings; }
+
   std::string name;
+  std::string title;
   HostObjectRef owner;
+  std::string documentName;
+  int32_t systemType = 29;
+  std::string number;
+  HostObjectRef typeObject;
+  std::shared_ptr<SettingsObject> settings;
+  HostObjectRef printSettings;
 };
 
 }  // namespace kestrivon::host::portable

@@ -27,4 +27,18 @@ std::shared_ptr<InstanceMonitor> CreateInstanceMonitor() {
   return Create(Factories().instanceMonitor);
 }
 
+std::shared_ptr<DocFctDist> CreateDocFctDist() { return Create(Factories().docFctDist); }
+
+std::shared_ptr<PrinterManager> CreatePrinterManager() {
+  return Create(Factories().printerManager);
+}
+
+std::shared_ptr<UIPolicy> CreateUIPolicy() { return Create(Factories().uiPolicy); }
+
+std::shared_ptr<PdfMerge> CreatePdfMerge() { return Create(Factories().pdfMerge); }
+
+std::shared_ptr<DocumentFileHelper> CreateDocumentFileHelper() {
+  return Create(Factories().documentFileHelper);
+}
+
 }  // namespace kestrivon::host

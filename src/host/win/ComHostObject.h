@@ -3,6 +3,7 @@
 #include <oaidl.h>
 
 #include "comkit/ComPtr.h"
+#include "comkit/Variant.h"
 #include "host/HostObject.h"
 
 namespace kestrivon::host::win {
@@ -22,5 +23,16 @@ class ComHostObject : public HostObject {
 
 // nullptr for a missing object (NULL), as the host passes Nothing.
 HostObjectRef WrapHostObject(IDispatch* dispatch);
+
+// A value the host handed out to be handed back unchanged (a document's
+// print settings): whatever VARIANT it was.
+class ComHostValue : public HostObject {
+ public:
+  explicit ComHostValue(comkit::Variant value) : value_(std::move(value)) {}
+  [[nodiscard]] const VARIANT& Value() const noexcept { return value_.Get(); }
+
+ private:
+  comkit::Variant value_;
+};
 
 }  // namespace kestrivon::host::win

@@ -148,18 +148,21 @@ class ComEnvironment final : public Environment {
   ComPtr<IDispatch> environment_;
 };
 
+// Exist(name) of a late-bound collection, as a Boolean.
+bool AskExist(IDispatch* collection, const std::string& name) {
+  const auto argument = OwnedVariant::Text(name);
+  OwnedVariant result;
+  Invoke(collection, L"Exist", DISPATCH_METHOD | DISPATCH_PROPERTYGET, {argument.Get()},
+         result.Put());
+  OwnedVariant truth;
+  Check(result.ChangeType(VT_BOOL, truth));
+  return V_BOOL(&truth.Get()) != VARIANT_FALSE;
+}
+
 class ComOptionSet final : public OptionSet {
  public:
   explicit ComOptionSet(ComPtr<IDispatch> options) : options_(std::move(options)) {}
-  bool Exist(const std::string& name) override {
-    const auto argument = OwnedVariant::Text(name);
-    OwnedVariant result;
-    Invoke(options_.Get(), L"Exist", DISPATCH_METHOD | DISPATCH_PROPERTYGET, {argument.Get()},
-           result.Put());
-    OwnedVariant truth;
-    Check(result.ChangeType(VT_BOOL, truth));
-    return V_BOOL(&truth.Get()) != VARIANT_FALSE;
-  }
+  bool Exist(const std::string& name) override { return AskExist(options_.Get(), name); }
   Variant Option(const std::string& name) override {
     const std::wstring wide = platform::win::ToWide(name);
     OwnedVariant result;
@@ -186,22 +189,90 @@ class ComOwner final : public Owner {
     if (!environment) return nullptr;
     return std::make_shared<ComEnvironment>(std::move(environment));
   }
+  HostObjectRef CurrentUser() override {
+    ComPtr<IDispatch> user;
+    Check(owner_->get_CurrentUser(user.Put()));
+    return Wrap(user);
+  }
 
  private:
   ComPtr<IVemraOwner> owner_;
 };
 
+// A text member of the base interface, by its slot.
+template <class Interface>
+std::string Text(Interface* object, HRESULT (STDMETHODCALLTYPE Interface::*member)(BSTR*)) {
+  comkit::Bstr text;
+  Check((object->*member)(text.Put()));
+  return text.Utf8();
+}
+
 class ComVemraObject final : public VemraObject {
  public:
   explicit ComVemraObject(ComPtr<IVemraObject> object) : object_(std::move(object)) {}
+  std::string Name() override { return Text(object_.Get(), &IVemraObject::get_Name); }
+  std::string Title() override { return Text(object_.Get(), &IVemraObject::get_Title); }
   HostObjectRef Owner() override {
     ComPtr<IDispatch> owner;
     Check(object_->get_Owner(owner.Put()));
     return Wrap(owner);
   }
+  std::string DocumentName() override {
+    return Text(object_.Get(), &IVemraObject::get_DocumentName);
+  }
+  int32_t SystemType() override {
+    LONG type = 0;
+    Check(object_->get_SystemType(&type));
+    return static_cast<int32_t>(type);
+  }
+  std::string Number() override { return Text(object_.Get(), &IVemraObject::get_Number); }
 
  private:
   ComPtr<IVemraObject> object_;
+};
+
+// Workset.Settings: Exist(name) and the default member Item(name).
+class ComSettings final : public SettingsCollection {
+ public:
+  explicit ComSettings(ComPtr<IDispatch> settings) : settings_(std::move(settings)) {}
+  bool Exist(const std::string& name) override { return AskExist(settings_.Get(), name); }
+  Variant Item(const std::string& name) override {
+    const auto argument = OwnedVariant::Text(name);
+    OwnedVariant result;
+    Invoke(settings_.Get(), L"Item", DISPATCH_METHOD | DISPATCH_PROPERTYGET, {argument.Get()},
+           result.Put());
+    return ToVariant(result.Get());
+  }
+
+ private:
+  ComPtr<IDispatch> settings_;
+};
+
+class ComDocument final : public Document {
+ public:
+  ComDocument(ComPtr<IVemraDocument> document, ComPtr<IDispatch> dispatch)
+      : document_(std::move(document)), dispatch_(std::move(dispatch)) {}
+  HostObjectRef TypeObject() override {
+    ComPtr<IDispatch> type;
+    Check(document_->get_TypeObject(type.Put()));
+    return Wrap(type);
+  }
+  std::shared_ptr<SettingsCollection> WorksetSettings() override {
+    const ComPtr<IDispatch> workset = GetObjectMember(dispatch_.Get(), L"Workset");
+    if (!workset) return nullptr;
+    ComPtr<IDispatch> settings = GetObjectMember(workset.Get(), L"Settings");
+    if (!settings) return nullptr;
+    return std::make_shared<ComSettings>(std::move(settings));
+  }
+  HostObjectRef PrintSettings() override {
+    OwnedVariant value;
+    Invoke(dispatch_.Get(), L"PrintSettings", DISPATCH_PROPERTYGET, {}, value.Put());
+    return std::make_shared<win::ComHostValue>(std::move(value));
+  }
+
+ private:
+  ComPtr<IVemraDocument> document_;
+  ComPtr<IDispatch> dispatch_;
 };
 
 template <class Interface>
@@ -221,6 +292,12 @@ std::shared_ptr<VemraObject> AsVemraObject(const HostObjectRef& object) {
 std::shared_ptr<Owner> AsOwner(const HostObjectRef& object) {
   if (!object) return nullptr;
   return std::make_shared<ComOwner>(Query<IVemraOwner>(object));
+}
+
+std::shared_ptr<Document> AsDocument(const HostObjectRef& object) {
+  if (!object) return nullptr;
+  return std::make_shared<ComDocument>(Query<IVemraDocument>(object),
+                                       ComPtr<IDispatch>::Share(DispatchOf(object)));
 }
 
 }  // namespace kestrivon::host
