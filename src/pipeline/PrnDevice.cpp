@@ -17,8 +17,10 @@ namespace {
 
 const std::string kLabel = labels::kPrnDevice;
 constexpr const char* kShowRevisionMessages = "ShowRevisionMessages";
-constexpr int32_t kNotReadyMask = 0x1081;       // PAUSED, OFFLINE, NOT_AVAILABLE
-constexpr int32_t kCannotPrintMask = 0x609683;  // ... BUSY, PRINTING, INITIALIZING, DOOR_OPEN
+constexpr int32_t kNotReadyMask = 0x1081;  // PAUSED, OFFLINE, NOT_AVAILABLE
+// PAUSED, ERROR, OFFLINE, BUSY, PRINTING, NOT_AVAILABLE, INITIALIZING,
+// OUT_OF_MEMORY, DOOR_OPEN
+constexpr int32_t kCannotPrintMask = 0x609683;
 constexpr int32_t kAnswerYes = 6;
 constexpr uint32_t kMaxListedJobs = 5;
 
@@ -67,7 +69,8 @@ PrnDevice::~PrnDevice() {
 
 bool PrnDevice::SetFilePrinterByName(const std::string& name) {
   return Procedure(kClassLabel, "SetFilePrinterByName").Guard(false, [&] {
-    if (!(name == name_ && printer_) && printer_) {
+    // The printer selected already is kept as it is.
+    if (printer_ && name != name_) {
       PrinterOf(printer_).ReleasePrinter();
       printer_.reset();
     }
