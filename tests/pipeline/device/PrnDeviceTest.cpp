@@ -137,37 +137,32 @@ TEST_F(Device, SelectingReleasesTheFormerPrinterAndShutdownEndsEverything) {
 
 TEST_F(Device, ASingleQueuedJobFailsAfterHalfASecondWhateverTheRecountFinds) {
   struct Row {
-    int jobs;  // -1: the spooler does not know the printer
-    bool jobEndsDuringPause, empty;
+    int jobs, afterPause;  // -1: the spooler does not know the printer
     Lines trace;
   };
   const std::string waiting = kPriv + "holds 1 print job waiting 5 seconds for job to finish...";
   const std::string held = kPriv + "holds 1 print job(s). -> Revision will be aborted!";
   const std::string many = kPriv + "holds print jobs. -> Revision will be aborted!";
+  const std::string still = kPriv + "still holds print jobs. -> Revision will be aborted!";
+  const Lines unknown{kL + "::GetNumberOfPrintJobs(): unable to open printer!", Framed(-1),
+                      kL + "::IsPrinterQueueEmptyPriv('PDF'): unable to retrieve number of print "
+                           "jobs in printer queue! The printer queue has to be empty to do "
+                           "revisions.  We cannot grant that the printer queue is empty. -> "
+                           "Revision aborted!"};
   for (const Row& row :
-       {Row{0, false, true, {Framed(0)}}, Row{2, false, false, {Framed(2), many}},
-        Row{7, false, false, {Framed(5), many}},
-        Row{1, true, false, {Framed(1), waiting, Framed(0), held}},
-        Row{1,
-            false,
-            false,
-            {Framed(1), waiting, Framed(1),
-             kPriv + "still holds print jobs. -> Revision will be aborted!", held}},
-        Row{-1,
-            false,
-            false,
-            {kL + "::GetNumberOfPrintJobs(): unable to open printer!", Framed(-1),
-             kL + "::IsPrinterQueueEmptyPriv('PDF'): unable to retrieve number of print jobs in "
-                  "printer queue! The printer queue has to be empty to do revisions.  We cannot "
-                  "grant that the printer queue is empty. -> Revision aborted!"}}}) {
+       {Row{0, 0, {Framed(0)}}, Row{2, 2, {Framed(2), many}}, Row{7, 7, {Framed(5), many}},
+        Row{-1, -1, unknown}, Row{1, 0, {Framed(1), waiting, Framed(0), held}},
+        Row{1, 1, {Framed(1), waiting, Framed(1), still, held}}}) {
     SCOPED_TRACE(row.jobs);
     pp::ClearPrinters();
     if (row.jobs >= 0) pp::DefinePrinter("pdf", {0, static_cast<uint32_t>(row.jobs)});
     const uint64_t start = clock.Elapsed();
-    if (row.jobEndsDuringPause) clock.At(start + 250, [] { pp::DefinePrinter("pdf", {}); });
+    if (row.afterPause != row.jobs) {
+      clock.At(start + 250, [&row] { pp::DefinePrinter("pdf", {0, uint32_t(row.afterPause)}); });
+    }
     Select();
     Forget();
-    EXPECT_EQ(device.IsPrinterQueueEmptyPriv(false), row.empty);
+    EXPECT_EQ(device.IsPrinterQueueEmptyPriv(false), row.jobs == 0);
     EXPECT_EQ(clock.Elapsed() - start, row.jobs == 1 ? 500u : 0u);
     EXPECT_EQ(host.traceLines, row.trace);
   }
