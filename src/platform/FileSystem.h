@@ -26,6 +26,10 @@ double FileDateCreated(const std::string& path);
 // someone.
 void DeleteFileWithForce(const std::string& path, bool force);
 
+// GetTempName: "rad", five random upper-case hexadecimal digits and ".tmp".
+// Only a name: no file is made and no folder is looked at.
+std::string TempName();
+
 // FolderExists.
 bool FolderExists(const std::string& path);
 

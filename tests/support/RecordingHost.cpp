@@ -5,6 +5,7 @@
 #include "frame/trace/Trace.h"
 #include "host/portable/HostActivation.h"
 #include "platform/Clock.h"
+#include "platform/FileCopy.h"
 #include "runtime/RunTimeError.h"
 #include "services/RegistrySettings.h"
 #ifndef _WIN32
@@ -35,24 +36,27 @@ std::shared_ptr<T> Unowned(T* object) {
 
 RecordingHost::RecordingHost() {
   Reload();
-  host::portable::InstallHostFactories({
-      .traceService = [this]() -> std::shared_ptr<host::TraceService> {
-        if (traceServiceMissing) return nullptr;
-        ++traceServicesCreated;
-        return Unowned<host::TraceService>(this);
-      },
-      .instanceMonitor = [this]() -> std::shared_ptr<host::InstanceMonitor> {
-        if (monitorMissing) return nullptr;
-        ++monitorsCreated;
-        return Unowned<host::InstanceMonitor>(this);
-      },
-  });
+  InstallWith({});
 #ifndef _WIN32
   platform::portable::SetDebugSink([this](const std::string& line) {
     if (debugOutputFails) throw HostCallFailed("OutputDebugString");
     debugLines.push_back(line);
   });
 #endif
+}
+
+void RecordingHost::InstallWith(host::portable::HostFactories others) {
+  others.traceService = [this]() -> std::shared_ptr<host::TraceService> {
+    if (traceServiceMissing) return nullptr;
+    ++traceServicesCreated;
+    return Unowned<host::TraceService>(this);
+  };
+  others.instanceMonitor = [this]() -> std::shared_ptr<host::InstanceMonitor> {
+    if (monitorMissing) return nullptr;
+    ++monitorsCreated;
+    return Unowned<host::InstanceMonitor>(this);
+  };
+  host::portable::InstallHostFactories(std::move(others));
 }
 
 RecordingHost::~RecordingHost() {
@@ -83,7 +87,19 @@ void RecordingHost::WriteTrace(const std::string& line) {
 int32_t RecordingHost::ShowMessageBox(const std::string& prompt, int32_t buttons,
                                       const std::string& title) {
   messageBoxes.push_back({prompt, buttons, title});
-  return 1;
+  if (boxAnswers.empty()) return 1;
+  const int32_t answer = boxAnswers.front();
+  boxAnswers.erase(boxAnswers.begin());
+  return answer;
+}
+
+std::string RecordingHost::ResolveText(const std::string& text) {
+  const auto it = translations.find(text);
+  return it == translations.end() ? text : it->second;
+}
+
+bool RecordingHost::CopyFile(const std::string& source, const std::string& target, bool overwrite) {
+  return copiesFiles && platform::CopyFileTo(source, target, overwrite);
 }
 
 int32_t RecordingHost::GetLevel() {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/TraceService.h"
+#include "host/portable/HostActivation.h"
 
 namespace kestrivon::test {
 
@@ -36,6 +37,15 @@ class RecordingHost : public host::TraceService, public host::InstanceMonitor {
   std::exception_ptr traceError;
   // The debugger output fails (portable side only).
   bool debugOutputFails = false;
+  // Message boxes answer these in turn, then 1 (OK).
+  std::vector<int32_t> boxAnswers;
+  // ResolveText answers the translation of a text, else the text itself.
+  std::map<std::string, std::string> translations;
+  // CopyFile copies for real instead of failing.
+  bool copiesFiles = false;
+
+  // Installs these objects beside the host's other classes.
+  void InstallWith(host::portable::HostFactories others);
 
   // What they saw.
   Lines traceLines;
@@ -61,12 +71,12 @@ class RecordingHost : public host::TraceService, public host::InstanceMonitor {
 
   void LogError(const host::ErrorInfo& error, const std::string& classLabel,
                 const std::string& procedureLabel) override;
-  std::string ResolveText(const std::string& text) override { return text; }
+  std::string ResolveText(const std::string& text) override;
   int32_t CurrentTicks() override;
   void WriteTrace(const std::string& line) override;
   int32_t ShowMessageBox(const std::string& prompt, int32_t buttons,
                          const std::string& title) override;
-  bool CopyFile(const std::string&, const std::string&, bool) override { return false; }
+  bool CopyFile(const std::string& source, const std::string& target, bool overwrite) override;
   void RegisterCounter(const std::string& name, int32_t* counter) override {
     counters[name] = counter;
   }

@@ -9,6 +9,7 @@
 
 #include "core/Environment.h"
 #include "core/HostKit.h"
+#include "core/PdfMerge.h"
 #include "host/portable/HostActivation.h"
 #include "platform/portable/DebugOutput.h"
 #include "printers/PrinterCatalogue.h"
@@ -79,6 +80,7 @@ class NativeBackend final : public revise::ReviseBackend {
         .traceService = [this] { return std::shared_ptr<host::TraceService>(kit_->traceService); },
         .instanceMonitor =
             [this] { return std::shared_ptr<host::InstanceMonitor>(kit_->instanceMonitor); },
+        .pdfMerge = [] { return std::shared_ptr<host::PdfMerge>(std::make_shared<PdfMerge>()); },
     });
     // Where a debugger would show the debug-only lines.
     platform::portable::SetDebugSink([](const std::string& line) {

@@ -1,0 +1,37 @@
+#include "core/PdfMerge.h"
+
+#include <memory>
+#include <qpdf/QPDF.hh>
+#include <qpdf/QPDFPageDocumentHelper.hh>
+#include <qpdf/QPDFWriter.hh>
+
+#include "platform/portable/FileSystem.h"
+#include "runtime/ErrorHandler.h"
+
+namespace kestrivon::hostkit {
+
+bool PdfMerge::Merge(const std::string& /*options*/, const std::vector<std::string>& files,
+                     const std::string& target) {
+  if (files.empty()) return false;
+  const auto failure = Attempt([&] {
+    QPDF merged;
+    merged.emptyPDF();
+    QPDFPageDocumentHelper mergedPages(merged);
+    // The sources must outlive the write: their pages are copied from them.
+    std::vector<std::unique_ptr<QPDF>> sources;
+    for (const auto& file : files) {
+      auto source = std::make_unique<QPDF>();
+      source->setSuppressWarnings(true);
+      source->processFile(platform::portable::HostPath(file).c_str());
+      for (auto& page : QPDFPageDocumentHelper(*source).getAllPages()) {
+        mergedPages.addPage(page, false);
+      }
+      sources.push_back(std::move(source));
+    }
+    QPDFWriter writer(merged, platform::portable::HostPath(target).c_str());
+    writer.write();
+  });
+  return !failure.has_value();
+}
+
+}  // namespace kestrivon::hostkit
