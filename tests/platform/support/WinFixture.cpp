@@ -68,12 +68,8 @@ void CopyChildProgram(const std::string& target) {
 }
 
 FileHolder::FileHolder(const std::string& path, uint32_t holdMs) : path_(path) {
-  std::string commandLine = "\"";
-  commandLine.append(ChildProgram())
-      .append("\" hold \"")
-      .append(path)
-      .append("\" ")
-      .append(std::to_string(holdMs));
+  std::string commandLine =
+      "\"" + ChildProgram() + "\" hold \"" + path + "\" " + std::to_string(holdMs);
   STARTUPINFOA startup = {};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION information = {};
@@ -97,22 +93,22 @@ FileHolder::~FileHolder() {
 bool Is64BitProcess() { return sizeof(void*) == 8; }
 
 void CreateTestKey(View view, platform::HKey hive, const std::string& path) {
-  HKEY key = nullptr;
-  if (RegCreateKeyExA(Hive(hive), path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | ViewFlag(view),
-                      nullptr, &key, nullptr) == ERROR_SUCCESS) {
-    RegCloseKey(key);
-  }
+  SetTestValue(view, hive, path, "", REG_NONE, {});
 }
 
+// With a type of REG_NONE only the key is made.
 void SetTestValue(View view, platform::HKey hive, const std::string& path, const std::string& name,
                   uint32_t type, const std::string& bytes) {
   HKEY key = nullptr;
   if (RegCreateKeyExA(Hive(hive), path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | ViewFlag(view),
-                      nullptr, &key, nullptr) == ERROR_SUCCESS) {
+                      nullptr, &key, nullptr) != ERROR_SUCCESS) {
+    return;
+  }
+  if (type != REG_NONE) {
     RegSetValueExA(key, name.c_str(), 0, type, reinterpret_cast<const BYTE*>(bytes.data()),
                    static_cast<DWORD>(bytes.size()));
-    RegCloseKey(key);
   }
+  RegCloseKey(key);
 }
 
 void DeleteTestKey(View view, platform::HKey hive, const std::string& path) {

@@ -50,15 +50,20 @@ ComPtr<ITypeInfo> ImplType(ITypeInfo* info, UINT index) {
 // The vtable half of a dual interface.
 ComPtr<ITypeInfo> VtablePart(ITypeInfo* dual) { return ImplType(dual, static_cast<UINT>(-1)); }
 
+// The library attributes, copied out as the type attributes are.
+TLIBATTR LibAttributes(ITypeLib* lib) {
+  TLIBATTR* attr = nullptr;
+  EXPECT_EQ(lib->GetLibAttr(&attr), S_OK);
+  TLIBATTR copy = *attr;
+  lib->ReleaseTLibAttr(attr);
+  return copy;
+}
+
 GUID ContainingLibrary(ITypeInfo* info) {
   ComPtr<ITypeLib> lib;
   UINT index = 0;
   EXPECT_EQ(info->GetContainingTypeLib(lib.Put(), &index), S_OK);
-  TLIBATTR* attr = nullptr;
-  EXPECT_EQ(lib->GetLibAttr(&attr), S_OK);
-  const GUID guid = attr->guid;
-  lib->ReleaseTLibAttr(attr);
-  return guid;
+  return LibAttributes(lib.Get()).guid;
 }
 
 // One operation of IRevisionPrinter as the contract lays it out.
@@ -120,16 +125,13 @@ void ExpectRevisionPrinterLayout(ITypeInfo* revisionPrinter) {
 TEST(TypeLibrary, HasTheLibraryAttributes) {
   ComPtr<ITypeLib> lib = LoadResource(1);
   ASSERT_TRUE(lib);
-  TLIBATTR* attr = nullptr;
-  ASSERT_EQ(lib->GetLibAttr(&attr), S_OK);
-  EXPECT_EQ(GuidText(attr->guid), kLibId);
-  EXPECT_EQ(attr->wMajorVerNum, 6);
-  EXPECT_EQ(attr->wMinorVerNum, 4);
-  EXPECT_EQ(attr->lcid, 0u);
-  EXPECT_EQ(attr->syskind, kSysKind);
-  lib->ReleaseTLibAttr(attr);
-  Bstr name;
-  Bstr doc;
+  const TLIBATTR attr = LibAttributes(lib.Get());
+  EXPECT_EQ(GuidText(attr.guid), kLibId);
+  EXPECT_EQ(attr.wMajorVerNum, 6);
+  EXPECT_EQ(attr.wMinorVerNum, 4);
+  EXPECT_EQ(attr.lcid, 0u);
+  EXPECT_EQ(attr.syskind, kSysKind);
+  Bstr name, doc;
   ASSERT_EQ(lib->GetDocumentation(-1, name.Put(), doc.Put(), nullptr, nullptr), S_OK);
   EXPECT_EQ(name.Wide(), L"VemraKestrivon");
   EXPECT_EQ(doc.Wide(), kLibDescription);
@@ -203,10 +205,7 @@ TEST(TypeLibrary, RevisionPrinterHasTheContractsSlots) {
 TEST(TypeLibrary, TheDispatchCopyOfTheHostLibraryHasTheSameSlots) {
   ComPtr<ITypeLib> copy = LoadResource(2);
   ASSERT_TRUE(copy);
-  TLIBATTR* attr = nullptr;
-  ASSERT_EQ(copy->GetLibAttr(&attr), S_OK);
-  EXPECT_EQ(GuidText(attr->guid), kVBInterfaceLibId);
-  copy->ReleaseTLibAttr(attr);
+  EXPECT_EQ(GuidText(LibAttributes(copy.Get()).guid), kVBInterfaceLibId);
   ComPtr<ITypeInfo> revisionPrinter;
   ASSERT_EQ(copy->GetTypeInfoOfGuid(Guid(kRevisionPrinterIid), revisionPrinter.Put()), S_OK);
   ExpectRevisionPrinterLayout(revisionPrinter.Get());
