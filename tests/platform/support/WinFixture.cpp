@@ -68,8 +68,8 @@ void CopyChildProgram(const std::string& target) {
 }
 
 FileHolder::FileHolder(const std::string& path, uint32_t holdMs) : path_(path) {
-  std::string commandLine =
-      "\"" + ChildProgram() + "\" hold \"" + path + "\" " + std::to_string(holdMs);
+  std::string commandLine = "\"";  // appended to: the other operator+ warns falsely (-Wrestrict)
+  commandLine += ChildProgram() + "\" hold \"" + path + "\" " + std::to_string(holdMs);
   STARTUPINFOA startup = {};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION information = {};
