@@ -46,11 +46,16 @@ ScratchFolder::ScratchFolder() {
   static int counter = 0;
   char temp[MAX_PATH] = {};
   GetTempPathA(MAX_PATH, temp);
-  path_ = std::string(temp) + "kestrivon-test-" + std::to_string(GetCurrentProcessId()) + "-" +
-          std::to_string(++counter);
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);  // left by an earlier run of the same process id
-  if (!CreateDirectoryA(path_.c_str(), nullptr)) throw std::runtime_error("no scratch folder");
+  // An earlier run under the same (reused) process id may have left one
+  // behind that is too deep to remove: then the next name.
+  for (int tries = 0; tries < 100; ++tries) {
+    path_ = std::string(temp) + "kestrivon-test-" + std::to_string(GetCurrentProcessId()) + "-" +
+            std::to_string(++counter);
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+    if (CreateDirectoryA(path_.c_str(), nullptr)) return;
+  }
+  throw std::runtime_error("no scratch folder");
 }
 
 std::string WindowsDirectory() {
