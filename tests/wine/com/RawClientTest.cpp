@@ -114,11 +114,6 @@ const ContractClass& ClassNamed(const wchar_t* name) {
 class Document final : public comkit::NamedObject {
  public:
   Document() : NamedObject({}) {}
-  // The references others hold besides the test's own.
-  ULONG OtherRefs() {
-    AddRef();
-    return Release() - 1;
-  }
 
  protected:
   HRESULT Call(DISPID, WORD, const DISPPARAMS&, VARIANT*) override { return DISP_E_MEMBERNOTFOUND; }
@@ -211,8 +206,8 @@ TEST_F(RawClient, DoPrintHoldsTheHostObjectsOnlyForTheCall) {
   auto document = NewDocument();
   auto owner = NewDocument();
   EXPECT_EQ(printer.DoPrint(document.Get(), owner.Get(), L"C:\\revisions", L"A-100"), kTrue);
-  EXPECT_EQ(document->OtherRefs(), 0u);
-  EXPECT_EQ(owner->OtherRefs(), 0u);
+  EXPECT_EQ(OtherRefs(document.Get()), 0u);
+  EXPECT_EQ(OtherRefs(owner.Get()), 0u);
 }
 
 TEST_F(RawClient, TheDefaultDispatchNamesTheOperationsByTheirDispIds) {

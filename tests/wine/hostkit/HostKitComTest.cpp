@@ -32,6 +32,7 @@ using kestrivon::wine_test::DispIdOf;
 using kestrivon::wine_test::EntryPoint;
 using kestrivon::wine_test::Export;
 using kestrivon::wine_test::Guid;
+using kestrivon::wine_test::OtherRefs;
 using kestrivon::wine_test::Variant;
 namespace fs = std::filesystem;
 using Fields = std::vector<std::string>;
@@ -94,10 +95,6 @@ class FakeError final : public kestrivon::comkit::NamedObject {
         number_(number),
         description_(description),
         source_(source) {}
-  ULONG OtherRefs() {
-    AddRef();
-    return Release() - 1;
-  }
 
  protected:
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS&, VARIANT* result) override {
@@ -140,17 +137,15 @@ TEST(Registration, ClassesAreInProcessApartmentWithProgIds) {
 }
 
 TEST(Registration, TheHostsTypeLibrariesAndTheirInterfaces) {
+  ComPtr<ITypeLib> services;
   for (const auto& [iid, libId] : {std::pair{kRevisionPrinterIid, kVBInterfaceLibId},
                                    std::pair{kTraceServiceIid, kHostServicesLibId}}) {
-    ComPtr<ITypeLib> lib;
-    EXPECT_EQ(::LoadRegTypeLib(Guid(libId), 1, 0, 0, lib.Put()), S_OK);
+    ASSERT_EQ(::LoadRegTypeLib(Guid(libId), 1, 0, 0, services.Put()), S_OK);
     EXPECT_TRUE(Same(ClassesValue(std::wstring(L"Interface\\") + iid + L"\\TypeLib"), libId))
         << testing::PrintToString(iid);
   }
-  // IPrinter's slot 8 keeps its library name Release and DISPID 8 (C++
-  // names it ReleasePrinter).
-  ComPtr<ITypeLib> services;
-  ASSERT_EQ(::LoadRegTypeLib(Guid(kHostServicesLibId), 1, 0, 0, services.Put()), S_OK);
+  // The host services' library (loaded last): IPrinter's slot 8 keeps its
+  // library name Release and DISPID 8 (C++ names it ReleasePrinter).
   ComPtr<ITypeInfo> printer, vtable;
   HREFTYPE ref = 0;
   ASSERT_EQ(services->GetTypeInfoOfGuid(__uuidof(IPrinter), printer.Put()), S_OK);
@@ -220,7 +215,7 @@ TEST(TraceService, WritesTraceLinesAndErrorReports) {
       new FakeError(91, L"Object variable or With block variable not set", L"VemraKestrivon"));
   LogError(service.Get(), error.Get(), L"VemraKestrivon::NoFile",
            L" Function IRevisionPrinter_DoPrint");
-  EXPECT_EQ(error->OtherRefs(), 0u);  // no reference kept
+  EXPECT_EQ(OtherRefs(error.Get()), 0u);  // no reference kept
   ComPtr<FakeError> nameless(new FakeError(5, L"x", L"y", false));
   LogError(service.Get(), nameless.Get(), L"VemraKestrivon::Globals", L"PPMInit");
   LogError(service.Get(), nullptr, L"VemraKestrivon::Globals", L"PPMLevelDebug");
