@@ -30,13 +30,20 @@ std::wstring Name(ITypeInfo* info, MEMBERID id = MEMBERID_NIL) {
   return name.Wide();
 }
 
-// The type attributes, copied out so that no release can be forgotten.
-TYPEATTR Attributes(ITypeInfo* info) {
-  TYPEATTR* attr = nullptr;
-  EXPECT_EQ(info->GetTypeAttr(&attr), S_OK);
-  TYPEATTR copy = *attr;
-  info->ReleaseTypeAttr(attr);
+// Attributes copied out, so that no release can be forgotten.
+template <class Attr, class Owner, class Get, class Release>
+Attr Copied(Owner* owner, Get get, Release release) {
+  Attr* attr = nullptr;
+  EXPECT_EQ((owner->*get)(&attr), S_OK);
+  Attr copy = *attr;
+  (owner->*release)(attr);
   return copy;
+}
+TYPEATTR Attributes(ITypeInfo* info) {
+  return Copied<TYPEATTR>(info, &ITypeInfo::GetTypeAttr, &ITypeInfo::ReleaseTypeAttr);
+}
+TLIBATTR LibAttributes(ITypeLib* lib) {
+  return Copied<TLIBATTR>(lib, &ITypeLib::GetLibAttr, &ITypeLib::ReleaseTLibAttr);
 }
 
 ComPtr<ITypeInfo> ImplType(ITypeInfo* info, UINT index) {
@@ -49,15 +56,6 @@ ComPtr<ITypeInfo> ImplType(ITypeInfo* info, UINT index) {
 
 // The vtable half of a dual interface.
 ComPtr<ITypeInfo> VtablePart(ITypeInfo* dual) { return ImplType(dual, static_cast<UINT>(-1)); }
-
-// The library attributes, copied out as the type attributes are.
-TLIBATTR LibAttributes(ITypeLib* lib) {
-  TLIBATTR* attr = nullptr;
-  EXPECT_EQ(lib->GetLibAttr(&attr), S_OK);
-  TLIBATTR copy = *attr;
-  lib->ReleaseTLibAttr(attr);
-  return copy;
-}
 
 GUID ContainingLibrary(ITypeInfo* info) {
   ComPtr<ITypeLib> lib;
