@@ -118,13 +118,12 @@ TEST_F(ProfileConformance, ALoneCarriageReturnEndsALine) {
 }
 
 TEST_F(ProfileConformance, MissingSectionOrFileGivesTwoNuls) {
-  char buffer[50];
-  std::memset(buffer, 1, sizeof buffer);
-  EXPECT_EQ(GetPrivateProfileSectionA("None", buffer, 50, file), 0u);
-  EXPECT_EQ(Shown(buffer, 3), "\\0\\0#");
-  std::memset(buffer, 1, sizeof buffer);
-  EXPECT_EQ(GetPrivateProfileSectionA("Sec", buffer, 50, folder / "absent.ini"), 0u);
-  EXPECT_EQ(Shown(buffer, 3), "\\0\\0#");
+  for (const auto& [section, name] : {std::pair{"None", file}, {"Sec", folder / "absent.ini"}}) {
+    char buffer[50];
+    std::memset(buffer, 1, sizeof buffer);
+    EXPECT_EQ(GetPrivateProfileSectionA(section, buffer, 50, name), 0u) << section;
+    EXPECT_EQ(Shown(buffer, 3), "\\0\\0#") << section;
+  }
 }
 
 TEST_F(ProfileConformance, ASectionThatFillsTheBufferAnswersSizeLessTwo) {

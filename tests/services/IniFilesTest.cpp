@@ -4,7 +4,6 @@
 
 #include "RecordingHost.h"
 #include "platform/FileSystem.h"
-#include "platform/SystemNames.h"
 #include "platform/TempFiles.h"
 #include "services/IniFiles.h"
 #include "support/Fixture.h"
@@ -112,13 +111,6 @@ TEST_F(IniTest, TempFileNamesAreNewNamesInTheTempFolder) {
   const std::string tmpOfPs = ps.substr(0, ps.size() - 2) + "tmp";
   EXPECT_FALSE(PathExists(tmpOfPs)) << "the file that made the name unique is gone";
   EXPECT_TRUE(host.errors.empty());
-}
-
-TEST_F(IniTest, WinUserNameLeavesTheNulOut) {
-  char buffer[255] = {};
-  uint32_t size = sizeof buffer;
-  ASSERT_TRUE(platform::GetUserNameA(buffer, &size));
-  EXPECT_EQ(WinUserName(), std::string(buffer));
 }
 
 class OutputFolderTest : public IniTest {

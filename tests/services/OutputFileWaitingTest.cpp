@@ -13,8 +13,6 @@ namespace {
 
 constexpr const char* kPrinted = "VemraKestrivon::Globals::TestForFileAccess(): File was printed";
 constexpr const char* kGrowing = "VemraKestrivon::Globals::TestForFileAccess(): File is growing...";
-constexpr const char* kMissing =
-    "VemraKestrivon::Globals::WaitWhileFileInAccess(): File does not exist. Waiting for file...";
 
 TEST(MessageFilter, RefusesClosingAndButtonPressesOnly) {
   const std::set<int32_t> refused{0x0002, 0x0010, 0x0082, 0x00A1, 0x00A2, 0x00A4,

@@ -75,13 +75,6 @@ TEST(ErrorHandler, IgnoredErrorsSkipTheStatementSilently) {
   EXPECT_TRUE(host.errors.empty());
 }
 
-TEST(ErrorHandler, AReportThatFailsPassesToTheCallerExceptFromADestructor) {
-  RecordingHost host;
-  host.logErrorFails = true;
-  EXPECT_THROW(kSample.Guard([] { Raise(vb_error::kOverflow); }), RunTimeError);
-  EXPECT_NO_THROW(kSample.GuardNoThrow([] { Raise(vb_error::kOverflow); }));
-}
-
 TEST(ErrorHandler, AttemptDescribesTheFailureAndItsHResult) {
   struct Case {
     const char* name;

@@ -40,6 +40,12 @@ inline DISPID DispIdOf(IDispatch* object, const wchar_t* name) {
   return id;
 }
 
+// The references others hold on an object besides the caller's own.
+inline ULONG OtherRefs(IUnknown* object) {
+  object->AddRef();
+  return object->Release() - 1;
+}
+
 // A string value under HKEY_CLASSES_ROOT (the default value without a
 // name), or "<missing>".
 inline std::wstring ClassesValue(const std::wstring& path, const wchar_t* name = nullptr) {

@@ -46,11 +46,16 @@ ScratchFolder::ScratchFolder() {
   static int counter = 0;
   char temp[MAX_PATH] = {};
   GetTempPathA(MAX_PATH, temp);
-  path_ = std::string(temp) + "kestrivon-test-" + std::to_string(GetCurrentProcessId()) + "-" +
-          std::to_string(++counter);
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);  // left by an earlier run of the same process id
-  if (!CreateDirectoryA(path_.c_str(), nullptr)) throw std::runtime_error("no scratch folder");
+  // An earlier run under the same (reused) process id may have left one
+  // behind that is too deep to remove: then the next name.
+  for (int tries = 0; tries < 100; ++tries) {
+    path_ = std::string(temp) + "kestrivon-test-" + std::to_string(GetCurrentProcessId()) + "-" +
+            std::to_string(++counter);
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+    if (CreateDirectoryA(path_.c_str(), nullptr)) return;
+  }
+  throw std::runtime_error("no scratch folder");
 }
 
 std::string WindowsDirectory() {
@@ -68,12 +73,8 @@ void CopyChildProgram(const std::string& target) {
 }
 
 FileHolder::FileHolder(const std::string& path, uint32_t holdMs) : path_(path) {
-  std::string commandLine = "\"";
-  commandLine.append(ChildProgram())
-      .append("\" hold \"")
-      .append(path)
-      .append("\" ")
-      .append(std::to_string(holdMs));
+  std::string commandLine = "\"";  // appended to: the other operator+ warns falsely (-Wrestrict)
+  commandLine += ChildProgram() + "\" hold \"" + path + "\" " + std::to_string(holdMs);
   STARTUPINFOA startup = {};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION information = {};
@@ -97,22 +98,22 @@ FileHolder::~FileHolder() {
 bool Is64BitProcess() { return sizeof(void*) == 8; }
 
 void CreateTestKey(View view, platform::HKey hive, const std::string& path) {
-  HKEY key = nullptr;
-  if (RegCreateKeyExA(Hive(hive), path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | ViewFlag(view),
-                      nullptr, &key, nullptr) == ERROR_SUCCESS) {
-    RegCloseKey(key);
-  }
+  SetTestValue(view, hive, path, "", REG_NONE, {});
 }
 
+// With a type of REG_NONE only the key is made.
 void SetTestValue(View view, platform::HKey hive, const std::string& path, const std::string& name,
                   uint32_t type, const std::string& bytes) {
   HKEY key = nullptr;
   if (RegCreateKeyExA(Hive(hive), path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | ViewFlag(view),
-                      nullptr, &key, nullptr) == ERROR_SUCCESS) {
+                      nullptr, &key, nullptr) != ERROR_SUCCESS) {
+    return;
+  }
+  if (type != REG_NONE) {
     RegSetValueExA(key, name.c_str(), 0, type, reinterpret_cast<const BYTE*>(bytes.data()),
                    static_cast<DWORD>(bytes.size()));
-    RegCloseKey(key);
   }
+  RegCloseKey(key);
 }
 
 void DeleteTestKey(View view, platform::HKey hive, const std::string& path) {

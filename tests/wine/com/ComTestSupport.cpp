@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace kestrivon::wine_test {
 namespace {
 std::wstring componentDll;
@@ -42,9 +44,7 @@ int wmain(int argc, wchar_t** argv) {
     if (arg.rfind(L"--dll=", 0) == 0) {
       std::wstring path = arg.substr(6);
       if (!path.empty() && path[0] == L'/') path = L"Z:" + path;
-      for (auto& c : path) {
-        if (c == L'/') c = L'\\';
-      }
+      std::replace(path.begin(), path.end(), L'/', L'\\');
       kestrivon::wine_test::componentDll = path;
     }
   }

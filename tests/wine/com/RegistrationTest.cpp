@@ -93,16 +93,11 @@ class Registration : public testing::Test {
     }
   }
 
-  static HMODULE dll_;
-  static EntryPoint register_;
-  static EntryPoint unregister_;
-  static std::wstring dllPath_;
+  static inline HMODULE dll_ = nullptr;
+  static inline EntryPoint register_ = nullptr;
+  static inline EntryPoint unregister_ = nullptr;
+  static inline std::wstring dllPath_;
 };
-
-HMODULE Registration::dll_ = nullptr;
-EntryPoint Registration::register_ = nullptr;
-EntryPoint Registration::unregister_ = nullptr;
-std::wstring Registration::dllPath_;
 
 TEST_F(Registration, WritesTheClassProgIdAndTypeLibraryKeys) {
   ASSERT_NE(register_, nullptr);

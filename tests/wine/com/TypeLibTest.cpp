@@ -30,13 +30,20 @@ std::wstring Name(ITypeInfo* info, MEMBERID id = MEMBERID_NIL) {
   return name.Wide();
 }
 
-// The type attributes, copied out so that no release can be forgotten.
-TYPEATTR Attributes(ITypeInfo* info) {
-  TYPEATTR* attr = nullptr;
-  EXPECT_EQ(info->GetTypeAttr(&attr), S_OK);
-  TYPEATTR copy = *attr;
-  info->ReleaseTypeAttr(attr);
+// Attributes copied out, so that no release can be forgotten.
+template <class Attr, class Owner, class Get, class Release>
+Attr Copied(Owner* owner, Get get, Release release) {
+  Attr* attr = nullptr;
+  EXPECT_EQ((owner->*get)(&attr), S_OK);
+  Attr copy = *attr;
+  (owner->*release)(attr);
   return copy;
+}
+TYPEATTR Attributes(ITypeInfo* info) {
+  return Copied<TYPEATTR>(info, &ITypeInfo::GetTypeAttr, &ITypeInfo::ReleaseTypeAttr);
+}
+TLIBATTR LibAttributes(ITypeLib* lib) {
+  return Copied<TLIBATTR>(lib, &ITypeLib::GetLibAttr, &ITypeLib::ReleaseTLibAttr);
 }
 
 ComPtr<ITypeInfo> ImplType(ITypeInfo* info, UINT index) {
@@ -54,11 +61,7 @@ GUID ContainingLibrary(ITypeInfo* info) {
   ComPtr<ITypeLib> lib;
   UINT index = 0;
   EXPECT_EQ(info->GetContainingTypeLib(lib.Put(), &index), S_OK);
-  TLIBATTR* attr = nullptr;
-  EXPECT_EQ(lib->GetLibAttr(&attr), S_OK);
-  const GUID guid = attr->guid;
-  lib->ReleaseTLibAttr(attr);
-  return guid;
+  return LibAttributes(lib.Get()).guid;
 }
 
 // One operation of IRevisionPrinter as the contract lays it out.
@@ -120,16 +123,13 @@ void ExpectRevisionPrinterLayout(ITypeInfo* revisionPrinter) {
 TEST(TypeLibrary, HasTheLibraryAttributes) {
   ComPtr<ITypeLib> lib = LoadResource(1);
   ASSERT_TRUE(lib);
-  TLIBATTR* attr = nullptr;
-  ASSERT_EQ(lib->GetLibAttr(&attr), S_OK);
-  EXPECT_EQ(GuidText(attr->guid), kLibId);
-  EXPECT_EQ(attr->wMajorVerNum, 6);
-  EXPECT_EQ(attr->wMinorVerNum, 4);
-  EXPECT_EQ(attr->lcid, 0u);
-  EXPECT_EQ(attr->syskind, kSysKind);
-  lib->ReleaseTLibAttr(attr);
-  Bstr name;
-  Bstr doc;
+  const TLIBATTR attr = LibAttributes(lib.Get());
+  EXPECT_EQ(GuidText(attr.guid), kLibId);
+  EXPECT_EQ(attr.wMajorVerNum, 6);
+  EXPECT_EQ(attr.wMinorVerNum, 4);
+  EXPECT_EQ(attr.lcid, 0u);
+  EXPECT_EQ(attr.syskind, kSysKind);
+  Bstr name, doc;
   ASSERT_EQ(lib->GetDocumentation(-1, name.Put(), doc.Put(), nullptr, nullptr), S_OK);
   EXPECT_EQ(name.Wide(), L"VemraKestrivon");
   EXPECT_EQ(doc.Wide(), kLibDescription);
@@ -203,10 +203,7 @@ TEST(TypeLibrary, RevisionPrinterHasTheContractsSlots) {
 TEST(TypeLibrary, TheDispatchCopyOfTheHostLibraryHasTheSameSlots) {
   ComPtr<ITypeLib> copy = LoadResource(2);
   ASSERT_TRUE(copy);
-  TLIBATTR* attr = nullptr;
-  ASSERT_EQ(copy->GetLibAttr(&attr), S_OK);
-  EXPECT_EQ(GuidText(attr->guid), kVBInterfaceLibId);
-  copy->ReleaseTLibAttr(attr);
+  EXPECT_EQ(GuidText(LibAttributes(copy.Get()).guid), kVBInterfaceLibId);
   ComPtr<ITypeInfo> revisionPrinter;
   ASSERT_EQ(copy->GetTypeInfoOfGuid(Guid(kRevisionPrinterIid), revisionPrinter.Put()), S_OK);
   ExpectRevisionPrinterLayout(revisionPrinter.Get());

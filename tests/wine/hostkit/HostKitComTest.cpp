@@ -32,6 +32,7 @@ using kestrivon::wine_test::DispIdOf;
 using kestrivon::wine_test::EntryPoint;
 using kestrivon::wine_test::Export;
 using kestrivon::wine_test::Guid;
+using kestrivon::wine_test::OtherRefs;
 using kestrivon::wine_test::Variant;
 namespace fs = std::filesystem;
 using Fields = std::vector<std::string>;
@@ -53,40 +54,25 @@ bool Same(const std::wstring& a, const std::wstring& b) {
   return _wcsicmp(a.c_str(), b.c_str()) == 0;
 }
 
-std::vector<Fields> LogEntries() {
+// The log's entries without their time stamps, from the line'th on.
+std::vector<Fields> LogEntries(size_t from = 0) {
   std::ifstream in(logPath, std::ios::binary);
   std::vector<Fields> entries;
-  std::string line;
-  while (std::getline(in, line)) {
+  for (std::string line; std::getline(in, line);) {
     Fields fields = kestrivon::hostkit::SplitEntry(line);
-    fields.erase(fields.begin());  // the time stamp
-    entries.push_back(std::move(fields));
+    fields.erase(fields.begin());
+    if (from > 0)
+      --from;
+    else
+      entries.push_back(std::move(fields));
   }
   return entries;
 }
 
-// Entries as the log shows them, for failure messages.
-std::string Show(const std::vector<Fields>& entries) {
-  std::string text;
-  for (const auto& entry : entries) {
-    for (const auto& field : entry) text += kestrivon::hostkit::EscapeField(field) + " | ";
-    text += "\n";
-  }
-  return text;
-}
-
 // The entries written since the mark was taken.
-class LogMark {
- public:
-  LogMark() : start_(LogEntries().size()) {}
-  std::vector<Fields> Since() const {
-    auto entries = LogEntries();
-    return std::vector<Fields>(entries.begin() + static_cast<std::ptrdiff_t>(start_),
-                               entries.end());
-  }
-
- private:
-  size_t start_;
+struct LogMark {
+  size_t start = LogEntries().size();
+  std::vector<Fields> Since() const { return LogEntries(start); }
 };
 
 // A new object of the host kit's class, asked for its interface.
@@ -109,10 +95,6 @@ class FakeError final : public kestrivon::comkit::NamedObject {
         number_(number),
         description_(description),
         source_(source) {}
-  ULONG OtherRefs() {
-    AddRef();
-    return Release() - 1;
-  }
 
  protected:
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS&, VARIANT* result) override {
@@ -155,17 +137,15 @@ TEST(Registration, ClassesAreInProcessApartmentWithProgIds) {
 }
 
 TEST(Registration, TheHostsTypeLibrariesAndTheirInterfaces) {
+  ComPtr<ITypeLib> services;
   for (const auto& [iid, libId] : {std::pair{kRevisionPrinterIid, kVBInterfaceLibId},
                                    std::pair{kTraceServiceIid, kHostServicesLibId}}) {
-    ComPtr<ITypeLib> lib;
-    EXPECT_EQ(::LoadRegTypeLib(Guid(libId), 1, 0, 0, lib.Put()), S_OK);
+    ASSERT_EQ(::LoadRegTypeLib(Guid(libId), 1, 0, 0, services.Put()), S_OK);
     EXPECT_TRUE(Same(ClassesValue(std::wstring(L"Interface\\") + iid + L"\\TypeLib"), libId))
         << testing::PrintToString(iid);
   }
-  // IPrinter's slot 8 keeps its library name Release and DISPID 8 (C++
-  // names it ReleasePrinter).
-  ComPtr<ITypeLib> services;
-  ASSERT_EQ(::LoadRegTypeLib(Guid(kHostServicesLibId), 1, 0, 0, services.Put()), S_OK);
+  // The host services' library (loaded last): IPrinter's slot 8 keeps its
+  // library name Release and DISPID 8 (C++ names it ReleasePrinter).
   ComPtr<ITypeInfo> printer, vtable;
   HREFTYPE ref = 0;
   ASSERT_EQ(services->GetTypeInfoOfGuid(__uuidof(IPrinter), printer.Put()), S_OK);
@@ -235,13 +215,13 @@ TEST(TraceService, WritesTraceLinesAndErrorReports) {
       new FakeError(91, L"Object variable or With block variable not set", L"VemraKestrivon"));
   LogError(service.Get(), error.Get(), L"VemraKestrivon::NoFile",
            L" Function IRevisionPrinter_DoPrint");
-  EXPECT_EQ(error->OtherRefs(), 0u);  // no reference kept
+  EXPECT_EQ(OtherRefs(error.Get()), 0u);  // no reference kept
   ComPtr<FakeError> nameless(new FakeError(5, L"x", L"y", false));
   LogError(service.Get(), nameless.Get(), L"VemraKestrivon::Globals", L"PPMInit");
   LogError(service.Get(), nullptr, L"VemraKestrivon::Globals", L"PPMLevelDebug");
 
   const auto entries = mark.Since();
-  ASSERT_EQ(entries.size(), 4u) << Show(entries);
+  ASSERT_EQ(entries.size(), 4u) << testing::PrintToString(entries);
   EXPECT_EQ(entries[0], (Fields{"TRACE",
                                 "VemraKestrivon::NoFile::IRevisionPrinter_DoPrint(): document has "
                                 "no file -> nothing to do"}));
@@ -260,15 +240,11 @@ TEST(TraceService, ResolvesTextsAndCopiesFiles) {
   auto service = NewTraceService();
   ASSERT_TRUE(service);
   LogMark mark;
-  auto resolve = [&](const wchar_t* text) {
-    Bstr in(text), out;
-    EXPECT_EQ(service->ResolveText(in.Get(), out.Put()), S_OK);
-    return out.Wide();
-  };
-  EXPECT_EQ(resolve(L"~05d86 Printer is not installed"), L"Drucker ist nicht installiert");
-  EXPECT_EQ(resolve(L"~05d87 Printer output folder does not exist"),
-            L"Printer output folder does not exist");
-  EXPECT_EQ(resolve(L"no identifier"), L"no identifier");
+  // The translations file named by the environment; the rest of the
+  // resolving is the core's (SimTraceServiceTest).
+  Bstr in(L"~05d86 Printer is not installed"), out;
+  EXPECT_EQ(service->ResolveText(in.Get(), out.Put()), S_OK);
+  EXPECT_EQ(out.Wide(), L"Drucker ist nicht installiert");
 
   const fs::path source = workFolder / "source.pdf";
   const fs::path target = workFolder / "target.pdf";
@@ -281,10 +257,9 @@ TEST(TraceService, ResolvesTextsAndCopiesFiles) {
         std::pair{VARIANT_TRUE, VARIANT_TRUE}}) {
     VARIANT_BOOL copied = 1;
     EXPECT_EQ(service->CopyFile(from.Get(), to.Get(), overwrite, &copied), S_OK);
-    EXPECT_EQ(copied, expected) << Show(mark.Since());
+    EXPECT_EQ(copied, expected) << testing::PrintToString(mark.Since());
   }
   EXPECT_TRUE(fs::exists(target));
-  EXPECT_EQ(mark.Since().size(), 6u) << Show(mark.Since());  // three texts, three copies
 
   LONG first = 0, second = 0;
   EXPECT_EQ(service->CurrentTicks(&first), S_OK);
@@ -307,12 +282,10 @@ TEST(TraceService, MessageBoxesAnswerFromTheScript) {
               S_OK);
     answers.push_back(answer);
   }
-  EXPECT_EQ(answers, (std::vector<LONG>{6, 7, 1}));  // Yes, No, then OK: the script is used up
-  const auto entries = mark.Since();
-  ASSERT_EQ(entries.size(), 3u);
-  EXPECT_EQ(entries[0], (Fields{"MSGBOX", "Der Revisionsdrucker ist nicht bereit.\r\nTrotzdem?",
-                                "36", "Revision printer", "6", "scripted"}));
-  EXPECT_EQ(entries[2][5], "default");
+  // Yes, No, then OK: the script is used up. What the log shows of a box is
+  // the core's (SimTraceServiceTest), save that the texts arrive whole.
+  EXPECT_EQ(answers, (std::vector<LONG>{6, 7, 1}));
+  EXPECT_EQ(mark.Since()[0][1], "Der Revisionsdrucker ist nicht bereit.\r\nTrotzdem?");
 }
 
 TEST(TraceService, HasNoHostApplicationYet) {

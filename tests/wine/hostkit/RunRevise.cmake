@@ -7,12 +7,6 @@
 #
 # Texts are plain substrings, separated by "|". The log is removed first, so
 # that only this run's entries are looked at; --log <LOG> is passed along.
-foreach(required RUNNER EXE LOG EXIT)
-  if(NOT DEFINED ${required})
-    message(FATAL_ERROR "RunRevise.cmake needs -D${required}=")
-  endif()
-endforeach()
-
 string(REPLACE "|" ";" args "${ARGS}")
 file(REMOVE "${LOG}")
 if(DEFINED WINEDEBUG)

@@ -62,9 +62,7 @@ TEST_F(MessagesThroughCom, WithoutTheOptionABoxIsShown) {
   const auto document = NewDocument(nullptr);
   ASSERT_TRUE(document);
   ShowMessage(kText, 16, "~003c1 Revision", document);
-  ASSERT_EQ(host.messageBoxes.size(), 1u);
-  EXPECT_EQ(host.messageBoxes[0].prompt, kText);
-  EXPECT_EQ(host.messageBoxes[0].buttons, 16);
+  EXPECT_EQ(host.messageBoxes.size(), 1u);  // the box itself: RevisionMessagesTest
   EXPECT_EQ(LoggedMessages().size(), before);
   EXPECT_TRUE(host.errors.empty());
 }
