@@ -5,6 +5,7 @@
 #include "frame/trace/Trace.h"
 #include "host/portable/HostActivation.h"
 #include "platform/Clock.h"
+#include "platform/FileCopy.h"
 #include "runtime/RunTimeError.h"
 #include "services/RegistrySettings.h"
 #ifndef _WIN32
@@ -35,24 +36,27 @@ std::shared_ptr<T> Unowned(T* object) {
 
 RecordingHost::RecordingHost() {
   Reload();
-  host::portable::InstallHostFactories({
-      .traceService = [this]() -> std::shared_ptr<host::TraceService> {
-        if (traceServiceMissing) return nullptr;
-        ++traceServicesCreated;
-        return Unowned<host::TraceService>(this);
-      },
-      .instanceMonitor = [this]() -> std::shared_ptr<host::InstanceMonitor> {
-        if (monitorMissing) return nullptr;
-        ++monitorsCreated;
-        return Unowned<host::InstanceMonitor>(this);
-      },
-  });
+  InstallHostClasses({});
 #ifndef _WIN32
   platform::portable::SetDebugSink([this](const std::string& line) {
     if (debugOutputFails) throw HostCallFailed("OutputDebugString");
     debugLines.push_back(line);
   });
 #endif
+}
+
+void RecordingHost::InstallHostClasses(host::portable::HostFactories classes) {
+  classes.traceService = [this]() -> std::shared_ptr<host::TraceService> {
+    if (traceServiceMissing) return nullptr;
+    ++traceServicesCreated;
+    return Unowned<host::TraceService>(this);
+  };
+  classes.instanceMonitor = [this]() -> std::shared_ptr<host::InstanceMonitor> {
+    if (monitorMissing) return nullptr;
+    ++monitorsCreated;
+    return Unowned<host::InstanceMonitor>(this);
+  };
+  host::portable::InstallHostFactories(std::move(classes));
 }
 
 RecordingHost::~RecordingHost() {
@@ -84,6 +88,11 @@ int32_t RecordingHost::ShowMessageBox(const std::string& prompt, int32_t buttons
                                       const std::string& title) {
   messageBoxes.push_back({prompt, buttons, title});
   return 1;
+}
+
+bool RecordingHost::CopyFile(const std::string& source, const std::string& target, bool overwrite) {
+  copies.push_back(source + "|" + target);
+  return copyFiles && platform::CopyFileTo(source, target, overwrite);
 }
 
 int32_t RecordingHost::GetLevel() {

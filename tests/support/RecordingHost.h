@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/TraceService.h"
+#include "host/portable/HostActivation.h"
 
 namespace kestrivon::test {
 
@@ -66,7 +67,13 @@ class RecordingHost : public host::TraceService, public host::InstanceMonitor {
   void WriteTrace(const std::string& line) override;
   int32_t ShowMessageBox(const std::string& prompt, int32_t buttons,
                          const std::string& title) override;
-  bool CopyFile(const std::string&, const std::string&, bool) override { return false; }
+  // Copies through the platform seam when copyFiles is set; records each call.
+  bool CopyFile(const std::string& source, const std::string& target, bool overwrite) override;
+  bool copyFiles = false;
+  Lines copies;  // "source|target"
+  // Installs the host's print-world classes beside this trace service and
+  // instance monitor.
+  void InstallHostClasses(host::portable::HostFactories classes);
   void RegisterCounter(const std::string& name, int32_t* counter) override {
     counters[name] = counter;
   }
