@@ -48,25 +48,10 @@ ComPtr<IDispatch> CreateByProgId(const wchar_t* progId) {
   return Create<IDispatch>(classId);
 }
 
-// Calls a member by name; a failure raises the callee's error.
+// Late-bound calls are methods or property gets here.
 void Invoke(IDispatch* object, const wchar_t* name, std::vector<VARIANT> arguments,
             VARIANT* result) {
-  if (object == nullptr) Raise(vb_error::kObjectVariableNotSet);
-  EXCEPINFO exception{};
-  const HRESULT hr = comkit::CallByName(object, name, DISPATCH_METHOD | DISPATCH_PROPERTYGET,
-                                        std::move(arguments), result, &exception);
-  if (hr == DISP_E_EXCEPTION) {
-    if (exception.pfnDeferredFillIn != nullptr) exception.pfnDeferredFillIn(&exception);
-    const auto source = Bstr::Attach(exception.bstrSource);
-    const auto description = Bstr::Attach(exception.bstrDescription);
-    const auto helpFile = Bstr::Attach(exception.bstrHelpFile);
-    const HRESULT code =
-        exception.scode != 0 ? exception.scode : MAKE_HRESULT(1, 4, exception.wCode);
-    throw RunTimeError(static_cast<int32_t>(code), description.Get() != nullptr
-                                                       ? description.Utf8()
-                                                       : std::string("Automation error"));
-  }
-  Check(hr);
+  win::Invoke(object, name, DISPATCH_METHOD | DISPATCH_PROPERTYGET, std::move(arguments), result);
 }
 
 bool BoolOf(VARIANT& value) {
@@ -88,7 +73,8 @@ class ComPrinter final : public Printer {
                       const std::string& text) override {
     OwnedVariant settings;
     if (const auto* value = dynamic_cast<const win::ComHostValue*>(documentSettings.get())) {
-      Check(VariantCopy(settings.Put(), &value->Value()));
+      // VariantCopy only reads its source; its declaration lacks the const.
+      Check(VariantCopy(settings.Put(), const_cast<VARIANT*>(&value->Value())));
     } else if (documentSettings) {
       settings = OwnedVariant::Object(DispatchOf(documentSettings));
     }
