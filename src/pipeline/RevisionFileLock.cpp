@@ -45,7 +45,9 @@ std::string UserName(const host::HostObjectRef& document) {
 }  // namespace
 
 RevisionFileLock::RevisionFileLock() {
-  Debug("### Kestrivon::DocumentLock::Class_Initialize()...");
+  Procedure(kLockClass, "Private Sub Class_Initialize").Guard([] {
+    Debug("### Kestrivon::DocumentLock::Class_Initialize()...");
+  });
 }
 
 RevisionFileLock::~RevisionFileLock() {
