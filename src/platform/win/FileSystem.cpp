@@ -101,6 +101,11 @@ namespace kestrivon::platform {
 
 void WriteAnsiTextLines(const std::string& path, const std::vector<std::string>& lines) {
   const std::string bytes = text_lines::Join(lines);
+  // A read-only file is not replaced, whoever runs (Wine lets root do it).
+  const DWORD attributes = Attributes(path);
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+    RaiseFileSystemError(kErrPermissionDenied);
+  }
   HANDLE file = ::CreateFileA(win::ToAnsi(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                               CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (file == INVALID_HANDLE_VALUE) {
