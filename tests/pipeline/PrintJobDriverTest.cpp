@@ -72,9 +72,6 @@ TEST_F(DriverTest, DocumentTypesAreRecognisedByTheirExactName) {
 }
 
 TEST_F(DriverTest, OnlyADocumentsOwnPdfIsCopiedInsteadOfPrinted) {
-  host.copyFiles = true;
-  WriteWholeFile(folder / "plan.pdf", "%PDF-own");
-  WriteWholeFile(folder / "vault.pdf", "%PDF-fetched");
   struct Case {
     int32_t systemType;
     const char* type;
@@ -103,16 +100,9 @@ TEST_F(DriverTest, OnlyADocumentsOwnPdfIsCopiedInsteadOfPrinted) {
       fileHelper->fetched[document.get()] = *c.fetched ? folder / c.fetched : "";
     }
     host.copies.clear();
-    RemoveFile(folder / "A1.PDF");
     EXPECT_EQ(CheckAndCopyPDF(document, folder / "A1.PDF"), c.copiedInstead);
-    if (c.copiedFrom) {
-      EXPECT_EQ(host.copies, Lines{folder / c.copiedFrom + "|" + folder / "A1.PDF"});
-      if (PathExists(folder / c.copiedFrom)) {
-        EXPECT_EQ(ReadWholeFile(folder / "A1.PDF"), ReadWholeFile(folder / c.copiedFrom));
-      }
-    } else {
-      EXPECT_TRUE(host.copies.empty());
-    }
+    EXPECT_EQ(host.copies,
+              c.copiedFrom ? Lines{folder / c.copiedFrom + "|" + folder / "A1.PDF"} : Lines{});
   }
   EXPECT_EQ(fileHelper->purposes, (Lines{"Revision", "Revision"}));
 }

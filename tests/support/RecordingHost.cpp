@@ -5,7 +5,6 @@
 #include "frame/trace/Trace.h"
 #include "host/portable/HostActivation.h"
 #include "platform/Clock.h"
-#include "platform/FileCopy.h"
 #include "runtime/RunTimeError.h"
 #include "services/RegistrySettings.h"
 #ifndef _WIN32
@@ -88,11 +87,6 @@ int32_t RecordingHost::ShowMessageBox(const std::string& prompt, int32_t buttons
                                       const std::string& title) {
   messageBoxes.push_back({prompt, buttons, title});
   return 1;
-}
-
-bool RecordingHost::CopyFile(const std::string& source, const std::string& target, bool overwrite) {
-  copies.push_back(source + "|" + target);
-  return copyFiles && platform::CopyFileTo(source, target, overwrite);
 }
 
 int32_t RecordingHost::GetLevel() {

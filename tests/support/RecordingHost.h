@@ -67,10 +67,12 @@ class RecordingHost : public host::TraceService, public host::InstanceMonitor {
   void WriteTrace(const std::string& line) override;
   int32_t ShowMessageBox(const std::string& prompt, int32_t buttons,
                          const std::string& title) override;
-  // Copies through the platform seam when copyFiles is set; records each call.
-  bool CopyFile(const std::string& source, const std::string& target, bool overwrite) override;
-  bool copyFiles = false;
-  Lines copies;  // "source|target"
+  // Records each copy ("source|target") and answers false.
+  bool CopyFile(const std::string& source, const std::string& target, bool) override {
+    copies.push_back(source + "|" + target);
+    return false;
+  }
+  Lines copies;
   // Installs the host's print-world classes beside this trace service and
   // instance monitor.
   void InstallHostClasses(host::portable::HostFactories classes);
