@@ -1,24 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <functional>
-
 #include "platform/FileSystem.h"
-#include "runtime/RunTimeError.h"
 #include "support/Fixture.h"
 
 namespace kestrivon::test {
 namespace {
 
 using namespace kestrivon::platform;
-
-int32_t ErrorOf(const std::function<void()>& call) {
-  try {
-    call();
-  } catch (const RunTimeError& e) {
-    return e.Number();
-  }
-  return 0;
-}
 
 TEST(TextFilesConformance, LinesAreWrittenWithCrLfAndReadBackUpToTheEnd) {
   ScratchFolder folder;
