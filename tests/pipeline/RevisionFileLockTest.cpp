@@ -92,6 +92,15 @@ TEST_F(LockTest, ALiveLockTellsTheUserWhoPrintsAfterTheTwoSecondWait) {
                        created + "'\r\n--> aborting!!..."}));
 }
 
+// Callers test for "not true": an empty answer stops the print as well.
+TEST_F(LockTest, AFailingCheckAnswersNeitherTrueNorFalse) {
+  platform::WriteAnsiTextLines(folder / "B-7.RLCK", {"11/15/2026 9:12:40 AM", "PC042", "mmeier"});
+  AgeTo(folder / "B-7.RLCK", 3600000);
+  host.traceFailsOn = "deleting old lock-file";
+  EXPECT_EQ(CheckDeleteLockFile(folder.Path(), document), std::nullopt);
+  EXPECT_EQ(host.reports, Lines{"VemraKestrivon::Globals|CheckDeleteLockFile"});
+}
+
 // A run in an empty folder: the check lets it print, its lock names the
 // document, the computer and the user, and goes again when it is done.
 TEST_F(LockTest, ARunWritesAndDeletesItsOwnLock) {
