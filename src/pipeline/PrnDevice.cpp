@@ -5,6 +5,7 @@
 
 #include "frame/trace/Trace.h"
 #include "host/Documents.h"
+#include "pipeline/PrintJobDriver.h"
 #include "platform/Clock.h"
 #include "platform/Spooler.h"
 #include "runtime/ErrorHandler.h"
@@ -24,12 +25,6 @@ constexpr int32_t kCannotPrintMask = 0x609683;
 constexpr int32_t kAnswerYes = 6;
 constexpr uint32_t kMaxListedJobs = 5;
 
-template <class T>
-T& Required(const std::shared_ptr<T>& object) {
-  if (!object) Raise(vb_error::kObjectVariableNotSet);
-  return *object;
-}
-
 host::Printer& PrinterOf(const host::HostObjectRef& printer) {
   return Required(host::AsPrinter(printer));
 }
@@ -41,21 +36,6 @@ std::string Resolved(const char* text) { return TraceServiceObject().ResolveText
 // The host's own report and reference documents, by the name of their type.
 // Stands in for the print job driver's IsVemraDoc and becomes that call
 // when both are together.
-bool IsHostReportDocument(const host::HostObjectRef& document) {
-  return Procedure(kGlobalsLabel, "Function IsVemraDoc").Guard(false, [&] {
-    constexpr std::array<const char*, 5> kTypes = {
-        "Reference", "VemraIReport", "VemraMasterIReport", "VemraReport", "VemraMasterReport"};
-    bool result = false;
-    // The type object is fetched afresh for every comparison, as the host
-    // expects of this check.
-    for (const char* type : kTypes) {
-      const auto typeObject = Required(host::AsDocument(document)).TypeObject();
-      if (Required(host::AsVemraObject(typeObject)).Name() == type) result = true;
-    }
-    return result;
-  });
-}
-
 std::shared_ptr<host::UIPolicy>& KeptUIPolicy() {
   static std::shared_ptr<host::UIPolicy> policy;
   return policy;
@@ -175,7 +155,7 @@ bool PrnDevice::InitializeDevMode(const host::HostObjectRef& document, const std
     }
     WriteTrace(kLabel + "::InitializeDevMode(): " +
                "starting to initialize the VemraPrinter.Printer's DEVMODE...");
-    const bool notHostDocument = !IsHostReportDocument(document);
+    const bool notHostDocument = !IsVemraDoc(document);
     const host::HostObjectRef settings = Required(host::AsDocument(document)).PrintSettings();
     if (PrinterOf(printer_).PrepareDevMode(notHostDocument, 0, settings, text)) {
       WriteTrace(kLabel + "::InitializeDevMode(): " + "print job started.");

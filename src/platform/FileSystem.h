@@ -50,4 +50,15 @@ FileHandle OpenFileExclusive(const std::string& path);
 void CloseFile(FileHandle file);
 using OwnedFile = Owned<FileHandle, &CloseFile, kInvalidFile>;
 
+// CreateTextFile(path, True, False), a WriteLine per line, Close: creates or
+// overwrites the file with the lines in the ANSI code page, each ended by
+// CR LF. Raises 76 when the folder is missing and 70 when the file cannot
+// be written.
+void WriteAnsiTextLines(const std::string& path, const std::vector<std::string>& lines);
+// OpenTextFile(path, ForReading, False) and count ReadLine calls: each line
+// ends at CR LF or LF and comes back in UTF-8. Raises 53 when there is no
+// such file, 70 when it cannot be opened and 62 "Input past end of file"
+// when a ReadLine call finds the end.
+std::vector<std::string> ReadAnsiTextLines(const std::string& path, size_t count);
+
 }  // namespace kestrivon::platform

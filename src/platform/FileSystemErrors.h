@@ -7,6 +7,7 @@
 namespace kestrivon::platform {
 
 // The run-time errors of the scripting file-system object.
+inline constexpr int32_t kErrInputPastEndOfFile = 62;
 inline constexpr int32_t kErrFileNotFound = 53;
 inline constexpr int32_t kErrFileAlreadyExists = 58;
 inline constexpr int32_t kErrPermissionDenied = 70;
@@ -23,6 +24,9 @@ inline constexpr int32_t kErrPathNotFound = 76;
       break;
     case kErrPermissionDenied:
       description = "Permission denied";
+      break;
+    case kErrInputPastEndOfFile:
+      description = "Input past end of file";
       break;
     default:
       break;

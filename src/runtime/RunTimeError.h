@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -49,5 +50,13 @@ std::string DescriptionOf(int32_t number);
 
 // Raises the run time's error with its standard description.
 [[noreturn]] void Raise(int32_t number);
+
+// The object, or error 91 where the host answered Nothing and the
+// procedure goes on to use it.
+template <class T>
+T& Required(const std::shared_ptr<T>& object) {
+  if (!object) Raise(vb_error::kObjectVariableNotSet);
+  return *object;
+}
 
 }  // namespace kestrivon

@@ -1,20 +1,14 @@
 #include "services/RevisionMessages.h"
 
-#include "runtime/ErrorHandler.h"
 #include "frame/trace/Trace.h"
 #include "host/Documents.h"
+#include "runtime/ErrorHandler.h"
 #include "runtime/RunTimeError.h"
 
 namespace kestrivon {
 namespace {
 
 constexpr const char* kOptionName = "ShowRevisionMessages";
-
-template <class T>
-T& Required(const std::shared_ptr<T>& object) {
-  if (!object) Raise(vb_error::kObjectVariableNotSet);
-  return *object;
-}
 
 }  // namespace
 

@@ -13,17 +13,6 @@ namespace {
 
 using namespace kestrivon::platform;
 
-// The run-time error number a call raises, or 0.
-template <class Call>
-int32_t ErrorOf(Call&& call) {
-  try {
-    call();
-  } catch (const RunTimeError& e) {
-    return e.Number();
-  }
-  return 0;
-}
-
 TEST(FileSystemConformance, ExistenceTellsFilesFromFolders) {
   ScratchFolder folder;
   WriteWholeFile(folder / "file.txt", "x");

@@ -36,7 +36,7 @@ std::shared_ptr<T> Unowned(T* object) {
 
 RecordingHost::RecordingHost() {
   Reload();
-  InstallWith({});
+  InstallHostClasses({});
 #ifndef _WIN32
   platform::portable::SetDebugSink([this](const std::string& line) {
     if (debugOutputFails) throw HostCallFailed("OutputDebugString");
@@ -45,18 +45,18 @@ RecordingHost::RecordingHost() {
 #endif
 }
 
-void RecordingHost::InstallWith(host::portable::HostFactories others) {
-  others.traceService = [this]() -> std::shared_ptr<host::TraceService> {
+void RecordingHost::InstallHostClasses(host::portable::HostFactories classes) {
+  classes.traceService = [this]() -> std::shared_ptr<host::TraceService> {
     if (traceServiceMissing) return nullptr;
     ++traceServicesCreated;
     return Unowned<host::TraceService>(this);
   };
-  others.instanceMonitor = [this]() -> std::shared_ptr<host::InstanceMonitor> {
+  classes.instanceMonitor = [this]() -> std::shared_ptr<host::InstanceMonitor> {
     if (monitorMissing) return nullptr;
     ++monitorsCreated;
     return Unowned<host::InstanceMonitor>(this);
   };
-  host::portable::InstallHostFactories(std::move(others));
+  host::portable::InstallHostFactories(std::move(classes));
 }
 
 RecordingHost::~RecordingHost() {
@@ -99,6 +99,7 @@ std::string RecordingHost::ResolveText(const std::string& text) {
 }
 
 bool RecordingHost::CopyFile(const std::string& source, const std::string& target, bool overwrite) {
+  copies.push_back(source + "|" + target);
   return copiesFiles && platform::CopyFileTo(source, target, overwrite);
 }
 

@@ -45,7 +45,7 @@ class RecordingHost : public host::TraceService, public host::InstanceMonitor {
   bool copiesFiles = false;
 
   // Installs these objects beside the host's other classes.
-  void InstallWith(host::portable::HostFactories others);
+  void InstallHostClasses(host::portable::HostFactories classes);
 
   // What they saw.
   Lines traceLines;
@@ -76,7 +76,9 @@ class RecordingHost : public host::TraceService, public host::InstanceMonitor {
   void WriteTrace(const std::string& line) override;
   int32_t ShowMessageBox(const std::string& prompt, int32_t buttons,
                          const std::string& title) override;
+  // Records each copy ("source|target"); copies for real when copiesFiles.
   bool CopyFile(const std::string& source, const std::string& target, bool overwrite) override;
+  Lines copies;
   void RegisterCounter(const std::string& name, int32_t* counter) override {
     counters[name] = counter;
   }

@@ -2,6 +2,8 @@
 
 #include <oaidl.h>
 
+#include <vector>
+
 #include "comkit/ComPtr.h"
 #include "comkit/Variant.h"
 #include "host/HostObject.h"
@@ -23,6 +25,11 @@ class ComHostObject : public HostObject {
 
 // nullptr for a missing object (NULL), as the host passes Nothing.
 HostObjectRef WrapHostObject(IDispatch* dispatch);
+
+// Calls a member by name, the arguments in call order; raises the callee's
+// error (91 for a missing object).
+void Invoke(IDispatch* object, const wchar_t* name, WORD flags, std::vector<VARIANT> arguments,
+            VARIANT* result);
 
 // A value the host handed out to be handed back unchanged (a document's
 // print settings): whatever VARIANT it was.

@@ -15,6 +15,7 @@
 
 #include "platform/FileSystem.h"
 #include "platform/FileSystemErrors.h"
+#include "platform/TextLines.h"
 #include "platform/portable/Internal.h"
 
 namespace kestrivon::platform {
@@ -352,6 +353,57 @@ FileHandle OpenFileExclusive(const std::string& path) {
 
 void CloseFile(FileHandle file) {
   if (file != kInvalidFile) ::close(static_cast<int>(file));
+}
+
+}  // namespace kestrivon::platform
+
+namespace kestrivon::platform {
+namespace {
+
+// The error of a file that cannot be opened: a missing file in an existing
+// folder, a missing folder, or no permission.
+[[noreturn]] void RaiseOpenError(const std::string& host) {
+  if (errno != ENOENT) RaiseFileSystemError(kErrPermissionDenied);
+  const size_t slash = host.rfind('/');
+  const bool folder =
+      slash != std::string::npos && portable::IsFolder(slash == 0 ? "/" : host.substr(0, slash));
+  RaiseFileSystemError(folder ? kErrFileNotFound : kErrPathNotFound);
+}
+
+}  // namespace
+
+void WriteAnsiTextLines(const std::string& path, const std::vector<std::string>& lines) {
+  const std::string host = portable::ResolveHostPath(path);
+  if (host.empty()) RaiseFileSystemError(kErrPathNotFound);
+  if (portable::IsFolder(host) || portable::IsReadOnly(host) || portable::IsFileHeld(host)) {
+    RaiseFileSystemError(kErrPermissionDenied);
+  }
+  const int fd = ::open(host.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  if (fd < 0) {
+    if (errno == ENOENT) RaiseFileSystemError(kErrPathNotFound);
+    RaiseFileSystemError(kErrPermissionDenied);
+  }
+  const std::string bytes = text_lines::Join(lines);
+  const bool complete =
+      ::write(fd, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
+  ::close(fd);
+  if (!complete) RaiseFileSystemError(kErrPermissionDenied);
+}
+
+std::vector<std::string> ReadAnsiTextLines(const std::string& path, size_t count) {
+  const std::string host = portable::ResolveHostPath(path);
+  if (host.empty()) RaiseFileSystemError(kErrPathNotFound);
+  if (portable::IsFolder(host)) RaiseFileSystemError(kErrPermissionDenied);
+  const int fd = ::open(host.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) RaiseOpenError(host);
+  std::string bytes;
+  char buffer[4096];
+  ssize_t read = 0;
+  while ((read = ::read(fd, buffer, sizeof buffer)) > 0) {
+    bytes.append(buffer, static_cast<size_t>(read));
+  }
+  ::close(fd);
+  return text_lines::Split(bytes, count);
 }
 
 }  // namespace kestrivon::platform

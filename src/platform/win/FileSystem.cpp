@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "platform/FileSystemErrors.h"
+#include "platform/TextLines.h"
 #include "platform/win/Text.h"
 #include "runtime/Text.h"
 
@@ -92,6 +93,55 @@ FileHandle OpenFileExclusive(const std::string& path) {
 
 void CloseFile(FileHandle file) {
   if (file != kInvalidFile) ::CloseHandle(reinterpret_cast<HANDLE>(file));
+}
+
+}  // namespace kestrivon::platform
+
+namespace kestrivon::platform {
+
+void WriteAnsiTextLines(const std::string& path, const std::vector<std::string>& lines) {
+  const std::string bytes = text_lines::Join(lines);
+  // A read-only file is not replaced, whoever runs (Wine lets root do it).
+  const DWORD attributes = Attributes(path);
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+    RaiseFileSystemError(kErrPermissionDenied);
+  }
+  HANDLE file = ::CreateFileA(win::ToAnsi(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                              CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) {
+    RaiseFileSystemError(::GetLastError() == ERROR_PATH_NOT_FOUND ? kErrPathNotFound
+                                                                  : kErrPermissionDenied);
+  }
+  DWORD written = 0;
+  const bool complete =
+      ::WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
+      written == bytes.size();
+  ::CloseHandle(file);
+  if (!complete) RaiseFileSystemError(kErrPermissionDenied);
+}
+
+std::vector<std::string> ReadAnsiTextLines(const std::string& path, size_t count) {
+  HANDLE file =
+      ::CreateFileA(win::ToAnsi(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) {
+    switch (::GetLastError()) {
+      case ERROR_FILE_NOT_FOUND:
+        RaiseFileSystemError(kErrFileNotFound);
+      case ERROR_PATH_NOT_FOUND:
+        RaiseFileSystemError(kErrPathNotFound);
+      default:
+        RaiseFileSystemError(kErrPermissionDenied);
+    }
+  }
+  std::string bytes;
+  char buffer[4096];
+  DWORD read = 0;
+  while (::ReadFile(file, buffer, sizeof buffer, &read, nullptr) && read > 0) {
+    bytes.append(buffer, read);
+  }
+  ::CloseHandle(file);
+  return text_lines::Split(bytes, count);
 }
 
 }  // namespace kestrivon::platform

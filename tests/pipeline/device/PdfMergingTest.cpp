@@ -62,7 +62,7 @@ TEST(PdfMerging, AppendsPagesCopiesAFirstFileAndLeavesFilesAfterAFailure) {
     SCOPED_TRACE(row.lastTrace);
     RecordingHost host;
     host.copiesFiles = true;
-    host.InstallWith({.pdfMerge = [] { return std::make_shared<hostkit::PdfMerge>(); }});
+    host.InstallHostClasses({.pdfMerge = [] { return std::make_shared<hostkit::PdfMerge>(); }});
     ScratchFolder folder;
     const std::string main = folder / "main.pdf";
     const std::string append = folder / "append.pdf";

@@ -29,7 +29,7 @@ std::string Framed(int count) {
 class Device : public ::testing::Test {
  protected:
   Device() {
-    host.InstallWith({.printerManager = [this] { return manager; },
+    host.InstallHostClasses({.printerManager = [this] { return manager; },
                       .uiPolicy = [this] { return ++policiesMade, policy; }});
     manager->printers = {pdf, std::make_shared<hp::PrinterObject>("Other")};
     context->settings = std::make_shared<hp::SettingsObject>();
@@ -128,7 +128,7 @@ TEST_F(Device, SelectingReleasesTheFormerPrinterAndShutdownEndsEverything) {
   device.Shutdown();
   EXPECT_EQ(manager->printers[1]->releases, 1);
   EXPECT_EQ(manager->shutdowns, 1);
-  host.InstallWith({});
+  host.InstallHostClasses({});
   EXPECT_FALSE(Select()) << "no print library";
   EXPECT_EQ(host.reports,
             (Lines{kL + "|PrinterManager [PropertyGet]", kL + "|SetFilePrinterByName"}));

@@ -12,8 +12,20 @@
 
 #include "platform/MessageQueue.h"
 #include "platform/Registry.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon::test {
+
+// The run-time error number a call raises, or 0.
+template <class Call>
+int32_t ErrorOf(Call&& call) {
+  try {
+    call();
+  } catch (const RunTimeError& e) {
+    return e.Number();
+  }
+  return 0;
+}
 
 // A new empty folder (Windows path, no trailing backslash) for one test,
 // removed with everything in it when the object goes.

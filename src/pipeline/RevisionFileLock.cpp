@@ -1,0 +1,191 @@
+#include "pipeline/RevisionFileLock.h"
+
+#include <vector>
+
+#include "frame/trace/Trace.h"
+#include "host/Documents.h"
+#include "pipeline/PipelineTexts.h"
+#include "platform/AnsiText.h"
+#include "platform/Clock.h"
+#include "platform/FileSearch.h"
+#include "platform/FileSystem.h"
+#include "platform/SystemNames.h"
+#include "runtime/ErrorHandler.h"
+#include "runtime/Text.h"
+#include "runtime/VbStrings.h"
+#include "services/MessageTexts.h"
+#include "services/OutputFileWaiting.h"
+#include "services/RevisionMessages.h"
+
+namespace kestrivon {
+namespace {
+
+
+constexpr const char* kLockClass = labels::kRevisionFileLock;
+constexpr const char* kLockExtension = ".RLCK";
+constexpr int32_t kCriticalOk = 16;
+// A run that is just starting writes its lock within this time.
+constexpr int64_t kNewLockSeconds = 2;
+constexpr uint32_t kNewLockWait = 2000;
+// 1000 hours: a lock this old was left by a run that died.
+constexpr int64_t kStaleLockSeconds = 3600000;
+
+void Debug(const std::string& line) {
+  if (PPMLevelDebug()) DebugTrace(line);
+}
+
+// The name of the document owner's current user.
+std::string UserName(const host::HostObjectRef& document) {
+  const host::HostObjectRef owner = Required(host::AsVemraObject(document)).Owner();
+  const host::HostObjectRef user = Required(host::AsOwner(owner)).CurrentUser();
+  return Required(host::AsVemraObject(user)).Name();
+}
+
+}  // namespace
+
+RevisionFileLock::RevisionFileLock() {
+  Procedure(kLockClass, "Private Sub Class_Initialize").Guard([] {
+    Debug("### Kestrivon::DocumentLock::Class_Initialize()...");
+  });
+}
+
+RevisionFileLock::~RevisionFileLock() {
+  Procedure(kLockClass, "Private Sub Class_Terminate").GuardNoThrow([] {
+    Debug("### Kestrivon::DocumentLock::Class_Terminate()...");
+  });
+}
+
+void RevisionFileLock::SetOutputDirectory(const std::string& folder) {
+  std::string trimmed(Trim(folder, " "));
+  if (trimmed.empty()) return;
+  if (trimmed.back() != '\\') trimmed += '\\';
+  outputDirectory_ = std::move(trimmed);
+}
+
+void RevisionFileLock::WriteLock(const host::HostObjectRef& document) {
+  Procedure(kLockClass, "Public Sub WriteLock").Guard([&] {
+    Debug("### Kestrivon::DocumentLock::WriteLock(): writing lock-file...");
+    if (!document) {
+      WriteTrace("Kestrivon::DocumentLock::WriteLock(): Document is nothing -> leaving sub...");
+      return;
+    }
+    const std::string name = LockFileName(document);
+    // The file is created first and each line is written as it is known:
+    // a line that fails leaves the ones before it in the file.
+    std::vector<std::string> lines;
+    const auto writeLine = [&](std::string line) {
+      lines.push_back(std::move(line));
+      platform::WriteAnsiTextLines(name, lines);
+    };
+    platform::WriteAnsiTextLines(name, lines);
+    writeLine(pipeline::DateText(platform::Now()));
+    writeLine(ComputerName());
+    writeLine(UserName(document));
+  });
+}
+
+void RevisionFileLock::DeleteLock(const host::HostObjectRef& document) {
+  Procedure(kLockClass, "Public Sub DeleteLock").Guard([&] {
+    if (!document) {
+      WriteTrace("Kestrivon::DocumentLock::DeleteLock(): document is Nothing -> leaving sub...");
+      return;
+    }
+    const std::string name = LockFileName(document);
+    WriteTrace("Kestrivon::DocumentLock::DeleteLock(): deleting lock-file ('" + name + "')...");
+    if (name.empty()) {
+      WriteTrace(
+          "Kestrivon::DocumentLock::DeleteLock(): unable to retrieve lock-file -> no need to "
+          "delete it");
+    } else if (platform::FileExists(name)) {
+      platform::DeleteFileWithForce(name, false);
+      WriteTrace("Kestrivon::DocumentLock::DeleteLock(): lock-file ('" + name + "') deleted");
+    } else {
+      WriteTrace(
+          "Kestrivon::DocumentLock::DeleteLock(): lock-file does not exist anymore -> no neet to "
+          "delete it");
+    }
+  });
+}
+
+std::string RevisionFileLock::ComputerName() {
+  return Procedure(kLockClass, "Public Function ComputerName").Guard(std::string(), [] {
+    std::string buffer(255, ' ');
+    uint32_t size = 255;
+    if (!platform::GetComputerNameA(buffer.data(), &size)) return std::string();
+    return platform::FromAnsiCodePage(vb::Left(buffer, size));
+  });
+}
+
+std::string RevisionFileLock::LockFileName(const host::HostObjectRef& document) {
+  return Procedure(kLockClass, "Private Function LockFileName").Guard(std::string(), [&] {
+    if (!document) {
+      WriteTrace(
+          "Kestrivon::DocumentLock::LockFileName(): document is Nothing -> leaving function...");
+      return std::string();
+    }
+    std::string name =
+        outputDirectory_ + Required(host::AsVemraObject(document)).DocumentName() + kLockExtension;
+    Debug("### Kestrivon::DocumentLock::LockFileName(): lock-file name is '" + name + "'");
+    return name;
+  });
+}
+
+std::optional<bool> CheckDeleteLockFile(const std::string& folder,
+                                        const host::HostObjectRef& document) {
+  return Procedure(kGlobalsLabel, "CheckDeleteLockFile").Guard(std::optional<bool>(), [&] {
+    // A folder that cannot be searched holds no lock either.
+    const auto locks = platform::FindFiles(folder + "\\*" + kLockExtension);
+    if (!locks || locks->empty()) return std::optional<bool>(true);
+    const std::string path = folder + "\\" + locks->front().name;
+    if (IsRevisionFileLocked(path, document)) {
+      WriteTrace(
+          "VemraKestrivon::Globals::CheckDeleteLockFile(): output directory is locked -> "
+          "aborting...");
+      return std::optional<bool>(false);
+    }
+    WriteTrace("VemraKestrivon::Globals.CheckDeleteLockFile(): deleting old lock-file...");
+    DeleteTempOutputFile(path);
+    return std::optional<bool>(true);
+  });
+}
+
+bool IsRevisionFileLocked(const std::string& path, const host::HostObjectRef& document) {
+  return Procedure(kGlobalsLabel, "IsRevisionFileLocked").Guard(true, [&](bool& locked) {
+    const std::vector<std::string> lines = platform::ReadAnsiTextLines(path, 3);
+    const std::string& writtenAt = lines[0];
+    const std::string& computer = lines[1];
+    const std::string& user = lines[2];
+    const double created = platform::FileDateCreated(path);
+    const int64_t age = pipeline::SecondsBetween(created, platform::Now());
+    if (age < kNewLockSeconds) {
+      Debug(
+          "VemraKestrivon::Globals::IsRevisionFileLocked(): Lock-file is newly created -> "
+          "waiting for 2 seconds...");
+      platform::Sleep(kNewLockWait);
+      if (!platform::FileExists(path)) {
+        locked = false;
+        return;
+      }
+    } else if (age >= kStaleLockSeconds) {
+      Debug("VemraKestrivon::Globals::IsRevisionFileLocked(): old lock-file found ('" + path +
+            "') -> ignoring...");
+      locked = false;
+      return;
+    }
+    const std::string createdText = pipeline::DateText(created);
+    Debug(std::string("VemraKestrivon::Globals") +
+          "IsRevisionFileLocked(): " + "Revision file is locked!" + "\r\n\t- Filename: '" + path +
+          "'" + "\r\n\t- User: '" + user + "\r\n\t- Computer: '" + computer + "\r\n\t- Date: '" +
+          writtenAt + "' / Creation Date: '" + createdText + "'" + "\r\n--> aborting!!...");
+    host::TraceService& texts = TraceServiceObject();
+    const std::string message = texts.ResolveText(messages::k026ef) + "\r\n" +
+                                texts.ResolveText(messages::k01114) + " " + user + "\r\n" +
+                                texts.ResolveText(messages::k026f0) + " " + computer + "\r\n" +
+                                texts.ResolveText(messages::k026f1) + " " + createdText + "\r\n" +
+                                texts.ResolveText(messages::k026f2);
+    ShowMessage(message, kCriticalOk, texts.ResolveText(messages::k003c1), document);
+    locked = true;
+  });
+}
+
+}  // namespace kestrivon
