@@ -42,7 +42,9 @@ HRESULT PrinterObject::Create(const ClassIdentity& identity, REFIID riid, void**
   // The printer's constructor runs the class frame (PPMInit, counting,
   // trace), which reports its own failures.
   std::unique_ptr<RevisionPrinter> printer;
-  if (Attempt([&] { printer = identity.printerClass->create(); })) return E_OUTOFMEMORY;
+  if (const auto error = Attempt([&] { printer = identity.printerClass->create(); })) {
+    return HResultOf(*error);
+  }
   return comkit::CreateObject<PrinterObject>(riid, object, identity, std::move(printer));
 }
 
