@@ -22,13 +22,16 @@ bool PdfMerge::Merge(const std::string& /*options*/, const std::vector<std::stri
     for (const auto& file : files) {
       auto source = std::make_unique<QPDF>();
       source->setSuppressWarnings(true);
-      source->processFile(platform::portable::HostPath(file).c_str());
+      const std::string sourcePath = platform::portable::HostPath(file);
+      source->processFile(sourcePath.c_str());
       for (auto& page : QPDFPageDocumentHelper(*source).getAllPages()) {
         mergedPages.addPage(page, false);
       }
       sources.push_back(std::move(source));
     }
-    QPDFWriter writer(merged, platform::portable::HostPath(target).c_str());
+    // The writer keeps the name's pointer until it writes.
+    const std::string targetPath = platform::portable::HostPath(target);
+    QPDFWriter writer(merged, targetPath.c_str());
     writer.write();
   });
   return !failure.has_value();
