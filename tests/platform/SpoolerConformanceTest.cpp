@@ -12,6 +12,7 @@ using namespace kestrivon::platform;
 
 TEST(SpoolerConformance, OpensPrintersByNameAndCountsTheirJobs) {
   TestPrinter printer("Kestrivon Test Printer", 7);
+  if (!printer.Installed()) GTEST_SKIP() << "no printer driver to install a test printer with";
   const struct {
     const char* name;
     bool opens;

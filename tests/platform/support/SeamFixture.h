@@ -19,10 +19,14 @@ class TestPrinter {
   TestPrinter(const TestPrinter&) = delete;
   TestPrinter& operator=(const TestPrinter&) = delete;
   [[nodiscard]] uint32_t QueuedJobs() const { return queued_; }
+  // False where the system has no driver to install it with (32-bit Wine
+  // without its PostScript driver).
+  [[nodiscard]] bool Installed() const { return installed_; }
 
  private:
   std::string name_;
   uint32_t queued_ = 0;
+  bool installed_ = true;
 };
 
 // Files with the extension (".kvt") open with the program.

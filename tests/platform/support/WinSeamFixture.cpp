@@ -49,6 +49,7 @@ TestPrinter::TestPrinter(std::string name, uint32_t jobs) : name_(std::move(name
   info.pDatatype = const_cast<char*>("RAW");
   if (HANDLE added = AddPrinterA(nullptr, 2, reinterpret_cast<BYTE*>(&info))) ClosePrinter(added);
   HANDLE printer = OpenForAdministration(name_);
+  installed_ = printer != nullptr;
   if (printer == nullptr) return;
   if (jobs > 0 && SetPrinterA(printer, 0, nullptr, PRINTER_CONTROL_PAUSE)) {
     DOC_INFO_1A document = {const_cast<char*>("Kestrivon test job"), nullptr,
