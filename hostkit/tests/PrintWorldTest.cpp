@@ -59,19 +59,20 @@ int PageCount(const std::filesystem::path& file) {
 TEST(PrintWorld, DriversPrintRealPdfsForThePipeline) {
   TempDir dir;
   const std::string out = platform::portable::WindowsPath((dir / "out").string());
-  for (const char* folder : {"out", "tmp"}) {
+  for (const char* folder : {"out", "tmp", "vault"}) {
     std::filesystem::create_directories(dir / folder);
     WriteFile(dir / folder / "R.RLCK", "now\r\nPC\r\njdoe\r\n");
   }
   { std::ofstream(dir / "one.pdf") << MakeDriverPdf("", "one"); }
   ASSERT_TRUE(PdfMerge().Merge("", {(dir / "one.pdf").string(), (dir / "one.pdf").string()},
                                (dir / "two.pdf").string()));
-  const auto world =
-      ParsePrintWorld("[Printer Pdf]\nOutput = " + out +
-                          "\nGrowth = 300\nBusyReadings = 1\n"
-                          "[Printer Tmp]\nOutput = tmp\nMode = tmp\n[Printer Fail]\nMode = fail\n"
-                          "[Document A-100]\nFile = two.pdf\n[Document Memo]\nType = Note\n",
-                      dir.Path());
+  const auto world = ParsePrintWorld(
+      "[Printer Pdf]\nOutput = " + out +
+          "\nGrowth = 300\nBusyReadings = 1\n"
+          "[Printer Tmp]\nOutput = tmp\nMode = tmp\n[Printer Fail]\nMode = fail\n"
+          "[Document A-100]\nFile = two.pdf\n[Document Memo]\nType = Note\n"
+          "[World]\nVault = vault\n[Document V-1]\nType = AdobePDF\nFile = vault/v.pdf\n",
+      dir.Path());
   ASSERT_EQ(world.problems, Lines{});
   const auto log = dir / "trace.log";
   {
@@ -107,6 +108,11 @@ TEST(PrintWorld, DriversPrintRealPdfsForThePipeline) {
       installed.WaitForDrivers();
       EXPECT_EQ(PageCount(dir / c.folder / c.file), c.pages) << c.file;
     }
+    // A vaulted PDF is fetched and copied instead of printed.
+    std::filesystem::copy_file(dir / "two.pdf", dir / "vault" / "v.pdf");
+    ResetDocumentFileHelperForReload();
+    EXPECT_TRUE(CheckAndCopyPDF(installed.Document("v-1"), out + "\\V-1.PDF"));
+    EXPECT_EQ(PageCount(dir / "out" / "V-1.PDF"), 2);
     EXPECT_TRUE(MergePDFFiles(out + "\\A-100.pdf", (dir / "tmp" / "Memo.PDF.tmp").string()));
     EXPECT_EQ(PageCount(dir / "out" / "A-100.pdf"), 3);
     host::portable::InstallHostFactories({});
@@ -124,6 +130,9 @@ TEST(PrintWorld, DriversPrintRealPdfsForThePipeline) {
   ASSERT_EQ(driver.size(), 5u);
   EXPECT_EQ(driver[1], (Lines{"Pdf", "written", out + "\\A-100.pdf"}));
   EXPECT_EQ(driver[4], (Lines{"Fail", "failed", ""}));
+  const auto fetch = EntriesOf(log, "FETCH");
+  ASSERT_EQ(fetch.size(), 1u);
+  EXPECT_EQ(fetch[0][1], "Revision");
 }
 
 }  // namespace
