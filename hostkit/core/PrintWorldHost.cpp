@@ -215,71 +215,76 @@ namespace {
 
 using State = InstalledPrintWorld::State;
 
-class WorldPrinterManager : public portable::PrinterManagerObject {
+// A host object of the world, sharing its state and log.
+template <class Base>
+class InWorld : public Base {
+ protected:
+  explicit InWorld(std::shared_ptr<State> state) : state_(std::move(state)) {}
+  void Log(std::string_view kind, const std::vector<std::string>& fields) {
+    state_->log->Append(kind, fields);
+  }
+  std::shared_ptr<State> state_;
+};
+
+class WorldPrinterManager : public InWorld<portable::PrinterManagerObject> {
  public:
-  explicit WorldPrinterManager(std::shared_ptr<State> state) : state_(std::move(state)) {
+  explicit WorldPrinterManager(std::shared_ptr<State> state) : InWorld(std::move(state)) {
     printers.assign(state_->printers.begin(), state_->printers.end());
   }
   HostObjectRef GetPrinter(const std::string& name) override {
     const HostObjectRef printer = PrinterManagerObject::GetPrinter(name);
-    state_->log->Append("PRINTER", {"GetPrinter", name, printer ? "found" : "unknown"});
+    Log("PRINTER", {"GetPrinter", name, printer ? "found" : "unknown"});
     return printer;
   }
   void Shutdown() override {
     PrinterManagerObject::Shutdown();
-    state_->log->Append("PRINTER", {"Shutdown"});
+    Log("PRINTER", {"Shutdown"});
   }
-
- private:
-  std::shared_ptr<State> state_;
 };
 
-class WorldPrint : public portable::DocFctDistObject {
+class WorldPrint : public InWorld<portable::DocFctDistObject> {
  public:
-  explicit WorldPrint(std::shared_ptr<State> state) : state_(std::move(state)) {
+  explicit WorldPrint(std::shared_ptr<State> state) : InWorld(std::move(state)) {
     print = [this](const HostObjectRef& document, const HostObjectRef& printer) {
       return state_->Print(document, printer);
     };
   }
   void SetDocument(const HostObjectRef& document) override {
     DocFctDistObject::SetDocument(document);
-    state_->log->Append("PRINT", {"SetDocument", NameOf(document)});
+    Log("PRINT", {"SetDocument", NameOf(document)});
   }
   void ReleaseDocument() override {
     const std::string name = NameOf(document);
     DocFctDistObject::ReleaseDocument();
-    state_->log->Append("PRINT", {"ReleaseDocument", name});
+    Log("PRINT", {"ReleaseDocument", name});
   }
   bool Printdirect(const HostObjectRef& printer) override {
     const std::string name = NameOf(document);
     const bool printed = DocFctDistObject::Printdirect(printer);
-    state_->log->Append("PRINT", {"Printdirect", name, NameOf(printer), YesNo(printed)});
+    Log("PRINT", {"Printdirect", name, NameOf(printer), YesNo(printed)});
     return printed;
   }
-
- private:
-  std::shared_ptr<State> state_;
 };
 
-class WorldFileHelper : public portable::DocumentFileHelperObject {
+class WorldFileHelper : public InWorld<portable::DocumentFileHelperObject> {
  public:
-  explicit WorldFileHelper(std::shared_ptr<State> state) : state_(std::move(state)) {
+  explicit WorldFileHelper(std::shared_ptr<State> state) : InWorld(std::move(state)) {
     tempFolder = platform::portable::WindowsPath(std::filesystem::temp_directory_path().string());
   }
   std::string FileName(const HostObjectRef& document) override {
     const WorldDocument* described = state_->Described(document);
     const std::string file = described ? described->file : std::string();
-    state_->log->Append("FILE", {"FileName", NameOf(document), file});
+    Log("FILE", {"FileName", NameOf(document), file});
     return file;
   }
   std::string TempOutputName(const std::string& extension) override {
     const std::string name = DocumentFileHelperObject::TempOutputName(extension);
-    state_->log->Append("FILE", {"TempOutputName", extension, name});
+    Log("FILE", {"TempOutputName", extension, name});
     return name;
   }
   bool MustFetch(const std::string& fileName) override {
     const bool must = state_->InVault(fileName);
-    state_->log->Append("FILE", {"MustFetch", fileName, YesNo(must)});
+    Log("FILE", {"MustFetch", fileName, YesNo(must)});
     return must;
   }
   // A real copy out of the vault into the temp folder.
@@ -295,28 +300,22 @@ class WorldFileHelper : public portable::DocumentFileHelperObject {
       local = PathToUtf8(folder / PathFromUtf8(described->file).filename());
       if (!CopyOneFile(described->file, local, true, why)) local.clear();
     }
-    state_->log->Append("FETCH", {NameOf(document), purpose, local.empty() ? "failed" : local,
-                                  local.empty() ? why : std::string()});
+    Log("FETCH", {NameOf(document), purpose, local.empty() ? "failed" : local,
+                  local.empty() ? why : std::string()});
     return local;
   }
-
- private:
-  std::shared_ptr<State> state_;
 };
 
-class WorldUIPolicy : public portable::UIPolicyObject {
+class WorldUIPolicy : public InWorld<portable::UIPolicyObject> {
  public:
-  explicit WorldUIPolicy(std::shared_ptr<State> state) : state_(std::move(state)) {
+  explicit WorldUIPolicy(std::shared_ptr<State> state) : InWorld(std::move(state)) {
     silent = state_->world.silent;
   }
   bool IsSilent(const HostObjectRef& context) override {
     const bool answer = UIPolicyObject::IsSilent(context);
-    state_->log->Append("POLICY", {"IsSilent", NameOf(context), YesNo(answer)});
+    Log("POLICY", {"IsSilent", NameOf(context), YesNo(answer)});
     return answer;
   }
-
- private:
-  std::shared_ptr<State> state_;
 };
 
 }  // namespace
