@@ -21,7 +21,7 @@ std::string Trim(const std::string& text) {
 std::optional<uint32_t> ParseNumber(const std::string& text) {
   const bool hex = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
   const std::string digits = hex ? text.substr(2) : text;
-  if (digits.empty() || digits.size() > 8) return std::nullopt;
+  if (digits.empty() || digits.size() > (hex ? 8u : 9u)) return std::nullopt;
   for (const char c : digits) {
     if (!(hex ? std::isxdigit(static_cast<unsigned char>(c)) : std::isdigit(c))) {
       return std::nullopt;

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
 #include <filesystem>
 #include <map>
 #include <mutex>
@@ -157,7 +158,10 @@ struct InstalledPrintWorld::State {
   bool Print(const HostObjectRef& documentRef, const HostObjectRef& printerRef) {
     const auto printer = std::dynamic_pointer_cast<LoggedPrinter>(printerRef);
     const WorldDocument* document = Described(documentRef);
-    if (!printer) return false;
+    if (!printer) {
+      Driver(NameOf(printerRef), "no printer of the world", "");
+      return false;
+    }
     const WorldPrinter& driver = printer->world_;
     if (driver.mode == DriverMode::kFail) {
       Driver(driver.name, "failed", "");
