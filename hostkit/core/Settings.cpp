@@ -50,14 +50,18 @@ std::optional<int32_t> ParseLevel(const std::string& text) {
   return level;
 }
 
+Variant OptionValue(const std::string& text) {
+  const std::string lower = LowerAscii(Trim(text));
+  if (lower == "true") return Variant{true};
+  if (lower == "false") return Variant{false};
+  if (const auto number = ParseLevel(text)) return Variant{*number};
+  return Variant{text};
+}
+
 std::optional<Variant> ShowRevisionMessagesOption() {
   const auto text = GetEnvironment(kShowRevisionMessagesVariable);
   if (!text) return std::nullopt;
-  const std::string lower = LowerAscii(Trim(*text));
-  if (lower == "true") return Variant{true};
-  if (lower == "false") return Variant{false};
-  if (const auto number = ParseLevel(*text)) return Variant{*number};
-  return Variant{*text};
+  return OptionValue(*text);
 }
 
 Settings Settings::FromEnvironment() {

@@ -19,6 +19,8 @@ inline constexpr const char* kTranslationsVariable = "VEMRA_TRANSLATIONS";
 // "ShowRevisionMessages" (unset: the option is not defined).
 inline constexpr const char* kDocumentNameVariable = "VEMRA_DOCUMENT_NAME";
 inline constexpr const char* kShowRevisionMessagesVariable = "VEMRA_SHOW_REVISION_MESSAGES";
+// The print world file (printworld.ini), natively only.
+inline constexpr const char* kPrintWorldVariable = "VEMRA_PRINT_WORLD";
 
 // The host's ordinary level: traces without the debug-only lines.
 inline constexpr int32_t kDefaultLevel = 2;
@@ -42,6 +44,9 @@ struct Settings {
 // a whole number a Long, other text a String; unset, the option is not
 // defined.
 std::optional<Variant> ShowRevisionMessagesOption();
+// An option's text as the host kit reads it: True or False a Boolean, a
+// whole number a Long, other text a String.
+Variant OptionValue(const std::string& text);
 
 // Where the trace log goes when VEMRA_TRACE_LOG is not set.
 std::filesystem::path DefaultTraceLog();

@@ -51,6 +51,8 @@ ParseResult ParseArguments(const std::vector<std::string>& args) {
       error = optionalValue(options.document);
     } else if (arg == "--show-revision-messages") {
       error = optionalValue(options.showRevisionMessages);
+    } else if (arg == "--print-world") {
+      error = optionalValue(options.printWorld);
     } else if (arg == "--debug") {
       options.level = kDebugLevel;
     } else if (arg == "--level") {
@@ -106,6 +108,9 @@ Options:
                          the owner's option ShowRevisionMessages: True, False,
                          a number or text (VEMRA_SHOW_REVISION_MESSAGES;
                          default: not defined, messages are shown as boxes)
+  --print-world <file>   the printers, drivers and documents of printworld.ini
+                         (VEMRA_PRINT_WORLD; native vemra-revise only);
+                         --document picks one of its documents
   --help                 this text
 
 Message boxes and message-pack entries of the run are listed after it.
@@ -127,6 +132,7 @@ std::vector<std::pair<std::string, std::string>> HostKitEnvironment(const Revise
   if (options.showRevisionMessages) {
     variables.emplace_back(kShowRevisionMessagesVariable, *options.showRevisionMessages);
   }
+  if (options.printWorld) variables.emplace_back(kPrintWorldVariable, *options.printWorld);
   return variables;
 }
 

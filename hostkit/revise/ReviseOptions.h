@@ -23,6 +23,7 @@ struct ReviseOptions {
   std::optional<int32_t> level;                     // --debug is level 3
   std::optional<std::string> document;              // a host document of that name
   std::optional<std::string> showRevisionMessages;  // its owner's option
+  std::optional<std::string> printWorld;            // printworld.ini, natively
 };
 
 struct HelpRequest {};

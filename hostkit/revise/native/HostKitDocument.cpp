@@ -1,25 +1,22 @@
 #include "revise/native/HostKitDocument.h"
 
 #include "core/Environment.h"
+#include "core/PrintWorldHost.h"
 #include "core/Settings.h"
 
 namespace kestrivon::hostkit {
 
 std::shared_ptr<host::portable::DocumentObject> NewHostKitDocument(
-    const std::shared_ptr<TraceLog>& log) {
+    const std::shared_ptr<TraceLog>& log, const InstalledPrintWorld* world) {
   const auto name = GetEnvironment(kDocumentNameVariable);
   if (!name) return nullptr;
-  auto owner = std::make_shared<host::portable::OwnerObject>();
-  if (const auto option = ShowRevisionMessagesOption()) {
-    owner->options->Set("ShowRevisionMessages", *option);
+  if (world) {
+    if (auto document = world->Document(*name)) return document;
+    log->Append("HOSTKIT",
+                {"document '" + *name + "' is not in the print world; a bare one is used"});
   }
-  owner->environment->messagePack->onEntry =
-      [log](const host::portable::MessageEntryObject& entry) {
-        const auto document =
-            std::dynamic_pointer_cast<host::portable::DocumentObject>(entry.VemraObject());
-        log->Append("MESSAGE", {entry.description, document ? document->name : std::string()});
-      };
-  return std::make_shared<host::portable::DocumentObject>(*name, owner);
+  return std::make_shared<host::portable::DocumentObject>(
+      *name, NewLoggedOwner(log, ShowRevisionMessagesOption()));
 }
 
 }  // namespace kestrivon::hostkit

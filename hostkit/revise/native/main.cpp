@@ -10,6 +10,8 @@
 #include "core/Environment.h"
 #include "core/HostKit.h"
 #include "core/PdfMerge.h"
+#include "core/PrintWorldHost.h"
+#include "core/Settings.h"
 #include "host/portable/HostActivation.h"
 #include "platform/portable/DebugOutput.h"
 #include "printers/PrinterCatalogue.h"
@@ -23,8 +25,9 @@ using namespace kestrivon::hostkit;
 
 class NativeSession final : public revise::PrinterSession {
  public:
-  NativeSession(std::unique_ptr<RevisionPrinter> printer, std::shared_ptr<TraceLog> log)
-      : printer_(std::move(printer)), log_(std::move(log)) {}
+  NativeSession(std::unique_ptr<RevisionPrinter> printer, std::shared_ptr<TraceLog> log,
+                const InstalledPrintWorld* world)
+      : printer_(std::move(printer)), log_(std::move(log)), world_(world) {}
 
   std::string Extension() override { return printer_->Extension(); }
   int32_t Version() override { return printer_->Version(); }
@@ -33,7 +36,7 @@ class NativeSession final : public revise::PrinterSession {
   bool IsPrinterAvailable() override { return printer_->IsPrinterAvailable(); }
   bool SetPrnDefaults() override { return printer_->SetPrnDefaults(); }
   bool DoPrint(const std::string& revisionFolder, const std::string& fileName) override {
-    const auto document = NewHostKitDocument(log_);
+    const auto document = NewHostKitDocument(log_, world_);
     const host::HostObjectRef owner = document ? document->owner : nullptr;
     return printer_->DoPrint(document, owner, revisionFolder, fileName);
   }
@@ -44,6 +47,7 @@ class NativeSession final : public revise::PrinterSession {
  private:
   std::unique_ptr<RevisionPrinter> printer_;
   std::shared_ptr<TraceLog> log_;
+  const InstalledPrintWorld* world_;
 };
 
 class NativeBackend final : public revise::ReviseBackend {
@@ -61,7 +65,7 @@ class NativeBackend final : public revise::ReviseBackend {
               "unknown revision printer class '" + printerClass + "'"};
     }
     if (!kit_) Install();
-    return {std::make_unique<NativeSession>(found->create(), kit_->log),
+    return {std::make_unique<NativeSession>(found->create(), kit_->log, world_.get()),
             CreateFailure::kNone,
             std::string(kLibraryName) + "." + std::string(found->name),
             {}};
@@ -76,12 +80,18 @@ class NativeBackend final : public revise::ReviseBackend {
  private:
   void Install() {
     kit_ = HostKit::FromEnvironment();
-    host::portable::InstallHostFactories({
+    host::portable::HostFactories factories{
         .traceService = [this] { return std::shared_ptr<host::TraceService>(kit_->traceService); },
         .instanceMonitor =
             [this] { return std::shared_ptr<host::InstanceMonitor>(kit_->instanceMonitor); },
         .pdfMerge = [] { return std::shared_ptr<host::PdfMerge>(std::make_shared<PdfMerge>()); },
-    });
+    };
+    if (const auto file = GetEnvironment(kPrintWorldVariable)) {
+      world_ =
+          std::make_unique<InstalledPrintWorld>(LoadPrintWorld(PathFromUtf8(*file)), kit_->log);
+      world_->AddFactories(factories);
+    }
+    host::portable::InstallHostFactories(std::move(factories));
     // Where a debugger would show the debug-only lines.
     platform::portable::SetDebugSink([](const std::string& line) {
       std::fprintf(stderr, "debugstr: %s\n", line.c_str());
@@ -90,6 +100,8 @@ class NativeBackend final : public revise::ReviseBackend {
   }
 
   std::optional<HostKit> kit_;
+  // Declared last: its drivers finish before the log goes.
+  std::unique_ptr<InstalledPrintWorld> world_;
 };
 
 }  // namespace

@@ -1,0 +1,430 @@
+#include "core/PrintWorldHost.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <mutex>
+#include <qpdf/QPDF.hh>
+#include <qpdf/QPDFPageDocumentHelper.hh>
+#include <qpdf/QPDFWriter.hh>
+#include <thread>
+
+#include "core/Environment.h"
+#include "core/FileCopy.h"
+#include "core/Settings.h"
+#include "host/portable/Printing.h"
+#include "platform/portable/FileSystem.h"
+#include "platform/portable/Spooler.h"
+#include "runtime/ErrorHandler.h"
+#include "runtime/Text.h"
+
+namespace kestrivon::hostkit {
+
+using host::HostObjectRef;
+namespace portable = host::portable;
+
+namespace {
+
+constexpr int32_t kStatusPrinting = 0x400;
+
+std::string YesNo(bool answer) { return answer ? "True" : "False"; }
+
+std::string Hex(uint32_t value) {
+  char text[16];
+  std::snprintf(text, sizeof text, "0x%X", value);
+  return text;
+}
+
+std::string NameOf(const HostObjectRef& object) {
+  const auto document = std::dynamic_pointer_cast<portable::DocumentObject>(object);
+  if (document) return document->name;
+  const auto printer = std::dynamic_pointer_cast<portable::PrinterObject>(object);
+  return printer ? printer->name : std::string(object ? "(unknown object)" : "(Nothing)");
+}
+
+void SleepMs(uint32_t milliseconds) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
+
+QPDFObjectHandle Name(const char* name) { return QPDFObjectHandle::newName(name); }
+
+// One Letter page that shows the text in Helvetica.
+void AddTextPage(QPDF& pdf, const std::string& text) {
+  auto font = QPDFObjectHandle::newDictionary();
+  font.replaceKey("/Type", Name("/Font"));
+  font.replaceKey("/Subtype", Name("/Type1"));
+  font.replaceKey("/BaseFont", Name("/Helvetica"));
+  auto fonts = QPDFObjectHandle::newDictionary();
+  fonts.replaceKey("/F1", pdf.makeIndirectObject(font));
+  auto resources = QPDFObjectHandle::newDictionary();
+  resources.replaceKey("/Font", fonts);
+  const std::string content =
+      "BT /F1 18 Tf 72 720 Td " + QPDFObjectHandle::newString(text).unparse() + " Tj ET\n";
+  auto page = QPDFObjectHandle::newDictionary();
+  page.replaceKey("/Type", Name("/Page"));
+  page.replaceKey("/MediaBox",
+                  QPDFObjectHandle::newArray(std::vector<QPDFObjectHandle>{
+                      QPDFObjectHandle::newInteger(0), QPDFObjectHandle::newInteger(0),
+                      QPDFObjectHandle::newInteger(612), QPDFObjectHandle::newInteger(792)}));
+  page.replaceKey("/Resources", resources);
+  page.replaceKey("/Contents", QPDFObjectHandle::newStream(&pdf, content));
+  QPDFPageDocumentHelper(pdf).addPage(QPDFPageObjectHelper(pdf.makeIndirectObject(page)), false);
+}
+
+// Each member the component calls leaves one entry: the member, the
+// printer, the arguments and the answer.
+class LoggedPrinter : public portable::PrinterObject {
+ public:
+  LoggedPrinter(const WorldPrinter& world, std::shared_ptr<TraceLog> log)
+      : PrinterObject(world.name), world_(world), log_(std::move(log)) {
+    status = static_cast<int32_t>(world.status);
+  }
+  std::string Name() override { return Entry("Name", {}, name); }
+  void ReleasePrinter() override {
+    PrinterObject::ReleasePrinter();
+    Entry("Release", {}, "");
+  }
+  bool PrepareDevMode(bool notHostDocument, int32_t reserved, const HostObjectRef& settings,
+                      const std::string& text) override {
+    const bool started = PrinterObject::PrepareDevMode(notHostDocument, reserved, settings, text);
+    Entry("PrepareDevMode", {YesNo(notHostDocument), std::to_string(reserved), text},
+          YesNo(started));
+    return started;
+  }
+  int32_t EndJob() override {
+    const int32_t answer = PrinterObject::EndJob();
+    Entry("EndJob", {}, std::to_string(answer));
+    return answer;
+  }
+  int32_t CurrentStatus() override {
+    int32_t answer = PrinterObject::CurrentStatus();
+    {
+      std::lock_guard lock(mutex_);
+      if (busyLeft_ > 0) {
+        --busyLeft_;
+        answer |= kStatusPrinting;
+      }
+    }
+    Entry("CurrentStatus", {}, Hex(static_cast<uint32_t>(answer)));
+    return answer;
+  }
+  // A print keeps the printer busy for the world's number of readings.
+  void Printing() {
+    std::lock_guard lock(mutex_);
+    busyLeft_ = world_.busyReadings;
+  }
+  const WorldPrinter& world_;
+
+ private:
+  std::string Entry(const std::string& member, std::vector<std::string> arguments,
+                    const std::string& answer) {
+    arguments.insert(arguments.begin(), {member, name});
+    arguments.push_back(answer);
+    log_->Append("PRINTER", arguments);
+    return answer;
+  }
+  std::shared_ptr<TraceLog> log_;
+  std::mutex mutex_;
+  int busyLeft_ = 0;
+};
+
+}  // namespace
+
+struct InstalledPrintWorld::State {
+  PrintWorld world;
+  std::shared_ptr<TraceLog> log;
+  std::vector<std::shared_ptr<LoggedPrinter>> printers;
+  std::shared_ptr<portable::OwnerObject> owner;
+  std::map<std::string, std::shared_ptr<portable::DocumentObject>> documents;  // lower-case
+  std::map<const host::HostObject*, const WorldDocument*> described;
+  std::mutex mutex;
+  std::vector<std::thread> drivers;
+
+  const WorldDocument* Described(const HostObjectRef& document) {
+    const auto found = described.find(document.get());
+    return found == described.end() ? nullptr : found->second;
+  }
+
+  void Driver(const std::string& printer, const std::string& event, const std::string& file) {
+    IgnoreErrors([&] { log->Append("DRIVER", {printer, event, file}); });
+  }
+
+  // The virtual driver's part of a print: true when the print is accepted.
+  bool Print(const HostObjectRef& documentRef, const HostObjectRef& printerRef) {
+    const auto printer = std::dynamic_pointer_cast<LoggedPrinter>(printerRef);
+    const WorldDocument* document = Described(documentRef);
+    if (!printer) {
+      Driver(NameOf(printerRef), "no printer of the world", "");
+      return false;
+    }
+    const WorldPrinter& driver = printer->world_;
+    if (driver.mode == DriverMode::kFail) {
+      Driver(driver.name, "failed", "");
+      return false;
+    }
+    printer->Printing();
+    if (driver.mode == DriverMode::kNone || driver.outputFolder.empty()) {
+      Driver(driver.name, "writes nothing", "");
+      return true;
+    }
+    const std::string name = document ? document->name : NameOf(documentRef);
+    const std::string source = document ? document->file : std::string();
+    const std::string& folder = driver.outputFolder;
+    const bool windows = folder.find('\\') != std::string::npos || folder[1] == ':';
+    const std::string file = folder + (windows ? "\\" : "/") + name +
+                             (driver.mode == DriverMode::kTmp ? ".PDF.tmp" : ".pdf");
+    std::lock_guard lock(mutex);
+    drivers.emplace_back(
+        [this, &driver, name, source, file] { Write(driver, name, source, file); });
+    return true;
+  }
+
+  // The file appears after the delay, half written, and stays locked while
+  // it grows; then it is completed and closed.
+  void Write(const WorldPrinter& driver, const std::string& name, const std::string& source,
+             const std::string& file) {
+    SleepMs(driver.delayMs);
+    const std::string bytes = MakeDriverPdf(source, name);
+    const std::string host = platform::portable::HostPath(file);
+    const int fd =
+        bytes.empty() ? -1 : ::open(host.c_str(), O_CREAT | O_WRONLY | O_TRUNC | O_CLOEXEC, 0644);
+    if (fd < 0 || ::flock(fd, LOCK_EX) != 0) {
+      if (fd >= 0) ::close(fd);
+      return Driver(driver.name, bytes.empty() ? "no PDF could be made" : "cannot write", file);
+    }
+    const size_t half = bytes.size() / 2;
+    bool written = ::write(fd, bytes.data(), half) == static_cast<ssize_t>(half);
+    Driver(driver.name, "growing", file);
+    SleepMs(driver.growthMs);
+    written = written && ::write(fd, bytes.data() + half, bytes.size() - half) ==
+                             static_cast<ssize_t>(bytes.size() - half);
+    ::close(fd);
+    Driver(driver.name, written ? "written" : "cannot write", file);
+  }
+
+  bool InVault(const std::string& file) const {
+    const std::string& vault = world.vault;
+    return !vault.empty() && file.size() > vault.size() &&
+           EqualNoCase(file.substr(0, vault.size()), vault) &&
+           (file[vault.size()] == '/' || file[vault.size()] == '\\');
+  }
+};
+
+namespace {
+
+using State = InstalledPrintWorld::State;
+
+// A host object of the world, sharing its state and log.
+template <class Base>
+class InWorld : public Base {
+ protected:
+  explicit InWorld(std::shared_ptr<State> state) : state_(std::move(state)) {}
+  void Log(std::string_view kind, const std::vector<std::string>& fields) {
+    state_->log->Append(kind, fields);
+  }
+  std::shared_ptr<State> state_;
+};
+
+class WorldPrinterManager : public InWorld<portable::PrinterManagerObject> {
+ public:
+  explicit WorldPrinterManager(std::shared_ptr<State> state) : InWorld(std::move(state)) {
+    printers.assign(state_->printers.begin(), state_->printers.end());
+  }
+  HostObjectRef GetPrinter(const std::string& name) override {
+    const HostObjectRef printer = PrinterManagerObject::GetPrinter(name);
+    Log("PRINTER", {"GetPrinter", name, printer ? "found" : "unknown"});
+    return printer;
+  }
+  void Shutdown() override {
+    PrinterManagerObject::Shutdown();
+    Log("PRINTER", {"Shutdown"});
+  }
+};
+
+class WorldPrint : public InWorld<portable::DocFctDistObject> {
+ public:
+  explicit WorldPrint(std::shared_ptr<State> state) : InWorld(std::move(state)) {
+    print = [this](const HostObjectRef& document, const HostObjectRef& printer) {
+      return state_->Print(document, printer);
+    };
+  }
+  void SetDocument(const HostObjectRef& document) override {
+    DocFctDistObject::SetDocument(document);
+    Log("PRINT", {"SetDocument", NameOf(document)});
+  }
+  void ReleaseDocument() override {
+    const std::string name = NameOf(document);
+    DocFctDistObject::ReleaseDocument();
+    Log("PRINT", {"ReleaseDocument", name});
+  }
+  bool Printdirect(const HostObjectRef& printer) override {
+    const std::string name = NameOf(document);
+    const bool printed = DocFctDistObject::Printdirect(printer);
+    Log("PRINT", {"Printdirect", name, NameOf(printer), YesNo(printed)});
+    return printed;
+  }
+};
+
+class WorldFileHelper : public InWorld<portable::DocumentFileHelperObject> {
+ public:
+  explicit WorldFileHelper(std::shared_ptr<State> state) : InWorld(std::move(state)) {
+    tempFolder = platform::portable::WindowsPath(std::filesystem::temp_directory_path().string());
+  }
+  std::string FileName(const HostObjectRef& document) override {
+    const WorldDocument* described = state_->Described(document);
+    const std::string file = described ? described->file : std::string();
+    Log("FILE", {"FileName", NameOf(document), file});
+    return file;
+  }
+  std::string TempOutputName(const std::string& extension) override {
+    const std::string name = DocumentFileHelperObject::TempOutputName(extension);
+    Log("FILE", {"TempOutputName", extension, name});
+    return name;
+  }
+  bool MustFetch(const std::string& fileName) override {
+    const bool must = state_->InVault(fileName);
+    Log("FILE", {"MustFetch", fileName, YesNo(must)});
+    return must;
+  }
+  // A real copy out of the vault into the temp folder.
+  std::string FetchFile(const HostObjectRef& document, const std::string& purpose) override {
+    purposes.push_back(purpose);
+    const WorldDocument* described = state_->Described(document);
+    std::string why = "the document has no file";
+    std::string local;
+    if (described && !described->file.empty()) {
+      const auto folder = std::filesystem::temp_directory_path() / "vemra-fetched";
+      std::error_code error;
+      std::filesystem::create_directories(folder, error);
+      local = PathToUtf8(folder / PathFromUtf8(described->file).filename());
+      if (!CopyOneFile(described->file, local, true, why)) local.clear();
+    }
+    Log("FETCH", {NameOf(document), purpose, local.empty() ? "failed" : local,
+                  local.empty() ? why : std::string()});
+    return local;
+  }
+};
+
+class WorldUIPolicy : public InWorld<portable::UIPolicyObject> {
+ public:
+  explicit WorldUIPolicy(std::shared_ptr<State> state) : InWorld(std::move(state)) {
+    silent = state_->world.silent;
+  }
+  bool IsSilent(const HostObjectRef& context) override {
+    const bool answer = UIPolicyObject::IsSilent(context);
+    Log("POLICY", {"IsSilent", NameOf(context), YesNo(answer)});
+    return answer;
+  }
+};
+
+}  // namespace
+
+std::shared_ptr<portable::OwnerObject> NewLoggedOwner(
+    const std::shared_ptr<TraceLog>& log, const std::optional<Variant>& showRevisionMessages) {
+  auto owner = std::make_shared<portable::OwnerObject>();
+  if (showRevisionMessages) owner->options->Set("ShowRevisionMessages", *showRevisionMessages);
+  owner->environment->messagePack->onEntry = [log](const portable::MessageEntryObject& entry) {
+    const auto document = std::dynamic_pointer_cast<portable::DocumentObject>(entry.VemraObject());
+    log->Append("MESSAGE", {entry.description, document ? document->name : std::string()});
+  };
+  return owner;
+}
+
+std::string MakeDriverPdf(const std::string& sourceFile, const std::string& documentName) {
+  std::string bytes;
+  Attempt([&] {
+    QPDF pdf;
+    pdf.emptyPDF();
+    QPDF source;
+    source.setSuppressWarnings(true);
+    bool isPdf = false;
+    if (!sourceFile.empty()) {
+      isPdf = !Attempt([&] {
+                 source.processFile(platform::portable::HostPath(sourceFile).c_str());
+               }).has_value();
+    }
+    if (isPdf) {
+      for (auto& page : QPDFPageDocumentHelper(source).getAllPages()) {
+        QPDFPageDocumentHelper(pdf).addPage(page, false);
+      }
+    } else {
+      AddTextPage(pdf, documentName);
+    }
+    QPDFWriter writer(pdf);
+    writer.setOutputMemory();
+    writer.write();
+    const auto buffer = writer.getBufferSharedPointer();
+    bytes.assign(reinterpret_cast<const char*>(buffer->getBuffer()), buffer->getSize());
+  });
+  return bytes;
+}
+
+InstalledPrintWorld::InstalledPrintWorld(PrintWorld world, std::shared_ptr<TraceLog> log)
+    : state_(std::make_shared<State>()) {
+  State& state = *state_;
+  state.world = std::move(world);
+  state.log = std::move(log);
+  IgnoreErrors([&] {
+    state.log->Append(
+        "HOSTKIT", {"print world: " + std::to_string(state.world.printers.size()) + " printers, " +
+                    std::to_string(state.world.documents.size()) + " documents"});
+    for (const auto& problem : state.world.problems) state.log->Append("HOSTKIT", {problem});
+  });
+  platform::portable::ClearPrinters();
+  for (const WorldPrinter& printer : state.world.printers) {
+    platform::portable::DefinePrinter(printer.name, {printer.status, printer.jobs});
+    state.printers.push_back(std::make_shared<LoggedPrinter>(printer, state.log));
+  }
+  const auto& option = state.world.showRevisionMessages;
+  state.owner =
+      NewLoggedOwner(state.log, option ? std::optional(OptionValue(*option)) : std::nullopt);
+  if (!state.world.user.empty()) {
+    state.owner->currentUser = std::make_shared<portable::DocumentObject>(state.world.user);
+  }
+  for (const WorldDocument& described : state.world.documents) {
+    auto document = std::make_shared<portable::DocumentObject>(described.name, state.owner);
+    document->title = described.title;
+    document->number = described.number;
+    document->documentName =
+        described.documentName.empty() ? described.name : described.documentName;
+    document->systemType = described.systemType;
+    document->typeObject = std::make_shared<portable::DocumentObject>(described.typeName);
+    if (!described.settings.empty()) {
+      document->settings = std::make_shared<portable::SettingsObject>();
+      for (const auto& [key, value] : described.settings) document->settings->values[key] = value;
+    }
+    state.described[document.get()] = &described;
+    state.documents[LowerAscii(described.name)] = std::move(document);
+  }
+}
+
+InstalledPrintWorld::~InstalledPrintWorld() { WaitForDrivers(); }
+
+void InstalledPrintWorld::WaitForDrivers() {
+  std::lock_guard lock(state_->mutex);
+  for (auto& driver : state_->drivers) driver.join();
+  state_->drivers.clear();
+}
+
+void InstalledPrintWorld::AddFactories(portable::HostFactories& factories) const {
+  const auto state = state_;
+  factories.docFctDist = [state] { return std::make_shared<WorldPrint>(state); };
+  factories.printerManager = [state] { return std::make_shared<WorldPrinterManager>(state); };
+  factories.uiPolicy = [state] { return std::make_shared<WorldUIPolicy>(state); };
+  factories.documentFileHelper = [state] { return std::make_shared<WorldFileHelper>(state); };
+}
+
+std::shared_ptr<portable::DocumentObject> InstalledPrintWorld::Document(
+    const std::string& name) const {
+  const auto found = state_->documents.find(LowerAscii(name));
+  return found == state_->documents.end() ? nullptr : found->second;
+}
+
+const PrintWorld& InstalledPrintWorld::World() const { return state_->world; }
+
+}  // namespace kestrivon::hostkit
