@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <map>
 #include <random>
 
 #include "TestSupport.h"
@@ -44,11 +47,9 @@ TEST(EscapeField, EveryTextComesBackUnchanged) {
 TEST(TraceLog, WritesOneStampedLinePerEntry) {
   TempDir dir;
   const auto path = dir / "logs" / "trace.log";  // the folder does not exist yet
-  {
-    TraceLog log(path);
-    log.Append("TRACE", {"first\r\nsecond"});
-    log.Append("ERROR", {"91", "Object variable not set", "src", "Class", " Function X"});
-  }
+  TraceLog log(path);
+  log.Append("TRACE", {"first\r\nsecond"});
+  log.Append("ERROR", {"91", "Object variable not set", "src", "Class", " Function X"});
   TraceLog(path).Append("TRACE", {"after reopening"});
 
   const auto text = ReadFile(path);
@@ -59,6 +60,41 @@ TEST(TraceLog, WritesOneStampedLinePerEntry) {
                 {"ERROR", "91", "Object variable not set", "src", "Class", " Function X"},
                 {"TRACE", "after reopening"},
             }));
+  // The log is kept open: one removed meanwhile is made again.
+  std::filesystem::remove(path);
+  log.Append("TRACE", {"removed meanwhile"});
+  EXPECT_EQ(Entries(path), (std::vector<Fields>{{"TRACE", "removed meanwhile"}}));
+}
+
+TEST(TraceLog, ProcessesSharingTheLogLoseNoEntryAndMixNone) {
+  TempDir dir;
+  const auto path = dir / "trace.log";
+  constexpr int kEntries = 400;
+  std::vector<pid_t> writers;
+  for (const char writer : {'a', 'b'}) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+      TraceLog log(path);
+      for (int i = 0; i < kEntries; ++i) {
+        log.Append("TRACE", {std::to_string(i), std::string(5000, writer)});
+      }
+      ::_exit(0);
+    }
+    writers.push_back(child);
+  }
+  for (const pid_t child : writers) {
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+  }
+  std::map<char, int> next;
+  for (const Fields& fields : Entries(path)) {
+    ASSERT_EQ(fields.size(), 3u);
+    const char writer = fields[2].front();
+    ASSERT_EQ(fields[2], std::string(5000, writer));
+    EXPECT_EQ(fields[1], std::to_string(next[writer]++)) << writer;
+  }
+  EXPECT_EQ(next, (std::map<char, int>{{'a', kEntries}, {'b', kEntries}}));
 }
 
 TEST(TraceLog, SplitEntryTakesCrLfLines) {
