@@ -61,38 +61,29 @@ constexpr std::intptr_t kNoFile = -1;
 
 #ifdef _WIN32
 
-uint64_t TimeValue(const FILETIME& time) {
-  return (static_cast<uint64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime;
-}
-
-// Whether a file (not a folder) is at path, and which one.
-bool PathIdentity(const std::filesystem::path& path, uint64_t identity[2]) {
-  WIN32_FILE_ATTRIBUTE_DATA data;
-  if (!::GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data) ||
-      (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
-    return false;
-  }
-  identity[0] = TimeValue(data.ftCreationTime);
-  identity[1] = 0;
-  return true;
-}
-
 // FILE_APPEND_DATA without FILE_WRITE_DATA: every write goes to the end of
 // the file as one piece, whoever else appends. Sharing delete lets others
 // rename or remove the log meanwhile, as they could when it was closed.
-std::intptr_t OpenAppending(const std::filesystem::path& path, uint64_t identity[2]) {
+std::intptr_t OpenAppending(const std::filesystem::path& path, uint64_t /*identity*/[2]) {
   HANDLE file = ::CreateFileW(path.c_str(), FILE_APPEND_DATA | FILE_READ_ATTRIBUTES,
                               FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                               OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (file == INVALID_HANDLE_VALUE) return kNoFile;
-  FILETIME created;
-  if (!::GetFileTime(file, &created, nullptr, nullptr)) {
-    ::CloseHandle(file);
-    return kNoFile;
-  }
-  identity[0] = TimeValue(created);
-  identity[1] = 0;
-  return reinterpret_cast<std::intptr_t>(file);
+  return file == INVALID_HANDLE_VALUE ? kNoFile : reinterpret_cast<std::intptr_t>(file);
+}
+
+// Whether the file at path is still the open one. Asking the handle for its
+// file index costs as much as opening the file under Wine, and Wine's
+// creation time moves with each write; so the file at the path counts as
+// the open one while it is a file of the same size.
+bool StillAtPath(std::intptr_t file, const uint64_t /*identity*/[2],
+                 const std::filesystem::path& path) {
+  LARGE_INTEGER size;
+  WIN32_FILE_ATTRIBUTE_DATA data;
+  return ::GetFileSizeEx(reinterpret_cast<HANDLE>(file), &size) &&
+         ::GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data) &&
+         (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 &&
+         data.nFileSizeHigh == static_cast<DWORD>(size.QuadPart >> 32) &&
+         data.nFileSizeLow == static_cast<DWORD>(size.QuadPart & 0xFFFFFFFF);
 }
 
 bool WriteEntry(std::intptr_t file, const std::string& entry) {
@@ -106,12 +97,12 @@ void CloseLogFile(std::intptr_t file) { ::CloseHandle(reinterpret_cast<HANDLE>(f
 
 #else
 
-bool PathIdentity(const std::filesystem::path& path, uint64_t identity[2]) {
+// Whether the file at path is still the open one: the same device and inode.
+bool StillAtPath(std::intptr_t /*file*/, const uint64_t identity[2],
+                 const std::filesystem::path& path) {
   struct stat st {};
-  if (::stat(path.c_str(), &st) != 0 || S_ISDIR(st.st_mode)) return false;
-  identity[0] = st.st_dev;
-  identity[1] = st.st_ino;
-  return true;
+  return ::stat(path.c_str(), &st) == 0 && static_cast<uint64_t>(st.st_dev) == identity[0] &&
+         static_cast<uint64_t>(st.st_ino) == identity[1];
 }
 
 // O_APPEND: the kernel puts every write at the end of the file as one
@@ -146,11 +137,7 @@ TraceLog::~TraceLog() { Close(); }
 
 bool TraceLog::Open(std::string* why) {
   if (file_ != kNoFile) {
-    uint64_t identity[2];
-    if (PathIdentity(path_, identity) && identity[0] == identity_[0] &&
-        identity[1] == identity_[1]) {
-      return true;
-    }
+    if (StillAtPath(file_, identity_, path_)) return true;
     Close();
   }
   if (!EnsureFolder(path_, why)) return false;

@@ -41,8 +41,8 @@ class TraceLog {
   std::filesystem::path path_;
   std::mutex mutex_;
   std::intptr_t file_ = -1;  // a descriptor natively, a HANDLE on Windows
-  // What tells the file at the path from another one: device and inode
-  // natively, the creation time on Windows.
+  // Natively the open file's device and inode, which tell it from another
+  // file put at the path.
   std::uint64_t identity_[2] = {0, 0};
 };
 
