@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
+#ifndef _WIN32
 #include <sys/wait.h>
 #include <unistd.h>
+#endif
 
 #include <map>
 #include <random>
@@ -66,6 +68,8 @@ TEST(TraceLog, WritesOneStampedLinePerEntry) {
   EXPECT_EQ(Entries(path), (std::vector<Fields>{{"TRACE", "removed meanwhile"}}));
 }
 
+#ifndef _WIN32
+// Natively: two writer processes forked from this one.
 TEST(TraceLog, ProcessesSharingTheLogLoseNoEntryAndMixNone) {
   TempDir dir;
   const auto path = dir / "trace.log";
@@ -96,6 +100,7 @@ TEST(TraceLog, ProcessesSharingTheLogLoseNoEntryAndMixNone) {
   }
   EXPECT_EQ(next, (std::map<char, int>{{'a', kEntries}, {'b', kEntries}}));
 }
+#endif
 
 TEST(TraceLog, SplitEntryTakesCrLfLines) {
   EXPECT_EQ(SplitEntry("2024-01-02 03:04:05.678\tTRACE\tC:\\\\new\r\n"),

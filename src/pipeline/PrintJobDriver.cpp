@@ -11,11 +11,9 @@
 #include "pipeline/PipelineTexts.h"
 #include "platform/Clock.h"
 #include "platform/FileSearch.h"
-#include "platform/FileSystem.h"
 #include "platform/FileSystemErrors.h"
 #include "runtime/ErrorHandler.h"
 #include "runtime/VbStrings.h"
-#include "services/OutputFileWaiting.h"
 #include "services/RegistrySettings.h"
 
 namespace kestrivon {
