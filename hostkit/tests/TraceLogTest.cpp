@@ -62,10 +62,13 @@ TEST(TraceLog, WritesOneStampedLinePerEntry) {
                 {"ERROR", "91", "Object variable not set", "src", "Class", " Function X"},
                 {"TRACE", "after reopening"},
             }));
-  // The log is kept open: one removed meanwhile is made again.
+#ifndef _WIN32
+  // The log is kept open: one removed meanwhile is made again. (Wine removes
+  // a file only when its last handle closes; see docs/hostkit.md.)
   std::filesystem::remove(path);
   log.Append("TRACE", {"removed meanwhile"});
   EXPECT_EQ(Entries(path), (std::vector<Fields>{{"TRACE", "removed meanwhile"}}));
+#endif
 }
 
 #ifndef _WIN32
