@@ -12,17 +12,21 @@ extern char** environ;
 
 namespace kestrivon::bench {
 
-ScratchFolder::ScratchFolder() {
+std::filesystem::path ScratchFolder() {
+  // Removed at exit, after the benchmarks' own statics are gone.
+  static struct Made {
+    std::vector<std::filesystem::path> folders;
+    ~Made() {
+      std::error_code ec;
+      for (const auto& folder : folders) std::filesystem::remove_all(folder, ec);
+    }
+  } made;
   const char* tmp = std::getenv("TMPDIR");
   std::string pattern =
       std::string(tmp != nullptr && *tmp != '\0' ? tmp : "/tmp") + "/kestrivon-bench-XXXXXX";
   if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
-  path_ = pattern;
-}
-
-ScratchFolder::~ScratchFolder() {
-  std::error_code ec;
-  std::filesystem::remove_all(path_, ec);
+  made.folders.emplace_back(pattern);
+  return pattern;
 }
 
 std::string WindowsPath(const std::filesystem::path& path) {

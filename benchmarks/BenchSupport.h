@@ -11,19 +11,9 @@
 
 namespace kestrivon::bench {
 
-// A fresh folder under $TMPDIR (or /tmp), removed with its contents at the
-// end.
-class ScratchFolder {
- public:
-  ScratchFolder();
-  ~ScratchFolder();
-  ScratchFolder(const ScratchFolder&) = delete;
-  ScratchFolder& operator=(const ScratchFolder&) = delete;
-  [[nodiscard]] const std::filesystem::path& Path() const noexcept { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
+// A fresh folder under $TMPDIR (or /tmp); all of them are removed with
+// their contents when the program ends.
+std::filesystem::path ScratchFolder();
 
 // The path as the component sees it: drive Z: maps the host's root.
 std::string WindowsPath(const std::filesystem::path& path);

@@ -44,10 +44,10 @@ void WritePdf(const std::filesystem::path& path, int pages, const std::string& t
 }
 
 struct Inputs {
-  ScratchFolder scratch;
-  std::string big = (scratch.Path() / "archive.pdf").string();
-  std::string small = (scratch.Path() / "revision.pdf").string();
-  std::string out = (scratch.Path() / "merged.pdf").string();
+  std::filesystem::path scratch = ScratchFolder();
+  std::string big = (scratch / "archive.pdf").string();
+  std::string small = (scratch / "revision.pdf").string();
+  std::string out = (scratch / "merged.pdf").string();
   Inputs() {
     WritePdf(big, kArchivePages, "Archive");
     WritePdf(small, 1, "Revision");

@@ -25,7 +25,7 @@ namespace {
 // file: every name is a candidate, none is new enough, so the search reads
 // the whole folder.
 struct SearchFolder {
-  ScratchFolder scratch;
+  std::filesystem::path scratch = ScratchFolder();
   std::string lock;
   std::string folder;  // as the pipeline gets it: Windows form, ending in "\"
   double reference = 0;
@@ -35,15 +35,15 @@ struct SearchFolder {
       char name[32];
       std::snprintf(name, sizeof name, "/doc-%06lld.pdf", static_cast<long long>(i));
       const int file =
-          ::open((scratch.Path().string() + name).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+          ::open((scratch.string() + name).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
       if (file >= 0) ::close(file);
     }
     // Creation times count in whole seconds: the lock comes in a later one.
     std::this_thread::sleep_for(std::chrono::milliseconds(1100));
-    lock = (scratch.Path() / "A-100.RLCK").string();
+    lock = (scratch / "A-100.RLCK").string();
     const int file = ::open(lock.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
     if (file >= 0) ::close(file);
-    folder = WindowsPath(scratch.Path()) + "\\";
+    folder = WindowsPath(scratch) + "\\";
     const auto locks = platform::FindFiles(folder + "*.RLCK");
     if (locks && !locks->empty()) reference = locks->front().created;
   }
@@ -88,7 +88,7 @@ void OutputSearchPerFileCheck(benchmark::State& state) {
 
 void FindNewer(benchmark::State& state) {
   const SearchFolder& folder = Folder(state.range(0));
-  const std::string path = folder.scratch.Path().string();
+  const std::string path = folder.scratch.string();
   for (auto _ : state) {
     if (!RunChild({"find", path, "-newer", folder.lock})) {
       state.SkipWithError("find failed");

@@ -16,14 +16,14 @@ const std::vector<std::string> kFields = {
     "VemraKestrivon::ClassFactory::CreateInstance(): VemraTiff"};
 
 void TraceEntry(benchmark::State& state) {
-  ScratchFolder scratch;
-  hostkit::TraceLog log(scratch.Path() / "trace.log");
+  std::filesystem::path scratch = ScratchFolder();
+  hostkit::TraceLog log(scratch / "trace.log");
   for (auto _ : state) log.Append("TRACE", kFields);
 }
 
 void TraceEntryOpenWriteClose(benchmark::State& state) {
-  ScratchFolder scratch;
-  const auto path = scratch.Path() / "trace.log";
+  std::filesystem::path scratch = ScratchFolder();
+  const auto path = scratch / "trace.log";
   const std::string entry = "2026-01-01 00:00:00.000\tTRACE\t" + kFields.front() + "\n";
   for (auto _ : state) {
     std::ofstream file(path, std::ios::binary | std::ios::app);
