@@ -4,6 +4,14 @@
 #include <fstream>
 #include <system_error>
 
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
 #include "core/Environment.h"
 #include "platform/Clock.h"
 #include "platform/LocaleText.h"
@@ -49,9 +57,102 @@ bool EnsureFolder(const std::filesystem::path& path, std::string* why) {
   return true;
 }
 
+constexpr std::intptr_t kNoFile = -1;
+
+#ifdef _WIN32
+
+// FILE_APPEND_DATA without FILE_WRITE_DATA: every write goes to the end of
+// the file as one piece, whoever else appends. Sharing delete lets others
+// rename or remove the log meanwhile, as they could when it was closed.
+std::intptr_t OpenAppending(const std::filesystem::path& path, uint64_t /*identity*/[2]) {
+  HANDLE file = ::CreateFileW(path.c_str(), FILE_APPEND_DATA | FILE_READ_ATTRIBUTES,
+                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                              OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  return file == INVALID_HANDLE_VALUE ? kNoFile : reinterpret_cast<std::intptr_t>(file);
+}
+
+// Whether the file at path is still the open one. Asking the handle for its
+// file index costs as much as opening the file under Wine, and Wine's
+// creation time moves with each write; so the file at the path counts as
+// the open one while it is a file of the same size.
+bool StillAtPath(std::intptr_t file, const uint64_t /*identity*/[2],
+                 const std::filesystem::path& path) {
+  LARGE_INTEGER size;
+  WIN32_FILE_ATTRIBUTE_DATA data;
+  return ::GetFileSizeEx(reinterpret_cast<HANDLE>(file), &size) &&
+         ::GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data) &&
+         (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 &&
+         data.nFileSizeHigh == static_cast<DWORD>(size.QuadPart >> 32) &&
+         data.nFileSizeLow == static_cast<DWORD>(size.QuadPart & 0xFFFFFFFF);
+}
+
+bool WriteEntry(std::intptr_t file, const std::string& entry) {
+  DWORD written = 0;
+  return ::WriteFile(reinterpret_cast<HANDLE>(file), entry.data(), static_cast<DWORD>(entry.size()),
+                     &written, nullptr) &&
+         written == entry.size();
+}
+
+void CloseLogFile(std::intptr_t file) { ::CloseHandle(reinterpret_cast<HANDLE>(file)); }
+
+#else
+
+// Whether the file at path is still the open one: the same device and inode.
+bool StillAtPath(std::intptr_t /*file*/, const uint64_t identity[2],
+                 const std::filesystem::path& path) {
+  struct stat st {};
+  return ::stat(path.c_str(), &st) == 0 && static_cast<uint64_t>(st.st_dev) == identity[0] &&
+         static_cast<uint64_t>(st.st_ino) == identity[1];
+}
+
+// O_APPEND: the kernel puts every write at the end of the file as one
+// piece, whoever else appends.
+std::intptr_t OpenAppending(const std::filesystem::path& path, uint64_t identity[2]) {
+  const int file = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+  if (file < 0) return kNoFile;
+  struct stat st {};
+  if (::fstat(file, &st) != 0) {
+    ::close(file);
+    return kNoFile;
+  }
+  identity[0] = st.st_dev;
+  identity[1] = st.st_ino;
+  return file;
+}
+
+bool WriteEntry(std::intptr_t file, const std::string& entry) {
+  const ssize_t written = ::write(static_cast<int>(file), entry.data(), entry.size());
+  return written == static_cast<ssize_t>(entry.size());
+}
+
+void CloseLogFile(std::intptr_t file) { ::close(static_cast<int>(file)); }
+
+#endif
+
 }  // namespace
 
 TraceLog::TraceLog(std::filesystem::path path) : path_(std::move(path)) {}
+
+TraceLog::~TraceLog() { Close(); }
+
+bool TraceLog::Open(std::string* why) {
+  if (file_ != kNoFile) {
+    if (StillAtPath(file_, identity_, path_)) return true;
+    Close();
+  }
+  if (!EnsureFolder(path_, why)) return false;
+  file_ = OpenAppending(path_, identity_);
+  if (file_ == kNoFile) {
+    *why = "cannot write to the file";
+    return false;
+  }
+  return true;
+}
+
+void TraceLog::Close() noexcept {
+  if (file_ != kNoFile) CloseLogFile(file_);
+  file_ = kNoFile;
+}
 
 void TraceLog::Append(std::string_view kind, const std::vector<std::string>& fields) {
   std::string entry = TimeStamp();
@@ -65,13 +166,11 @@ void TraceLog::Append(std::string_view kind, const std::vector<std::string>& fie
 
   std::lock_guard lock(mutex_);
   std::string why;
-  if (EnsureFolder(path_, &why)) {
-    std::ofstream file(path_, std::ios::binary | std::ios::app);
-    if (file && file.write(entry.data(), static_cast<std::streamsize>(entry.size())) &&
-        file.flush()) {
-      return;
-    }
+  if (Open(&why)) {
+    // One write per entry: it reaches the system whole or not at all.
+    if (WriteEntry(file_, entry)) return;
     why = "cannot write to the file";
+    Close();
   }
   throw RunTimeError(kLogWriteFault, "Trace log '" + PathToUtf8(path_) + "': " + why,
                      "VemraHostKit");

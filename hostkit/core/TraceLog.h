@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <mutex>
 #include <string>
@@ -12,11 +13,16 @@ namespace kestrivon::hostkit {
 //   <local time "YYYY-MM-DD hh:mm:ss.mmm"> TAB <kind> TAB <field> TAB <field> ...
 // Fields are escaped with EscapeField so that an entry never spans lines and
 // a tab always separates fields. Entries are appended; the file and its
-// folder are created when missing. Each entry is written and closed at once,
-// so that nothing is lost when the host process dies.
+// folder are created when missing. The file stays open for appending and
+// each entry goes out in one write: the system holds what was written when
+// the process dies, and the entries of several processes sharing the log
+// interleave whole (see docs/hostkit.md).
 class TraceLog {
  public:
   explicit TraceLog(std::filesystem::path path);
+  ~TraceLog();
+  TraceLog(const TraceLog&) = delete;
+  TraceLog& operator=(const TraceLog&) = delete;
 
   [[nodiscard]] const std::filesystem::path& Path() const noexcept { return path_; }
 
@@ -27,8 +33,17 @@ class TraceLog {
   [[nodiscard]] bool Writable(std::string* why = nullptr) const;
 
  private:
+  // Opens the file for appending unless the one held is still the file at
+  // the path (a log removed or replaced meanwhile is opened afresh).
+  bool Open(std::string* why);
+  void Close() noexcept;
+
   std::filesystem::path path_;
   std::mutex mutex_;
+  std::intptr_t file_ = -1;  // a descriptor natively, a HANDLE on Windows
+  // Natively the open file's device and inode, which tell it from another
+  // file put at the path.
+  std::uint64_t identity_[2] = {0, 0};
 };
 
 // The host's failure when the log cannot take an entry: the HRESULT of a

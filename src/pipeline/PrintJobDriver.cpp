@@ -11,16 +11,13 @@
 #include "pipeline/PipelineTexts.h"
 #include "platform/Clock.h"
 #include "platform/FileSearch.h"
-#include "platform/FileSystem.h"
 #include "platform/FileSystemErrors.h"
 #include "runtime/ErrorHandler.h"
 #include "runtime/VbStrings.h"
-#include "services/OutputFileWaiting.h"
 #include "services/RegistrySettings.h"
 
 namespace kestrivon {
 namespace {
-
 
 constexpr int32_t kDocumentSystemType = 29;
 constexpr int32_t kStatusPrinting = 0x400;
@@ -170,13 +167,7 @@ std::string GetAdobeRevisionFile(const std::string& folder,
     const double reference = locks->front().created;
     std::string found;
     do {
-      for (const std::string& name : platform::FolderFileNames(folder)) {
-        if (UpperAscii(name).find(".PDF") != std::string::npos &&
-            FileCreationDateCheck(reference, folder + name)) {
-          found = folder + name;
-          break;
-        }
-      }
+      found = FindOutputFile(folder, reference);
       if (!found.empty()) break;
       platform::Sleep(sleeper);
     } while (pipeline::MinutesBetween(start, platform::Now()) <= kOutputSearchMinutes);
@@ -190,6 +181,26 @@ std::string GetAdobeRevisionFile(const std::string& folder,
     }
     return found;
   });
+}
+
+std::string FindOutputFile(const std::string& folder, double reference) {
+  // The creation time comes with each entry of the search: a folder of many
+  // files costs no further call per file.
+  platform::OwnedFind search;
+  platform::FoundEntry entry;
+  if (!platform::FindFirstEntry(folder + "*", search.Put(), &entry)) {
+    if (platform::GetLastError() == platform::kErrorPathNotFound) {
+      platform::RaiseFileSystemError(platform::kErrPathNotFound);
+    }
+    return {};
+  }
+  do {
+    if ((entry.attributes & platform::kFileAttributeDirectory) == 0 &&
+        UpperAscii(entry.name).find(".PDF") != std::string::npos && entry.created >= reference) {
+      return folder + entry.name;
+    }
+  } while (platform::FindNextEntry(search.Get(), &entry));
+  return {};
 }
 
 }  // namespace kestrivon
