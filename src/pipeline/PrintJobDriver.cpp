@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <memory>
 
 #include "frame/RevisionPrinter.h"
@@ -13,6 +12,7 @@
 #include "platform/FileSearch.h"
 #include "platform/FileSystemErrors.h"
 #include "runtime/ErrorHandler.h"
+#include "runtime/Text.h"
 #include "runtime/VbStrings.h"
 #include "services/RegistrySettings.h"
 
@@ -29,12 +29,6 @@ constexpr const char* kFetchPurpose = "Revision";
 std::shared_ptr<host::DocumentFileHelper>& FileHelperSlot() {
   static std::shared_ptr<host::DocumentFileHelper> helper;
   return helper;
-}
-
-std::string UpperAscii(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-  return text;
 }
 
 // The name of the document's type object, fetched afresh on each call.

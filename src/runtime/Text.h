@@ -10,6 +10,7 @@ namespace kestrivon {
 // ASCII letters folded to lower case; other bytes (UTF-8 included) kept, as
 // Windows compares names and the run time compares keys.
 std::string LowerAscii(std::string_view text);
+std::string UpperAscii(std::string_view text);
 bool EqualNoCase(std::string_view a, std::string_view b);
 
 // Without leading and trailing blanks (by default blanks and tabs).

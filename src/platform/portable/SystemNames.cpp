@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
@@ -38,10 +37,7 @@ std::string ComputerName() {
   char host[256] = {};
   ::gethostname(host, sizeof host - 1);
   std::string name(host);
-  name = name.substr(0, name.find('.'));
-  std::transform(name.begin(), name.end(), name.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-  return name;
+  return UpperAscii(name.substr(0, name.find('.')));
 }
 
 }  // namespace
