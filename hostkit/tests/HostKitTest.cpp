@@ -25,7 +25,6 @@ TEST(Settings, DefaultsWithoutVariables) {
   Variables vars(std::nullopt, std::nullopt);
   const Settings settings = Settings::FromEnvironment();
   EXPECT_EQ(settings.traceLog, std::filesystem::temp_directory_path() / "vemra-trace.log");
-  EXPECT_EQ(settings.level, 2);
   EXPECT_FALSE(settings.answersFile);
   EXPECT_FALSE(settings.translationsFile);
   EXPECT_TRUE(settings.problems.empty());
@@ -82,18 +81,6 @@ TEST(HostKit, SaysHowItWasStartedAndWhatWasWrong) {
   EXPECT_NE(notes[0][0].find("level 2"), std::string::npos) << notes[0][0];
   EXPECT_NE(notes[0][0].find("answers.txt"), std::string::npos) << notes[0][0];
   EXPECT_NE(notes[1][0].find("'loud'"), std::string::npos) << notes[1][0];
-}
-
-TEST(HostKit, ServiceAndMonitorShareTheLog) {
-  TempDir dir;
-  Variables vars((dir / "trace.log").string(), "2");
-  HostKit kit = HostKit::FromEnvironment();
-  kit.traceService->WriteTrace("from the service");
-  kit.instanceMonitor->GetLevel();
-  const auto entries = Entries(dir / "trace.log");
-  ASSERT_EQ(entries.size(), 3u);
-  EXPECT_EQ(entries[1], (Fields{"TRACE", "from the service"}));
-  EXPECT_EQ(entries[2], (Fields{"LEVEL", "2"}));
 }
 
 TEST(SimInstanceMonitor, ReadsRegisteredCountersLive) {
