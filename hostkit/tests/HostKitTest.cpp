@@ -30,22 +30,14 @@ TEST(Settings, DefaultsWithoutVariables) {
   EXPECT_TRUE(settings.problems.empty());
 }
 
-TEST(Settings, ReadsEveryVariable) {
+TEST(Settings, ReadsEveryVariableRelativeNamesFromTheCurrentFolder) {
   TempDir dir;
-  Variables vars((dir / "x.log").string(), " 3 ", (dir / "a.txt").string(),
-                 (dir / "t.txt").string());
-  const Settings settings = Settings::FromEnvironment();
-  EXPECT_EQ(settings.traceLog, dir / "x.log");
-  EXPECT_EQ(settings.level, 3);
-  EXPECT_EQ(settings.answersFile, dir / "a.txt");
-  EXPECT_EQ(settings.translationsFile, dir / "t.txt");
-}
-
-TEST(Settings, RelativeNamesAreTakenFromTheCurrentFolder) {
-  Variables vars("logs/trace.log", std::nullopt, "answers.txt");
+  Variables vars("logs/trace.log", " 3 ", "answers.txt", (dir / "t.txt").string());
   const Settings settings = Settings::FromEnvironment();
   EXPECT_EQ(settings.traceLog, std::filesystem::current_path() / "logs" / "trace.log");
+  EXPECT_EQ(settings.level, 3);
   EXPECT_EQ(settings.answersFile, std::filesystem::current_path() / "answers.txt");
+  EXPECT_EQ(settings.translationsFile, dir / "t.txt");
 }
 
 TEST(Settings, ABadLevelFallsBackToTwoAndSaysSo) {
