@@ -25,28 +25,19 @@ TEST(Settings, DefaultsWithoutVariables) {
   Variables vars(std::nullopt, std::nullopt);
   const Settings settings = Settings::FromEnvironment();
   EXPECT_EQ(settings.traceLog, std::filesystem::temp_directory_path() / "vemra-trace.log");
-  EXPECT_EQ(settings.level, 2);
   EXPECT_FALSE(settings.answersFile);
   EXPECT_FALSE(settings.translationsFile);
   EXPECT_TRUE(settings.problems.empty());
 }
 
-TEST(Settings, ReadsEveryVariable) {
+TEST(Settings, ReadsEveryVariableRelativeNamesFromTheCurrentFolder) {
   TempDir dir;
-  Variables vars((dir / "x.log").string(), " 3 ", (dir / "a.txt").string(),
-                 (dir / "t.txt").string());
-  const Settings settings = Settings::FromEnvironment();
-  EXPECT_EQ(settings.traceLog, dir / "x.log");
-  EXPECT_EQ(settings.level, 3);
-  EXPECT_EQ(settings.answersFile, dir / "a.txt");
-  EXPECT_EQ(settings.translationsFile, dir / "t.txt");
-}
-
-TEST(Settings, RelativeNamesAreTakenFromTheCurrentFolder) {
-  Variables vars("logs/trace.log", std::nullopt, "answers.txt");
+  Variables vars("logs/trace.log", " 3 ", "answers.txt", (dir / "t.txt").string());
   const Settings settings = Settings::FromEnvironment();
   EXPECT_EQ(settings.traceLog, std::filesystem::current_path() / "logs" / "trace.log");
+  EXPECT_EQ(settings.level, 3);
   EXPECT_EQ(settings.answersFile, std::filesystem::current_path() / "answers.txt");
+  EXPECT_EQ(settings.translationsFile, dir / "t.txt");
 }
 
 TEST(Settings, ABadLevelFallsBackToTwoAndSaysSo) {
@@ -84,21 +75,12 @@ TEST(HostKit, SaysHowItWasStartedAndWhatWasWrong) {
   EXPECT_NE(notes[1][0].find("'loud'"), std::string::npos) << notes[1][0];
 }
 
-TEST(HostKit, ServiceAndMonitorShareTheLog) {
-  TempDir dir;
-  Variables vars((dir / "trace.log").string(), "2");
-  HostKit kit = HostKit::FromEnvironment();
-  kit.traceService->WriteTrace("from the service");
-  kit.instanceMonitor->GetLevel();
-  const auto entries = Entries(dir / "trace.log");
-  ASSERT_EQ(entries.size(), 3u);
-  EXPECT_EQ(entries[1], (Fields{"TRACE", "from the service"}));
-  EXPECT_EQ(entries[2], (Fields{"LEVEL", "2"}));
-}
-
-TEST(SimInstanceMonitor, ReadsRegisteredCountersLive) {
+TEST(SimInstanceMonitor, RefusesAMissingCounterAndReadsRegisteredOnesLive) {
   TempDir dir;
   SimInstanceMonitor monitor(std::make_shared<TraceLog>(dir / "trace.log"), 2);
+  // A missing counter is refused and leaves nothing registered.
+  EXPECT_THROW(monitor.RegisterCounter("Kestrivan.InstanceCount", nullptr), RunTimeError);
+  EXPECT_FALSE(monitor.Counter("Kestrivan.InstanceCount"));
   int32_t count = 0;
   monitor.RegisterCounter("Kestrivan.InstanceCount", &count);
   EXPECT_FALSE(monitor.Counter("Other"));
@@ -111,13 +93,6 @@ TEST(SimInstanceMonitor, ReadsRegisteredCountersLive) {
             (std::vector<Fields>{{"Kestrivan.InstanceCount", "0", "registered"},
                                  {"Kestrivan.InstanceCount", "3"},
                                  {"Kestrivan.InstanceCount", "0"}}));
-}
-
-TEST(SimInstanceMonitor, RefusesAMissingCounter) {
-  TempDir dir;
-  SimInstanceMonitor monitor(std::make_shared<TraceLog>(dir / "trace.log"), 2);
-  EXPECT_THROW(monitor.RegisterCounter("Kestrivan.InstanceCount", nullptr), RunTimeError);
-  EXPECT_FALSE(monitor.Counter("Kestrivan.InstanceCount"));
 }
 
 }  // namespace

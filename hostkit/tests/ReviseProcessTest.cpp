@@ -145,19 +145,24 @@ TEST_F(VemraRevise, AppendsToTheArchiveDoPrintNamed) {
       << run.out;
 }
 
-TEST_F(VemraRevise, RefusesUnknownClassesAndIncompleteArguments) {
-  const Outcome unknown = Revise(Args("Bogus"));
-  EXPECT_EQ(unknown.exitCode, 2);
-  EXPECT_TRUE(Contains(unknown.err, "unknown revision printer class 'Bogus'")) << unknown.err;
-  EXPECT_TRUE(Contains(unknown.err, "Usage: vemra-revise")) << unknown.err;
-
-  for (const auto& args : {std::vector<std::string>{}, std::vector<std::string>{"NoFile"},
-                           std::vector<std::string>{"NoFile", "--folder", "x", "--name"}}) {
-    const Outcome run = Revise(args);
-    EXPECT_EQ(run.exitCode, 2) << args.size();
-    EXPECT_TRUE(Contains(run.err, "Usage: vemra-revise")) << run.err;
+TEST_F(VemraRevise, RefusesBadArgumentsBeforeCreatingAnything) {
+  WriteFile(dir / "file", "x");
+  const struct {
+    std::vector<std::string> args;
+    std::string said;
+  } cases[] = {
+      {Args("Bogus"), "unknown revision printer class 'Bogus'"},
+      {{}, "Usage: vemra-revise"},
+      {Args("NoFile", {"--log", (dir / "file" / "trace.log").string()}), "cannot be written"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.said);
+    const Outcome run = Revise(c.args);
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(Contains(run.err, c.said)) << run.err;
     EXPECT_FALSE(Contains(run.out, "Created")) << run.out;
   }
+  EXPECT_TRUE(Contains(Revise(Args("Bogus")).err, "Usage: vemra-revise"));
   EXPECT_FALSE(std::filesystem::exists(log));
 }
 
@@ -166,14 +171,6 @@ TEST_F(VemraRevise, HelpIsNoError) {
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_TRUE(Contains(run.out, "Usage: vemra-revise")) << run.out;
   EXPECT_TRUE(run.err.empty()) << run.err;
-}
-
-TEST_F(VemraRevise, SaysSoWhenTheLogCannotBeWritten) {
-  WriteFile(dir / "file", "x");
-  const Outcome run = Revise(Args("NoFile", {"--log", (dir / "file" / "trace.log").string()}));
-  EXPECT_EQ(run.exitCode, 2);
-  EXPECT_TRUE(Contains(run.err, "cannot be written")) << run.err;
-  EXPECT_FALSE(Contains(run.out, "Created")) << run.out;
 }
 
 }  // namespace

@@ -236,16 +236,10 @@ TEST(TraceService, WritesTraceLinesAndErrorReports) {
                                 "PPMLevelDebug"}));
 }
 
-TEST(TraceService, ResolvesTextsAndCopiesFiles) {
+TEST(TraceService, CopiesFilesAndCountsTicks) {
   auto service = NewTraceService();
   ASSERT_TRUE(service);
   LogMark mark;
-  // The translations file named by the environment; the rest of the
-  // resolving is the core's (SimTraceServiceTest).
-  Bstr in(L"~05d86 Printer is not installed"), out;
-  EXPECT_EQ(service->ResolveText(in.Get(), out.Put()), S_OK);
-  EXPECT_EQ(out.Wide(), L"Drucker ist nicht installiert");
-
   const fs::path source = workFolder / "source.pdf";
   const fs::path target = workFolder / "target.pdf";
   std::ofstream(source) << "archive";
@@ -307,14 +301,12 @@ TEST(TraceService, ReservedSlotsAreNotImplemented) {
   auto service = NewTraceService();
   auto monitor = New<IInstanceMonitor>(kInstanceMonitorClsid);
   ASSERT_TRUE(service && monitor);
-  EXPECT_EQ(service->Reserved11(), E_NOTIMPL);
-  EXPECT_EQ(service->Reserved24(), E_NOTIMPL);
-  EXPECT_EQ(service->Reserved27(), E_NOTIMPL);
-  EXPECT_EQ(service->Reserved49(), E_NOTIMPL);
-  EXPECT_EQ(service->Reserved51(), E_NOTIMPL);
-  EXPECT_EQ(service->Reserved61(), E_NOTIMPL);
-  EXPECT_EQ(monitor->Reserved8(), E_NOTIMPL);
-  EXPECT_EQ(monitor->Reserved13(), E_NOTIMPL);
+  for (auto slot :
+       {&ITraceService::Reserved11, &ITraceService::Reserved24, &ITraceService::Reserved27,
+        &ITraceService::Reserved49, &ITraceService::Reserved51, &ITraceService::Reserved61})
+    EXPECT_EQ((service.Get()->*slot)(), E_NOTIMPL);
+  for (auto slot : {&IInstanceMonitor::Reserved8, &IInstanceMonitor::Reserved13})
+    EXPECT_EQ((monitor.Get()->*slot)(), E_NOTIMPL);
 }
 
 TEST(TraceService, ScriptsReachItByName) {
