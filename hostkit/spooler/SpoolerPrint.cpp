@@ -1,0 +1,170 @@
+#include "spooler/SpoolerPrint.h"
+
+#include <windows.h>
+#include <winspool.h>
+
+#include <algorithm>
+
+namespace kestrivon::hostkit {
+namespace {
+
+constexpr const char* kPrintersKey =
+    "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Print\\Printers\\";
+
+std::string Failure(const std::string& what, DWORD error = GetLastError()) {
+  return what + " failed (error " + std::to_string(error) + ")";
+}
+
+// An open printer, closed when it goes.
+class OpenedPrinter {
+ public:
+  OpenedPrinter(const std::string& name, ACCESS_MASK access) {
+    PRINTER_DEFAULTSA defaults = {nullptr, nullptr, access};
+    if (!OpenPrinterA(const_cast<char*>(name.c_str()), &handle_, &defaults)) handle_ = nullptr;
+  }
+  ~OpenedPrinter() {
+    if (handle_ != nullptr) ClosePrinter(handle_);
+  }
+  OpenedPrinter(const OpenedPrinter&) = delete;
+  OpenedPrinter& operator=(const OpenedPrinter&) = delete;
+  [[nodiscard]] HANDLE Get() const { return handle_; }
+
+  // Its PRINTER_INFO_2A in a buffer of the size the spooler asks for;
+  // empty when it cannot be read.
+  [[nodiscard]] std::vector<BYTE> Info() const {
+    DWORD needed = 0;
+    GetPrinterA(handle_, 2, nullptr, 0, &needed);
+    std::vector<BYTE> buffer(std::max<DWORD>(needed, sizeof(PRINTER_INFO_2A)));
+    if (!GetPrinterA(handle_, 2, buffer.data(), static_cast<DWORD>(buffer.size()), &needed)) {
+      buffer.clear();
+    }
+    return buffer;
+  }
+
+ private:
+  HANDLE handle_ = nullptr;
+};
+
+// Draws the title and the lines from the top margin down, a new page
+// whenever the next line would cross the bottom margin.
+std::string DrawPages(HDC dc, const SpoolerDocument& document) {
+  TEXTMETRICA metrics = {};
+  GetTextMetricsA(dc, &metrics);
+  const int lineHeight = std::max<int>(1, metrics.tmHeight + metrics.tmExternalLeading);
+  const int margin = GetDeviceCaps(dc, LOGPIXELSY) / 2;
+  const int bottom = GetDeviceCaps(dc, VERTRES) - margin;
+  std::vector<std::string> lines{document.title, ""};
+  lines.insert(lines.end(), document.lines.begin(), document.lines.end());
+  if (StartPage(dc) <= 0) return Failure("StartPage");
+  int y = margin;
+  for (const std::string& line : lines) {
+    if (y + lineHeight > bottom && y > margin) {
+      if (EndPage(dc) <= 0) return Failure("EndPage");
+      if (StartPage(dc) <= 0) return Failure("StartPage");
+      y = margin;
+    }
+    if (!line.empty() && !TextOutA(dc, margin, y, line.c_str(), static_cast<int>(line.size()))) {
+      return Failure("TextOutA");
+    }
+    y += lineHeight;
+  }
+  return EndPage(dc) <= 0 ? Failure("EndPage") : std::string();
+}
+
+std::string SetValue(HKEY key, const char* name, DWORD type, const void* data, size_t size) {
+  const LONG status =
+      RegSetValueExA(key, name, 0, type, static_cast<const BYTE*>(data), static_cast<DWORD>(size));
+  return status == ERROR_SUCCESS ? std::string() : Failure(std::string("writing ") + name, status);
+}
+
+// Creates (or opens) the key under HKEY_LOCAL_MACHINE and sets the values
+// that fill is given the key for.
+template <typename Fill>
+std::string WithCreatedKey(const std::string& path, Fill fill) {
+  HKEY key = nullptr;
+  const LONG status = RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, 0,
+                                      KEY_ALL_ACCESS, nullptr, &key, nullptr);
+  if (status != ERROR_SUCCESS) return Failure("creating HKEY_LOCAL_MACHINE\\" + path, status);
+  std::string failure = fill(key);
+  RegCloseKey(key);
+  return failure;
+}
+
+}  // namespace
+
+std::string PrintThroughSpooler(const std::string& printerName, const SpoolerDocument& document) {
+  HDC dc = CreateDCA("WINSPOOL", printerName.c_str(), nullptr, nullptr);
+  if (dc == nullptr) return Failure("CreateDCA for '" + printerName + "'");
+  DOCINFOA info = {};
+  info.cbSize = sizeof(info);
+  info.lpszDocName = document.title.c_str();
+  std::string failure;
+  if (StartDocA(dc, &info) <= 0) {
+    failure = Failure("StartDocA");
+  } else if (failure = DrawPages(dc, document); !failure.empty()) {
+    AbortDoc(dc);
+  } else if (EndDoc(dc) <= 0) {
+    failure = Failure("EndDoc");
+  }
+  DeleteDC(dc);
+  return failure;
+}
+
+std::optional<uint32_t> SpoolerPrinterStatus(const std::string& printerName) {
+  const OpenedPrinter printer(printerName, PRINTER_ACCESS_USE);
+  if (printer.Get() == nullptr) return std::nullopt;
+  const std::vector<BYTE> info = printer.Info();
+  if (info.empty()) return std::nullopt;
+  return reinterpret_cast<const PRINTER_INFO_2A*>(info.data())->Status;
+}
+
+std::string AddPipePrinter(const std::string& printerName, const std::string& driverOf,
+                           const std::string& command) {
+  std::string driver;
+  {
+    const OpenedPrinter model(driverOf, PRINTER_ACCESS_USE);
+    if (model.Get() == nullptr) return Failure("OpenPrinterA of '" + driverOf + "'");
+    const std::vector<BYTE> info = model.Info();
+    if (info.empty()) return Failure("GetPrinterA of '" + driverOf + "'");
+    driver = reinterpret_cast<const PRINTER_INFO_2A*>(info.data())->pDriverName;
+  }
+  // A printer of that name from an earlier set-up goes first: its port or
+  // driver may be stale.
+  if (const OpenedPrinter old(printerName, PRINTER_ALL_ACCESS); old.Get() != nullptr) {
+    if (!DeletePrinter(old.Get())) return Failure("DeletePrinter of '" + printerName + "'");
+  }
+  std::string port = "|" + command;
+  PRINTER_INFO_2A info = {};
+  info.pPrinterName = const_cast<char*>(printerName.c_str());
+  info.pPortName = port.data();
+  info.pDriverName = driver.data();
+  info.pPrintProcessor = const_cast<char*>("WinPrint");
+  info.pDatatype = const_cast<char*>("RAW");
+  HANDLE added = AddPrinterA(nullptr, 2, reinterpret_cast<BYTE*>(&info));
+  if (added == nullptr)
+    return Failure("AddPrinterA of '" + printerName + "' (driver '" + driver + "')");
+  ClosePrinter(added);
+  return {};
+}
+
+std::string SetUpAdobePdfPrinterKey(const std::string& printerName, const std::string& folder) {
+  const std::string key = kPrintersKey + printerName;
+  std::string failure = WithCreatedKey(key + "\\PrinterDriverData", [&](HKEY data) {
+    const DWORD off = 0;
+    for (const char* flag : {"ViewPrintOutput", "PromptForFileName", "AskToReplacePDF"}) {
+      if (std::string why = SetValue(data, flag, REG_DWORD, &off, sizeof(off)); !why.empty()) {
+        return why;
+      }
+    }
+    const std::string port = folder + "*.pdf";
+    return SetValue(data, "Port", REG_SZ, port.c_str(), port.size() + 1);
+  });
+  if (!failure.empty()) return failure;
+  // The spooler keeps the flag as one byte.
+  return WithCreatedKey(key + "\\DsSpooler", [](HKEY spooler) {
+    const BYTE keep = 0;
+    return SetValue(spooler, "printKeepPrintedJobs", REG_BINARY, &keep, sizeof(keep));
+  });
+}
+
+}  // namespace kestrivon::hostkit

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+// The host kit's way into the system's own print path (Windows side): a
+// document printed with GDI to a printer that the spooler knows, so that
+// the printer's real driver writes its file on its own schedule. Used for
+// printers that stand for a real spooler rather than a virtual driver.
+namespace kestrivon::hostkit {
+
+// A document as the print function draws it: its title becomes the job's
+// title (drivers that name their output after the job use it), its lines are
+// drawn one below the other, pages broken as the device's height demands.
+struct SpoolerDocument {
+  std::string title;
+  std::vector<std::string> lines;
+};
+
+// Prints the document to the named printer (CreateDCA, StartDocA with the
+// title, one TextOutA per line, EndDoc). Answers empty when the job reached
+// the spooler, else which call failed and the system's error; a failed job
+// is aborted, never left half open.
+std::string PrintThroughSpooler(const std::string& printerName, const SpoolerDocument& document);
+
+// The printer's PRINTER_STATUS_ bits as the spooler reports them (0x400:
+// printing); empty when the printer cannot be opened or read.
+std::optional<uint32_t> SpoolerPrinterStatus(const std::string& printerName);
+
+// Makes (or makes again) printerName a printer whose jobs run through
+// command (a pipe port, "|" + command) and whose driver is the one of the
+// existing printer driverOf (for a printer made from a CUPS queue: the
+// driver Wine made for it). Answers empty on success, else what failed.
+std::string AddPipePrinter(const std::string& printerName, const std::string& driverOf,
+                           const std::string& command);
+
+// Sets printerName up as an Adobe PDF printer that writes into folder
+// (ending in "\"): its key under the Windows printers key gets the driver
+// data the driver family keeps (no result view, no file-name prompt, no
+// replace question, the port folder + "*.pdf") and DsSpooler's
+// printKeepPrintedJobs "0". Answers empty on success, else what failed.
+std::string SetUpAdobePdfPrinterKey(const std::string& printerName, const std::string& folder);
+
+}  // namespace kestrivon::hostkit
