@@ -110,14 +110,6 @@ std::string PrintThroughSpooler(const std::string& printerName, const SpoolerDoc
   return failure;
 }
 
-std::optional<uint32_t> SpoolerPrinterStatus(const std::string& printerName) {
-  const OpenedPrinter printer(printerName, PRINTER_ACCESS_USE);
-  if (printer.Get() == nullptr) return std::nullopt;
-  const std::vector<BYTE> info = printer.Info();
-  if (info.empty()) return std::nullopt;
-  return reinterpret_cast<const PRINTER_INFO_2A*>(info.data())->Status;
-}
-
 std::string AddPipePrinter(const std::string& printerName, const std::string& driverOf,
                            const std::string& command) {
   std::string driver;

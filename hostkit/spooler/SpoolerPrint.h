@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,10 +22,6 @@ struct SpoolerDocument {
 // the spooler, else which call failed and the system's error; a failed job
 // is aborted, never left half open.
 std::string PrintThroughSpooler(const std::string& printerName, const SpoolerDocument& document);
-
-// The printer's PRINTER_STATUS_ bits as the spooler reports them (0x400:
-// printing); empty when the printer cannot be opened or read.
-std::optional<uint32_t> SpoolerPrinterStatus(const std::string& printerName);
 
 // Makes (or makes again) printerName a printer whose jobs run through
 // command (a pipe port, "|" + command) and whose driver is the one of the

@@ -14,6 +14,7 @@
 #include "pipeline/PrintJobDriver.h"
 #include "pipeline/RevisionFileLock.h"
 #include "platform/FileSystem.h"
+#include "platform/Spooler.h"
 #include "services/OutputFileWaiting.h"
 #include "services/RegistrySettings.h"
 #include "spooler/SpoolerPrint.h"
@@ -55,8 +56,11 @@ int Run(const std::string& queue, const std::string& outFolder, const std::strin
   auto document = std::make_shared<host::portable::DocumentObject>("A-100", owner);
   document->documentName = "A-100";
   auto printer = std::make_shared<host::portable::PrinterObject>(kPrinter);
+  // The print library's status, read from the real spooler at each poll.
   printer->statusSequence = [](int) {
-    return static_cast<int32_t>(hostkit::SpoolerPrinterStatus(kPrinter).value_or(0));
+    platform::OwnedPrinter opened;
+    if (!platform::OpenPrinterByName(kPrinter, opened.Put())) return int32_t{0};
+    return static_cast<int32_t>(platform::PrinterStatus(opened.Get()).value_or(0));
   };
 
   const std::string unlocked = folder.substr(0, folder.size() - 1);
