@@ -229,6 +229,21 @@ class ComSettings final : public SettingsCollection {
   ComPtr<IDispatch> settings_;
 };
 
+// Workset.Application: Exist(key) and ApplicationPath.
+class ComApplication final : public HostApplication {
+ public:
+  explicit ComApplication(ComPtr<IDispatch> application) : application_(std::move(application)) {}
+  bool Exist(const std::string& key) override { return AskExist(application_.Get(), key); }
+  std::string ApplicationPath() override {
+    OwnedVariant result;
+    Invoke(application_.Get(), L"ApplicationPath", DISPATCH_PROPERTYGET, {}, result.Put());
+    return VariantToString(ToVariant(result.Get()));
+  }
+
+ private:
+  ComPtr<IDispatch> application_;
+};
+
 class ComDocument final : public Document {
  public:
   ComDocument(ComPtr<IVemraDocument> document, ComPtr<IDispatch> dispatch)
@@ -244,6 +259,13 @@ class ComDocument final : public Document {
     ComPtr<IDispatch> settings = GetObjectMember(workset.Get(), L"Settings");
     if (!settings) return nullptr;
     return std::make_shared<ComSettings>(std::move(settings));
+  }
+  std::shared_ptr<HostApplication> WorksetApplication() override {
+    const ComPtr<IDispatch> workset = GetObjectMember(dispatch_.Get(), L"Workset");
+    if (!workset) return nullptr;
+    ComPtr<IDispatch> application = GetObjectMember(workset.Get(), L"Application");
+    if (!application) return nullptr;
+    return std::make_shared<ComApplication>(std::move(application));
   }
   HostObjectRef PrintSettings() override {
     OwnedVariant value;
