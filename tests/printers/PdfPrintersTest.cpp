@@ -1,5 +1,3 @@
-#include <functional>
-
 #include "PdfFiles.h"
 #include "PipelineFixture.h"
 #include "core/PdfMerge.h"
@@ -15,6 +13,7 @@
 #include "printers/pdf/AdobePDF.h"
 #include "printers/pdf/PDFFactory.h"
 #include "services/IniFiles.h"
+#include "services/MessageTexts.h"
 #include "services/RegistrySettings.h"
 
 // The PDF revision printers on the portable print world: driver settings
@@ -24,8 +23,13 @@ namespace kestrivon::test {
 namespace {
 
 namespace pp = platform::portable;
+using namespace messages;
 const std::string kPrinters = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Print\\Printers\\";
 const std::string kFactory = "Software\\FinePrint Software\\pdfFactory";
+const std::string kCrLf = "\r\n";
+const std::string kNotFound = "printing revision aborted because printer could not been not found";
+// A message as the fixture's host resolves it.
+std::string R(const char* text) { return std::string(text).substr(7); }
 
 class PdfPrinters : public PipelineTest {
  protected:
@@ -40,23 +44,24 @@ class PdfPrinters : public PipelineTest {
          .pdfMerge = [] { return std::make_shared<hostkit::PdfMerge>(); },
          .documentFileHelper = [this] { return fileHelper; }});
     pp::SetShellFolder(platform::kCsidlPersonal, folder / "Eigene Dateien");
-    pp::SetUserName("bob");
-    MakeFolder(out);
-    MakeFolder(folder / "rev");
+    for (const char* made : {"out", "rev", "Eigene Dateien", "bob"}) MakeFolder(folder / made);
     document->typeObject = std::make_shared<host::portable::DocumentObject>("Drawing");
-    fileHelper->tempFolder = folder.Path();
   }
   ~PdfPrinters() override {
     pp::ClearPrinters();
     pp::ClearRegistry();
     ResetUIPolicyForReload();
   }
-  void Set(platform::HKey hive, const std::string& key, const std::string& name, uint32_t type,
-           const std::string& bytes) {
+  static void Reg(platform::HKey hive, const std::string& key, const char* name, uint32_t type,
+                  const std::string& bytes) {
     pp::SetRegistryValue(pp::ProcessRegistryView(), hive, key, name, type, bytes);
   }
-  void Dword(const std::string& key, const std::string& name, uint32_t value) {
-    pp::SetRegistryDword(pp::ProcessRegistryView(), platform::kHKeyLocalMachine, key, name, value);
+  static void Key(platform::HKey hive, const std::string& key) {
+    pp::CreateRegistryKey(pp::ProcessRegistryView(), hive, key);
+  }
+  static std::string Value(const std::string& key, const char* name) {
+    return pp::RegistryValueOf(pp::ProcessRegistryView(), platform::kHKeyCurrentUser, key, name)
+        ->bytes;
   }
   void Install(const std::string& name) {
     manager->printers.push_back(std::make_shared<host::portable::PrinterObject>(name));
@@ -65,20 +70,19 @@ class PdfPrinters : public PipelineTest {
   // A driver set up for unattended printing into its port's folder.
   void SetUpAdobe(const std::string& name, const std::string& port) {
     Install(name);
-    const std::string key = kPrinters + name;
+    const std::string data = kPrinters + name + "\\PrinterDriverData";
     for (const char* flag : {"ViewPrintOutput", "PromptForFileName", "AskToReplacePDF"}) {
-      Dword(key + "\\PrinterDriverData", flag, 0);
+      Reg(platform::kHKeyLocalMachine, data, flag, platform::kRegDword, std::string(4, '\0'));
     }
-    Set(platform::kHKeyLocalMachine, key + "\\PrinterDriverData", "Port", platform::kRegSz,
-        port + std::string(1, '\0'));
-    Set(platform::kHKeyLocalMachine, key + "\\DsSpooler", "printKeepPrintedJobs",
+    Reg(platform::kHKeyLocalMachine, data, "Port", platform::kRegSz, port + '\0');
+    Reg(platform::kHKeyLocalMachine, kPrinters + name + "\\DsSpooler", "printKeepPrintedJobs",
         platform::kRegBinary, std::string(1, '\0'));
   }
-  // The class's own trace lines, in order.
-  Lines LinesOf(const std::string& label) {
+  // The trace lines that begin so, in order.
+  Lines LinesOf(const std::string& prefix) {
     Lines lines;
     for (const auto& line : host.traceLines) {
-      if (line.rfind(label, 0) == 0) lines.push_back(line);
+      if (line.rfind(prefix, 0) == 0) lines.push_back(line);
     }
     return lines;
   }
@@ -89,71 +93,51 @@ class PdfPrinters : public PipelineTest {
 };
 
 TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputFolder) {
-  const std::string show = "Die folgende Adobe PDF-Einstellung muß deaktiviert werden:";
-  const std::string end = "\r\n\r\n";
-  const std::string allFlags = show + "'Adobe PDF-Ergebnisse anzeigen'" + end + show +
-                               "'Eingabeaufforderung für Adobe PDF-Dateiname'" + end + show +
-                               "'Aufforderung zum Ersetzen vorhandener PDF-Datei'" + end;
-  const std::string header = "Fehlerhafte Druckereinstellung:" + end;
-  const auto portWrong = [&](const std::string& f) {
-    return header +
-           "Die folgende Eigenschaft ist fehlerhaft: 'Anschlüsse|Anschluß'\r\nSie hat "
-           "den folgenden Wert: '" +
-           f +
-           "'.\r\nBitte geben Sie einen interpretierbaren "
-           "Pfad an (z.B.: 'C:\\Temp\\*.pdf')" +
-           end;
-  };
-  MakeFolder(folder / "Eigene Dateien");
-  MakeFolder(folder / "bob");
+  const std::string end = kCrLf + kCrLf, header = R(k0282b) + end, show = R(k02824);
+  const std::string flags =
+      show + R(k02825) + end + show + R(k02826) + end + show + R(k02836) + end;
   const std::string users = folder / "All Users\\";
-  struct Row {
-    std::string port;
-    std::string user;
-    int keepJobs;  // -1: unreadable
-    bool flagsMissing;
-    std::string answer;
-    std::string outputFolder;
-  } const rows[] = {
-      {"", "bob", 0, true, header + allFlags, ""},
-      {out + "\\*.pdf", "bob", 0, false, "", out + "\\"},
-      {"eigene dateien\\*.pdf", "bob", 0, false, "", folder / "Eigene Dateien\\"},
-      {users + "*.pdf", "bob", 0, false, "", folder / "bob\\"},
-      {users + "*.pdf", "jdoe", 0, false, portWrong(users), ""},
-      {"*.pdf", "bob", 0, false, "", ""},
-      {out + "\\*.pdf", "bob", 1, false, header + show + "Keep printed documents" + end,
-       out + "\\"},
-      {out + "\\*.pdf", "bob", -1, false, "", out + "\\"},
+  const std::string portWrong = header + R(k02828) + " " + R(k02827) + kCrLf + R(k02829) + " '" +
+                                users + "'." + kCrLf + R(k0282a) + end;
+  enum Change { kNone, kNoFlags, kKeepJobs, kNoSpooler };
+  const struct {
+    std::string port, user;
+    Change change;
+    std::string answer, outputFolder;
+  } rows[] = {
+      {"", "bob", kNoFlags, header + flags, ""},
+      {out + "\\*.pdf", "bob", kNone, "", out + "\\"},
+      {"eigene dateien\\*.pdf", "bob", kNone, "", folder / "Eigene Dateien\\"},
+      {users + "*.pdf", "bob", kNone, "", folder / "bob\\"},
+      {users + "*.pdf", "jdoe", kNone, portWrong, ""},  // too long for the buffer
+      {"*.pdf", "bob", kNone, "", ""},
+      {out + "\\*.pdf", "bob", kKeepJobs, header + show + R(k05626) + end, out + "\\"},
+      {out + "\\*.pdf", "bob", kNoSpooler, "", out + "\\"},
   };
-  for (const Row& row : rows) {
+  const std::string key = kPrinters + "Adobe PDF",
+                    c = "VemraKestrivon::Globals::CheckAcrobatPRN(): ";
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.port + " " + row.user);
     pp::ClearRegistry();
     SetUpAdobe("Adobe PDF", row.port);
-    const std::string key = kPrinters + "Adobe PDF";
-    if (row.flagsMissing)
+    if (row.change != kNone) {
       pp::DeleteRegistryKey(pp::ProcessRegistryView(), platform::kHKeyLocalMachine,
-                            key + "\\PrinterDriverData");
-    if (row.keepJobs != 0)
-      pp::DeleteRegistryKey(pp::ProcessRegistryView(), platform::kHKeyLocalMachine,
-                            key + "\\DsSpooler");
-    if (row.keepJobs > 0)
-      Set(platform::kHKeyLocalMachine, key + "\\DsSpooler", "printKeepPrintedJobs",
+                            key + (row.change == kNoFlags ? "\\PrinterDriverData" : "\\DsSpooler"));
+    }
+    if (row.change == kKeepJobs)
+      Reg(platform::kHKeyLocalMachine, key + "\\DsSpooler", "printKeepPrintedJobs",
           platform::kRegBinary, "\1");
     pp::SetUserName(row.user);
     host.traceLines.clear();
     EXPECT_EQ(CheckAcrobatPRN("Adobe PDF"), row.answer);
-    const std::string c = "VemraKestrivon::Globals::CheckAcrobatPRN(): ";
-    if (row.answer.empty()) {
-      EXPECT_EQ(host.traceLines.back(), c + "settings are OK");
-    }
+    const std::string rule = kCrLf + std::string(70, '-') + kCrLf;
+    EXPECT_EQ(host.traceLines.back(),
+              row.answer.empty() ? c + "settings are OK"
+                                 : rule + c + end + "\tIncorrect printer settings summary:" +
+                                       kCrLf + row.answer.substr(header.size()) + rule);
     EXPECT_EQ(host.Count(c + "unable to find 'HKEY_LOCAL_MACHINE\\" + key +
                          "\\DsSpooler: printKeepPrintedJobs'"),
-              row.keepJobs < 0 ? 1u : 0u);
-    if (row.flagsMissing) {
-      EXPECT_EQ(host.traceLines.back(), "\r\n" + std::string(70, '-') + "\r\n" + c +
-                                            "\r\n\r\n\tIncorrect printer settings summary:\r\n" +
-                                            allFlags + "\r\n" + std::string(70, '-') + "\r\n");
-    }
+              row.change == kNoSpooler ? 1u : 0u);
     EXPECT_EQ(GetArcobatPrnOutputDirectory("Adobe PDF"), row.outputFolder);
   }
 }
@@ -161,173 +145,140 @@ TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputF
 // Each path of DoPrint, for the two Adobe classes: "P:" and "Q:" stand for
 // the class's two trace prefixes.
 TEST_F(PdfPrinters, AdobeDriversDoPrintPathsTraceInOrderAndAlwaysRemoveTheirLock) {
-  enum class Path { kPdf, kMissing, kLocked, kNoFile, kSuccess, kError };
-  const std::string cleaning = "P:cleaning up after revisioning...";
-  const std::string deleting = "P:about to delete lock-file...";
+  enum Path { kPdf, kMissing, kLocked, kNoFile, kSuccess, kError };
+  const std::string cleaning = "P:cleaning up after revisioning...",
+                    deleting = "P:about to delete lock-file...";
   const std::string pdf = out + "\\job.pdf";
-  struct Row {
+  const struct {
     Path path;
-    bool result;
-    Lines adobe;
-    Lines distiller;
-  } const rows[] = {
-      {Path::kPdf,
-       true,
+    Lines adobe, distiller;  // distiller empty: as adobe
+  } rows[] = {
+      {kPdf,
        {"Q:document was a PDF already --> file copied into revision folder; revision successful"},
        {}},
-      {Path::kMissing,
-       false,
-       {"Q:printing revision aborted because printer could not been not found"},
-       {}},
-      {Path::kLocked, false, {"Q:revision directory is locked -> aborting", cleaning}, {}},
-      {Path::kNoFile,
-       false,
+      {kMissing, {"Q:" + kNotFound}, {}},
+      {kLocked, {"Q:revision directory is locked -> aborting", cleaning}, {}},
+      {kNoFile,
        {"P:waiting for revision ('')...", "P:revision of A-100 failed", cleaning},
        {"P:could not find the printed revision file.", cleaning, deleting}},
-      {Path::kSuccess,
-       true,
+      {kSuccess,
        {"P:waiting for revision ('" + pdf + "')...",
         "P:output file successfully copied into revision directory.", cleaning},
        {cleaning, deleting}},
-      {Path::kError, false, {cleaning}, {cleaning, deleting}},
+      {kError, {cleaning}, {cleaning, deleting}},
   };
-  const std::function<std::unique_ptr<AcrobatPrinter>()> classes[] = {
-      [] { return std::make_unique<AdobePDF>(); },
-      [] { return std::make_unique<AcrobatDistiller>(); }};
-  for (const auto& make : classes) {
-    for (const Row& row : rows) {
-      SCOPED_TRACE(static_cast<int>(row.path));
-      clock.reset();
+  for (const bool adobe : {true, false}) {
+    for (const auto& row : rows) {
+      SCOPED_TRACE(std::to_string(row.path) + (adobe ? " AdobePDF" : " AcrobatDistiller"));
       clock.emplace();
       pp::ClearRegistry();
       pp::ClearPrinters();
       manager->printers.clear();
-      pp::SetRegistryValue(pp::ProcessRegistryView(), platform::kHKeyLocalMachine,
-                           "SOFTWARE\\Adobe\\Acrobat Distiller\\5.0", "", platform::kRegSz,
-                           std::string(1, '\0'));
-      if (row.path != Path::kMissing) {
+      Reg(platform::kHKeyLocalMachine, "SOFTWARE\\Adobe\\Acrobat Distiller\\5.0", "",
+          platform::kRegSz, "");
+      if (row.path != kMissing) {
         SetUpAdobe("Adobe PDF", out + "\\*.pdf");
         SetUpAdobe("Acrobat Distiller", out + "\\*.pdf");
       }
       document->typeObject = std::make_shared<host::portable::DocumentObject>(
-          row.path == Path::kPdf ? "AdobePDF" : "Drawing");
-      fileHelper->files[document.get()] = folder / "own.pdf";
-      fileHelper->mustFetch = {folder / "own.pdf"};
-      fileHelper->fetched[document.get()] = folder / "own.pdf";
-      MakePdf(folder / "own.pdf", {300});
-      if (row.path == Path::kLocked) {
+          row.path == kPdf ? "AdobePDF" : "Drawing");
+      fileHelper->mustFetch = {fileHelper->files[document.get()] = folder / "own.pdf"};
+      MakePdf(fileHelper->fetched[document.get()] = folder / "own.pdf", {300});
+      if (row.path == kLocked) {
         platform::WriteAnsiTextLines(out + "\\B-7.RLCK", {"then", "PC042", "jdoe"});
         AgeTo(out + "\\B-7.RLCK", 10);
       }
       std::string written;
       docFctDist->print = [&](const host::HostObjectRef&, const host::HostObjectRef&) {
-        if (row.path == Path::kSuccess) MakePdf(pdf, {300, 301}), written = ReadWholeFile(pdf);
+        if (row.path == kSuccess) MakePdf(pdf, {300, 301}), written = ReadWholeFile(pdf);
         return true;
       };
-      auto printer = make();
-      const std::string kind =
-          dynamic_cast<AdobePDF*>(printer.get()) ? "AdobePDF" : "AcrobatDistiller";
-      host.traceFailsOn = row.path != Path::kError ? ""
-                          : kind == "AdobePDF"     ? "waiting for revision"
-                                                   : "could not find";
+      const std::unique_ptr<AcrobatPrinter> printer(
+          adobe ? static_cast<AcrobatPrinter*>(new AdobePDF) : new AcrobatDistiller);
+      host.traceFailsOn = row.path != kError ? ""
+                          : adobe            ? "waiting for revision"
+                                             : "could not find";
       host.traceLines.clear();
-      host.debugLines.clear();
       host.reports.clear();
-      EXPECT_EQ(printer->DoPrint(document, owner, folder / "rev", "A1"), row.result);
-      const std::string p = "VemraKestrivon::" + kind;
-      Lines expected = kind == "AdobePDF" || row.distiller.empty() ? row.adobe : row.distiller;
+      EXPECT_EQ(printer->DoPrint(document, owner, folder / "rev", "A1"),
+                row.path == kPdf || row.path == kSuccess);
+      const std::string p = adobe ? "VemraKestrivon::AdobePDF" : "VemraKestrivon::AcrobatDistiller";
+      Lines expected = adobe || row.distiller.empty() ? row.adobe : row.distiller;
       for (auto& line : expected)
         line = p +
                (line[0] == 'P' ? "::IRevisionPrinter_DoPrint(): " : ".IRevisionPrinter_DoPrint: ") +
                line.substr(2);
-      EXPECT_EQ(LinesOf(p), expected) << kind;
-      const bool locks = row.path >= Path::kNoFile;
+      EXPECT_EQ(LinesOf(p), expected);
       EXPECT_EQ(host.Count("Kestrivon::DocumentLock::DeleteLock(): lock-file ('" + out +
                            "\\A-100.RLCK') deleted"),
-                locks ? 1u : 0u);
+                row.path >= kNoFile ? 1u : 0u);
       EXPECT_FALSE(PathExists(out + "\\A-100.RLCK"));
-      EXPECT_EQ(PathExists(out + "\\B-7.RLCK"), row.path == Path::kLocked);
-      EXPECT_EQ(host.reports, row.path == Path::kError
-                                  ? Lines{p + "|Function IRevisionPrinter_DoPrint"}
-                                  : Lines{});
-      if (row.path == Path::kSuccess) {
+      EXPECT_EQ(host.reports,
+                row.path == kError ? Lines{p + "|Function IRevisionPrinter_DoPrint"} : Lines{});
+      EXPECT_FALSE(PathExists(pdf));
+      if (row.path == kSuccess) {
         EXPECT_EQ(ReadWholeFile(folder / "rev\\A1.PDF"), written);
-        EXPECT_FALSE(PathExists(pdf));
       }
-      RemoveFile(out + "\\B-7.RLCK");
+      EXPECT_EQ(PathExists(out + "\\B-7.RLCK"), row.path == kLocked);
+      if (row.path == kLocked) RemoveFile(out + "\\B-7.RLCK");
     }
   }
 }
 
 TEST_F(PdfPrinters, DistillerNeedsVersion5AndWriterSelectsNoPrinterNorLock) {
   for (bool key : {false, true}) {
-    if (key) Dword("SOFTWARE\\Adobe\\Acrobat Distiller\\5.0", "x", 1);
+    if (key)
+      Reg(platform::kHKeyLocalMachine, "SOFTWARE\\Adobe\\Acrobat Distiller\\5.0", "",
+          platform::kRegSz, "");
     AcrobatDistiller distiller;
     EXPECT_EQ(distiller.InitPrnSettings(), key);
-    EXPECT_EQ(distiller.CheckPrnSettings(), "Acrobat Distiller wurde nicht installiert.");
+    EXPECT_EQ(distiller.CheckPrnSettings(), R(k02821));
   }
   // Another process revises into the folder: the writer does not look.
   platform::WriteAnsiTextLines(out + "\\B-7.RLCK", {"then", "PC042", "jdoe"});
   AcrobatWriter writer;
   EXPECT_FALSE(writer.InitPrnSettings());
   EXPECT_EQ(writer.CheckPrnSettings(), "");
-  host.traceLines.clear();
   EXPECT_FALSE(writer.DoPrint(document, owner, folder / "rev", "A1"));
-  EXPECT_EQ(
-      host.traceLines,
-      Lines{
-          "VemraKestrivon::AcrobatWriter.IRevisionPrinter_DoPrint: printing revision aborted because printer could not been not found"});
+  EXPECT_EQ(host.traceLines.back(),
+            "VemraKestrivon::AcrobatWriter.IRevisionPrinter_DoPrint: " + kNotFound);
   EXPECT_TRUE(PathExists(out + "\\B-7.RLCK"));
   pp::SetShellFolder(platform::kCsidlSystem, folder.Path());
-  for (const char* level :
-       {"Spool", "Spool\\Drivers", "Spool\\Drivers\\W32X86", "Spool\\Drivers\\W32X86\\2"}) {
-    MakeFolder(folder / level);
-  }
+  std::string ini = folder.Path();
+  for (const char* level : {"Spool", "Drivers", "W32X86", "2"})
+    MakeFolder(ini += std::string("\\") + level);
   for (const char* name : {"C:\\Temp\\R2P1.PDF", "C:\\Temp\\R2P2.PDF"})
     SetAcrobatPDFWriterOutput(name);
-  EXPECT_EQ(ReadIniString(folder / "Spool\\Drivers\\W32X86\\2\\__pdf.ini", "Acrobat PDFWriter",
-                          "PDFFileName", ""),
+  EXPECT_EQ(ReadIniString(ini + "\\__pdf.ini", "Acrobat PDFWriter", "PDFFileName", ""),
             "C:\\Temp\\R2P2.PDF");
 }
 
 TEST_F(PdfPrinters, PdfFactoryVersionsAndSettings) {
-  const std::string hdr = "Fehlerhafte Druckereinstellung:\r\n";
-  const std::string dialog = "The option: 'Do not show dialog' must be activated.";
-  const std::string boxes =
-      "Neither of the check boxes beneath 'When PDF file is ready' must be selected.";
-  const std::string all = hdr + dialog + "\r\n" + boxes;
-  struct Row {
+  const std::string hdr = R(k0282b) + kCrLf, all = hdr + R(k02833) + kCrLf + R(k033d1);
+  const struct {
     std::vector<int> versions;  // 1: the unnumbered key
     int settingsUnder;          // 0: no settings key
     int showDlg, pdfAction;     // -1: missing
     std::string text;
-  } const rows[] = {
+  } rows[] = {
       {{3, 4}, 4, 2, 0, ""},
       {{1}, 1, 4, 1, ""},
-      {{1}, 1, 2, 1, hdr + "Show dialog has to be set to: no - no view, no send"},
-      {{3},
-       0,
-       2,
-       0,
-       "Checking printer settings failed. Please make sure the following settings are set:\r\n" +
-           dialog + "\r\n" + boxes +
-           "\r\nPlease confirm the printer settings by pressing the OK button."},
+      {{1}, 1, 2, 1, hdr + R(k033ce) + " " + R(k033cf)},
+      {{3}, 0, 2, 0, R(k05790) + kCrLf + R(k02833) + kCrLf + R(k033d1) + kCrLf + R(k05791)},
       {{4}, 0, 2, 0, all},
       {{}, 0, 2, 0, all},
-      {{2}, 2, 2, 1, hdr + "The option: 'save the file in AutoSave folder' must be activated."},
-      {{3}, 3, 0, -1, hdr + dialog + "\r\n" + boxes},
+      {{2}, 2, 2, 1, hdr + R(k02834)},
+      {{3}, 3, 0, -1, all},
   };
   Install("pdfFactory");
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     pp::ClearRegistry();
     for (int v : row.versions)
-      pp::CreateRegistryKey(pp::ProcessRegistryView(), platform::kHKeyCurrentUser,
-                            kFactory + (v > 1 ? std::to_string(v) : ""));
+      Key(platform::kHKeyCurrentUser, kFactory + (v > 1 ? std::to_string(v) : ""));
     const std::string product =
         kFactory + (row.settingsUnder > 1 ? std::to_string(row.settingsUnder) : "");
     const std::string key = product + "\\FinePrinters\\pdfFactory\\PrinterDriverData";
-    if (row.settingsUnder > 0)
-      pp::CreateRegistryKey(pp::ProcessRegistryView(), platform::kHKeyCurrentUser, key);
+    if (row.settingsUnder > 0) Key(platform::kHKeyCurrentUser, key);
     for (auto [name, value] :
          {std::pair{"ShowDlg", row.showDlg}, std::pair{"PdfAction", row.pdfAction}}) {
       if (row.settingsUnder > 0 && value >= 0)
@@ -338,9 +289,7 @@ TEST_F(PdfPrinters, PdfFactoryVersionsAndSettings) {
     ASSERT_TRUE(factory.InitPrnSettings());
     if (row.settingsUnder > 0) {  // before any check
       factory.SetFactoryFilename("C:\\Temp\\x.PDF");
-      Variant name;
-      GetValue(kHKeyCurrentUser, product, "OutputFile", name);
-      EXPECT_EQ(TrimNull(VariantToString(name)), "C:\\Temp\\x.PDF");
+      EXPECT_EQ(Value(product, "OutputFile"), std::string("C:\\Temp\\x.PDF") + '\0');
     }
     EXPECT_EQ(factory.CheckPrnSettings(), row.text);
   }
@@ -348,21 +297,19 @@ TEST_F(PdfPrinters, PdfFactoryVersionsAndSettings) {
 
 TEST_F(PdfPrinters, PdfFactoryPrintsIntoTheNamedFileUnderTheTempLock) {
   Install("pdfFactory");
-  pp::CreateRegistryKey(pp::ProcessRegistryView(), platform::kHKeyCurrentUser, kFactory + "4");
-  platform::SetEnvironmentVariableTo("TEMP", out);
-  fileHelper->tempFolder = out;
+  Key(platform::kHKeyCurrentUser, kFactory + "4");
+  platform::SetEnvironmentVariableTo("TEMP", fileHelper->tempFolder = out);
   docFctDist->print = [&](const host::HostObjectRef&, const host::HostObjectRef&) {
-    Variant file;
-    GetValue(kHKeyCurrentUser, kFactory + "4", "OutputFile", file);
     EXPECT_TRUE(PathExists(out + "\\A-100.RLCK"));
-    MakePdf(TrimNull(VariantToString(file)), {300});
+    const std::string file = Value(kFactory + "4", "OutputFile");
+    MakePdf(file.substr(0, file.size() - 1), {300});
     return true;
   };
   PDFFactory factory;
   EXPECT_TRUE(factory.DoPrint(document, owner, folder / "rev", "A1"));
   EXPECT_EQ(PageWidths(folder / "rev\\A1.PDF"), std::vector<int>{300});
-  const std::string p = "VemraKestrivon::PDFFactory::IRevisionPrinter_DoPrint(): ";
-  const std::string file = out + "\\R2P1..PDF";
+  const std::string p = "VemraKestrivon::PDFFactory::IRevisionPrinter_DoPrint(): ",
+                    file = out + "\\R2P1..PDF";
   EXPECT_EQ(LinesOf(p),
             (Lines{p + "output file set. OutFolder: " + file, p + "waiting for '" + file + "'",
                    p + "'" + file + "' really exists -> revision successfull... ",
@@ -378,12 +325,11 @@ TEST_F(PdfPrinters, AppendFileMergesTheFirstFileOntoTheEndOfTheSecond) {
   AcrobatWriter writer;
   PDFFactory factory;
   for (RevisionPrinter* printer :
-       std::initializer_list<RevisionPrinter*>{&adobe, &distiller, &writer, &factory}) {
+       std::vector<RevisionPrinter*>{&adobe, &distiller, &writer, &factory}) {
     MakePdf(folder / "a.pdf", {300});
     MakePdf(folder / "b.pdf", {100, 101});
     EXPECT_TRUE(printer->AppendFile(folder / "a.pdf", folder / "b.pdf"));
     EXPECT_EQ(PageWidths(folder / "b.pdf"), (std::vector<int>{100, 101, 300}));
-    EXPECT_FALSE(PathExists(folder / "a.pdf"));
   }
 }
 
