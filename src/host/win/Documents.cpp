@@ -254,16 +254,12 @@ class ComDocument final : public Document {
     return Wrap(type);
   }
   std::shared_ptr<SettingsCollection> WorksetSettings() override {
-    const ComPtr<IDispatch> workset = GetObjectMember(dispatch_.Get(), L"Workset");
-    if (!workset) return nullptr;
-    ComPtr<IDispatch> settings = GetObjectMember(workset.Get(), L"Settings");
+    ComPtr<IDispatch> settings = WorksetMember(L"Settings");
     if (!settings) return nullptr;
     return std::make_shared<ComSettings>(std::move(settings));
   }
   std::shared_ptr<HostApplication> WorksetApplication() override {
-    const ComPtr<IDispatch> workset = GetObjectMember(dispatch_.Get(), L"Workset");
-    if (!workset) return nullptr;
-    ComPtr<IDispatch> application = GetObjectMember(workset.Get(), L"Application");
+    ComPtr<IDispatch> application = WorksetMember(L"Application");
     if (!application) return nullptr;
     return std::make_shared<ComApplication>(std::move(application));
   }
@@ -274,6 +270,11 @@ class ComDocument final : public Document {
   }
 
  private:
+  // A member of the document's workset; null without a workset.
+  ComPtr<IDispatch> WorksetMember(const wchar_t* name) {
+    const ComPtr<IDispatch> workset = GetObjectMember(dispatch_.Get(), L"Workset");
+    return workset ? GetObjectMember(workset.Get(), name) : ComPtr<IDispatch>();
+  }
   ComPtr<IVemraDocument> document_;
   ComPtr<IDispatch> dispatch_;
 };

@@ -42,13 +42,8 @@ bool AcrobatWriter::DoPrint(const host::HostObjectRef& document,
                             const std::string& fileName) {
   return Procedure(kClassLabel, "IAcrobatWriter::DoPrint").Guard(false, [&] {
     std::string target;
-    switch (StartDoPrint(document, revisionFolder, fileName, target, true)) {
-      case Start::kFaulty:
-        return false;
-      case Start::kCopied:
-        return true;
-      case Start::kPrint:
-        break;
+    if (const auto done = StartDoPrint(document, revisionFolder, fileName, target, true)) {
+      return *done;
     }
     CheckPrnSettings();
     const host::HostObjectRef printer = device_.IPrinter();

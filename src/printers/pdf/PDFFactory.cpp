@@ -197,14 +197,9 @@ bool PDFFactory::DoPrint(const host::HostObjectRef& document, const host::HostOb
           false,
           [&](bool& result) {
             std::string target;
-            switch (StartDoPrint(document, revisionFolder, fileName, target, false)) {
-              case Start::kFaulty:
-                return Then::kReturn;
-              case Start::kCopied:
-                result = true;
-                return Then::kReturn;
-              case Start::kPrint:
-                break;
+            if (const auto done = StartDoPrint(document, revisionFolder, fileName, target, false)) {
+              result = *done;
+              return Then::kReturn;
             }
             if (!device_.IPrinter()) InitPrnSettings();
             if (!device_.IsPrinterAvailable(document)) {

@@ -30,23 +30,23 @@ std::string PdfRevisionPrinter::Q(std::string_view text) const {
   return std::string(label_) + ".IRevisionPrinter_DoPrint: " + std::string(text);
 }
 
-PdfRevisionPrinter::Start PdfRevisionPrinter::StartDoPrint(const host::HostObjectRef& document,
-                                                           const std::string& revisionFolder,
-                                                           const std::string& fileName,
-                                                           std::string& target, bool pointPrefix) {
+std::optional<bool> PdfRevisionPrinter::StartDoPrint(const host::HostObjectRef& document,
+                                                     const std::string& revisionFolder,
+                                                     const std::string& fileName,
+                                                     std::string& target, bool pointPrefix) {
   target = IRevisionPrinterDoPrintCheckAndUpdateParams(document, revisionFolder, fileName, *this);
   if (target.empty()) {
     WriteTrace(Q("printing revision aborted because parameters are faulty"));
-    return Start::kFaulty;
+    return false;
   }
   if (CheckAndCopyPDF(document, target)) {
     const std::string copied =
         std::string("document was a PDF already --> file copied into revision folder; ") +
         "revision successful";
     WriteTrace(pointPrefix ? Q(copied) : P(copied));
-    return Start::kCopied;
+    return true;
   }
-  return Start::kPrint;
+  return std::nullopt;
 }
 
 bool PdfRevisionPrinter::PrinterReady(const host::HostObjectRef& document,
@@ -89,14 +89,9 @@ bool AcrobatPrinter::AcrobatDoPrint(const host::HostObjectRef& document,
           false,
           [&](bool& result) {
             std::string target;
-            switch (StartDoPrint(document, revisionFolder, fileName, target, true)) {
-              case Start::kFaulty:
-                return Then::kReturn;
-              case Start::kCopied:
-                result = true;
-                return Then::kReturn;
-              case Start::kPrint:
-                break;
+            if (const auto done = StartDoPrint(document, revisionFolder, fileName, target, true)) {
+              result = *done;
+              return Then::kReturn;
             }
             // For its side effects: the printer chosen, the job-control flag.
             CheckPrnSettings();

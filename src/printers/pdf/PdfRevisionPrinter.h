@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -29,11 +30,12 @@ class PdfRevisionPrinter : public RevisionPrinterFrame {
   [[nodiscard]] std::string P(std::string_view text) const;
   [[nodiscard]] std::string Q(std::string_view text) const;
 
-  enum class Start { kPrint, kCopied, kFaulty };
   // The request checked (target built) and a document that is a PDF
-  // already copied; the short cut is traced with the prefix given.
-  Start StartDoPrint(const host::HostObjectRef& document, const std::string& revisionFolder,
-                     const std::string& fileName, std::string& target, bool pointPrefix);
+  // already copied, the short cut traced with the prefix given. Empty when
+  // printing goes on, else DoPrint's answer.
+  std::optional<bool> StartDoPrint(const host::HostObjectRef& document,
+                                   const std::string& revisionFolder, const std::string& fileName,
+                                   std::string& target, bool pointPrefix);
   // The printer selected, available and with an empty queue, its device
   // mode prepared for the document.
   bool PrinterReady(const host::HostObjectRef& document, const std::string& devModeText);
