@@ -24,6 +24,9 @@ class TraceService {
   virtual int32_t ShowMessageBox(const std::string& prompt, int32_t buttons,
                                  const std::string& title) = 0;
   virtual bool CopyFile(const std::string& source, const std::string& target, bool overwrite) = 0;
+  // The key that the workset's application is asked with Exist before its
+  // ApplicationPath is read; a host without one answers empty.
+  virtual std::string ApplicationPathKey() { return {}; }
 };
 
 // The host's diagnostic level and watcher of the component's live counters.

@@ -229,6 +229,21 @@ class ComSettings final : public SettingsCollection {
   ComPtr<IDispatch> settings_;
 };
 
+// Workset.Application: Exist(key) and ApplicationPath.
+class ComApplication final : public HostApplication {
+ public:
+  explicit ComApplication(ComPtr<IDispatch> application) : application_(std::move(application)) {}
+  bool Exist(const std::string& key) override { return AskExist(application_.Get(), key); }
+  std::string ApplicationPath() override {
+    OwnedVariant result;
+    Invoke(application_.Get(), L"ApplicationPath", DISPATCH_PROPERTYGET, {}, result.Put());
+    return VariantToString(ToVariant(result.Get()));
+  }
+
+ private:
+  ComPtr<IDispatch> application_;
+};
+
 class ComDocument final : public Document {
  public:
   ComDocument(ComPtr<IVemraDocument> document, ComPtr<IDispatch> dispatch)
@@ -239,11 +254,14 @@ class ComDocument final : public Document {
     return Wrap(type);
   }
   std::shared_ptr<SettingsCollection> WorksetSettings() override {
-    const ComPtr<IDispatch> workset = GetObjectMember(dispatch_.Get(), L"Workset");
-    if (!workset) return nullptr;
-    ComPtr<IDispatch> settings = GetObjectMember(workset.Get(), L"Settings");
+    ComPtr<IDispatch> settings = WorksetMember(L"Settings");
     if (!settings) return nullptr;
     return std::make_shared<ComSettings>(std::move(settings));
+  }
+  std::shared_ptr<HostApplication> WorksetApplication() override {
+    ComPtr<IDispatch> application = WorksetMember(L"Application");
+    if (!application) return nullptr;
+    return std::make_shared<ComApplication>(std::move(application));
   }
   HostObjectRef PrintSettings() override {
     OwnedVariant value;
@@ -252,6 +270,11 @@ class ComDocument final : public Document {
   }
 
  private:
+  // A member of the document's workset; null without a workset.
+  ComPtr<IDispatch> WorksetMember(const wchar_t* name) {
+    const ComPtr<IDispatch> workset = GetObjectMember(dispatch_.Get(), L"Workset");
+    return workset ? GetObjectMember(workset.Get(), name) : ComPtr<IDispatch>();
+  }
   ComPtr<IVemraDocument> document_;
   ComPtr<IDispatch> dispatch_;
 };

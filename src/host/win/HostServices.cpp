@@ -59,6 +59,12 @@ class ComTraceService final : public TraceService {
     return out.Utf8();
   }
 
+  std::string ApplicationPathKey() override {
+    Bstr key;
+    Check(service_->get_ApplicationPathKey(key.Put()));
+    return key.Utf8();
+  }
+
   int32_t CurrentTicks() override {
     long ticks = 0;
     Check(service_->CurrentTicks(&ticks));

@@ -224,12 +224,12 @@ std::shared_ptr<Printer> AsPrinter(const HostObjectRef& object) {
 }
 
 std::shared_ptr<DocFctDist> CreateDocFctDist() {
-  return std::make_shared<ComDocFctDist>(Create<IDocFctDist>(CLSID_DocFctDist));
+  return std::make_shared<ComDocFctDist>(Create<IDocFctDist>(__uuidof(::DocFctDist)));
 }
 
 std::shared_ptr<DocumentFileHelper> CreateDocumentFileHelper() {
   return std::make_shared<ComDocumentFileHelper>(
-      Create<IDocumentFileHelper>(CLSID_DocumentFileHelper));
+      Create<IDocumentFileHelper>(__uuidof(::DocumentFileHelper)));
 }
 
 std::shared_ptr<PrinterManager> CreatePrinterManager() {
