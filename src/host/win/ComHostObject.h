@@ -6,6 +6,7 @@
 
 #include "comkit/ComPtr.h"
 #include "comkit/Variant.h"
+#include "host/Documents.h"
 #include "host/HostObject.h"
 
 namespace kestrivon::host::win {
@@ -25,6 +26,9 @@ class ComHostObject : public HostObject {
 
 // nullptr for a missing object (NULL), as the host passes Nothing.
 HostObjectRef WrapHostObject(IDispatch* dispatch);
+
+// Workset.Settings of a late-bound workset; null for Nothing.
+std::shared_ptr<SettingsCollection> WrapSettings(IDispatch* settings);
 
 // Calls a member by name, the arguments in call order; raises the callee's
 // error (91 for a missing object).

@@ -265,6 +265,11 @@ ComPtr<Interface> Query(const HostObjectRef& object) {
 
 }  // namespace
 
+std::shared_ptr<SettingsCollection> win::WrapSettings(IDispatch* settings) {
+  if (settings == nullptr) return nullptr;
+  return std::make_shared<ComSettings>(ComPtr<IDispatch>::Share(settings));
+}
+
 std::shared_ptr<VemraObject> AsVemraObject(const HostObjectRef& object) {
   if (!object) return nullptr;
   return std::make_shared<ComVemraObject>(Query<IVemraObject>(object));
