@@ -3,26 +3,7 @@
 #include "platform/FileSystem.h"
 #include "runtime/RunTimeError.h"
 
-namespace kestrivon::host {
-namespace {
-
-template <class Interface>
-std::shared_ptr<Interface> As(const HostObjectRef& object) {
-  if (!object) return nullptr;
-  auto view = std::dynamic_pointer_cast<Interface>(object);
-  if (!view) Raise(vb_error::kTypeMismatch);
-  return view;
-}
-
-}  // namespace
-
-std::shared_ptr<HostApplication> AsHostApplication(const HostObjectRef& object) {
-  return As<HostApplication>(object);
-}
-
-std::shared_ptr<Workset> AsWorkset(const HostObjectRef& object) { return As<Workset>(object); }
-
-namespace portable {
+namespace kestrivon::host::portable {
 
 std::string GlobalsObject::ConfigDirectory() {
   const auto it = values.find("ConfigDirectory");
@@ -46,5 +27,4 @@ std::string FileSystemObjectImpl::GetFileVersion(const std::string& path) {
   return it == versions.end() ? std::string() : it->second;
 }
 
-}  // namespace portable
-}  // namespace kestrivon::host
+}  // namespace kestrivon::host::portable

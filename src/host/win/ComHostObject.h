@@ -2,6 +2,7 @@
 
 #include <oaidl.h>
 
+#include <string>
 #include <vector>
 
 #include "comkit/ComPtr.h"
@@ -26,6 +27,14 @@ class ComHostObject : public HostObject {
 
 // nullptr for a missing object (NULL), as the host passes Nothing.
 HostObjectRef WrapHostObject(IDispatch* dispatch);
+
+// The object a member answered: null for Nothing (Empty, Null, a null
+// object); raises 13 for a value that is no object.
+ComPtr<IDispatch> ObjectOf(VARIANT& value);
+
+// A Variant holding an array of strings, as the run time passes a String
+// array.
+comkit::Variant StringArray(const std::vector<std::string>& items);
 
 // Workset.Settings of a late-bound workset; null for Nothing.
 std::shared_ptr<SettingsCollection> WrapSettings(IDispatch* settings);

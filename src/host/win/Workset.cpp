@@ -30,23 +30,10 @@ IDispatch* DispatchOf(const HostObjectRef& object) {
   return com->Dispatch();
 }
 
-// The object a member answered; null for Nothing.
-ComPtr<IDispatch> ObjectOf(VARIANT& value) {
-  if (V_VT(&value) == VT_DISPATCH) return ComPtr<IDispatch>::Share(V_DISPATCH(&value));
-  if (V_VT(&value) == VT_UNKNOWN && V_UNKNOWN(&value) != nullptr) {
-    ComPtr<IDispatch> dispatch;
-    Check(V_UNKNOWN(&value)->QueryInterface(IID_IDispatch, dispatch.PutVoid()));
-    return dispatch;
-  }
-  if (V_VT(&value) == VT_EMPTY || V_VT(&value) == VT_NULL) return {};
-  if (V_VT(&value) == VT_UNKNOWN) return {};
-  Raise(vb_error::kTypeMismatch);
-}
-
 ComPtr<IDispatch> Member(IDispatch* object, const wchar_t* name, std::vector<VARIANT> args = {}) {
   OwnedVariant result;
   win::Invoke(object, name, kGet, std::move(args), result.Put());
-  return ObjectOf(result.Get());
+  return win::ObjectOf(result.Get());
 }
 
 OwnedVariant Value(IDispatch* object, const wchar_t* name, VARTYPE type,
@@ -189,16 +176,7 @@ class ComTiffMerge final : public TiffMerge, Late {
  public:
   using Late::Late;
   bool Merge(const std::vector<std::string>& files, const std::string& target) override {
-    // The files as a Variant holding an array of strings.
-    OwnedVariant list;
-    SAFEARRAY* array = SafeArrayCreateVector(VT_BSTR, 0, static_cast<ULONG>(files.size()));
-    if (array == nullptr) Raise(vb_error::kOutOfMemory);
-    V_VT(list.Put()) = VT_ARRAY | VT_BSTR;
-    V_ARRAY(&list.Get()) = array;
-    for (LONG i = 0; i < static_cast<LONG>(files.size()); ++i) {
-      comkit::Bstr file(files[static_cast<size_t>(i)]);
-      Check(SafeArrayPutElement(array, &i, file.Get()));
-    }
+    const OwnedVariant list = win::StringArray(files);
     const auto targetArgument = OwnedVariant::Text(target);
     OwnedVariant result;
     win::Invoke(Object(), L"Merge", kGet, {list.Get(), targetArgument.Get()}, result.Put());
