@@ -14,9 +14,6 @@
 namespace kestrivon {
 namespace {
 
-const std::string kLabel = labels::kHARPConfiguration;
-const std::string kExecute = kLabel + "::ExecuteConvertCommand():";
-const std::string kInsert = kLabel + "::InsertPaperSizeValues(): ";
 constexpr const char* kCrLf = "\r\n";
 constexpr const char* kPostScript = "%PostScriptFullFileName%";
 constexpr const char* kConversion = "%ConversionFullFileName%";
@@ -65,37 +62,44 @@ bool HARPConfiguration::ExecuteConvertCommand(const PageDescription& page,
         path = Replace(path, "\"", "");
         const std::string version = WorksetFileSystem()->GetFileVersion(path);
         Trace(kTraceInformation,
-              kExecute + " Gs Exe path - " + path + " its version is - " + version);
+              "VemraKestrivon::HARPConfiguration::ExecuteConvertCommand(): Gs Exe path - " + path +
+                  " its version is - " + version);
         WorksetGlobals()->SetHARPGhostScriptPath(path);
         WorksetGlobals()->SetHARPGhostScriptVersion(WorksetFileSystem()->GetFileVersion(path));
       }
       command = Replace(command, "%" + key + "%", value);
     }
     command = Replace(command, kPostScript, EncloseString(postScriptFullFileName));
-    Trace(kTraceInformation,
-          "xxx xxx xxx " + kExecute + " 'PrinterRedirection' replacement: '" + command + "'");
+    Trace(
+        kTraceInformation,
+        "xxx xxx xxx VemraKestrivon::HARPConfiguration::ExecuteConvertCommand(): 'PrinterRedirection' replacement: '" +
+            command + "'");
     command = Replace(command, kConversion, EncloseString(conversionFullFileName));
-    Trace(kTraceInformation, "xxx xxx xxx " + kExecute +
-                                 " 'ConvertCommandOutputFullFileName' Replacement: '" + command +
-                                 "'");
+    Trace(
+        kTraceInformation,
+        "xxx xxx xxx VemraKestrivon::HARPConfiguration::ExecuteConvertCommand(): 'ConvertCommandOutputFullFileName' Replacement: '" +
+            command + "'");
     command = PlaceHolderSubstitution(command);
     command = InsertPaperSizeValues(page, command);
-    const std::string prefix = kLabel + ".ExecuteConvertCommand(): ";
     if (command.empty()) {
-      Trace(kTraceFailure, prefix + "Generating conversion command failed");
+      Trace(
+          kTraceFailure,
+          "VemraKestrivon::HARPConfiguration.ExecuteConvertCommand(): Generating conversion command failed");
       return false;
     }
     WorksetGlobals()->SetHARPGhostScriptConvertCommand(command);
     const int64_t milliseconds = int64_t{timeOut_} * 1000;
     if (milliseconds > INT32_MAX || milliseconds < INT32_MIN) Raise(vb_error::kOverflow);
-    Trace(kTraceInformation, prefix + "\tExecuting convert command:" + kCrLf + "\t\t'" + command +
-                                 "'..." + kCrLf + std::string(70, '-') + kCrLf);
+    Trace(kTraceInformation,
+          std::string("VemraKestrivon::HARPConfiguration.ExecuteConvertCommand(): ") +
+              "\tExecuting convert command:" + kCrLf + "\t\t'" + command + "'..." + kCrLf +
+              std::string(70, '-') + kCrLf);
     if (!SyncShell(command, static_cast<int32_t>(milliseconds), false, true)) {
-      Trace(kTraceInformation, kExecute + kCrLf + "\t- 'Globals.SyncShell()' failed." + kCrLf +
-                                   "\t- sCommandLine= '" + command + "'" + kCrLf +
-                                   "\t- lngMilliSecondsTimeOut= '" + std::to_string(milliseconds) +
-                                   "'" + kCrLf + "\t- blnWaitForInputIdle= False" + kCrLf +
-                                   "\t- blnHidden=True" + kCrLf);
+      Trace(kTraceInformation,
+            "VemraKestrivon::HARPConfiguration::ExecuteConvertCommand():" + std::string(kCrLf) +
+                "\t- 'Globals.SyncShell()' failed." + kCrLf + "\t- sCommandLine= '" + command +
+                "'" + kCrLf + "\t- lngMilliSecondsTimeOut= '" + std::to_string(milliseconds) + "'" +
+                kCrLf + "\t- blnWaitForInputIdle= False" + kCrLf + "\t- blnHidden=True" + kCrLf);
       return false;
     }
     return true;
@@ -134,15 +138,24 @@ std::string HARPConfiguration::InsertPaperSizeValues(const PageDescription& page
     if (Holds(text, "%LayoutOrientation%")) {
       std::string value;
       if (page.portrait) {
-        Trace(kTraceInformation, "xxx xxx xxx " + kInsert + "layout: 'Portrait'");
+        Trace(
+            kTraceInformation,
+            "xxx xxx xxx VemraKestrivon::HARPConfiguration::InsertPaperSizeValues(): layout: 'Portrait'");
         value = portrait_;
       } else {
-        Trace(kTraceInformation, "xxx xxx xxx " + kInsert + "layout: 'Landscape'");
+        Trace(
+            kTraceInformation,
+            "xxx xxx xxx VemraKestrivon::HARPConfiguration::InsertPaperSizeValues(): layout: 'Landscape'");
         value = landscape_;
       }
-      Trace(kTraceInformation, "xxx xxx xxx " + kInsert + "Orientation value = '" + value + "'");
+      Trace(
+          kTraceInformation,
+          "xxx xxx xxx VemraKestrivon::HARPConfiguration::InsertPaperSizeValues(): Orientation value = '" +
+              value + "'");
       if (value.empty()) {
-        Trace(kTraceInformation, kInsert + "Setting orientation to default value (Portrait)...");
+        Trace(
+            kTraceInformation,
+            "VemraKestrivon::HARPConfiguration::InsertPaperSizeValues(): Setting orientation to default value (Portrait)...");
         // The key's name, not its setting.
         value = "ConvertCommandPortrait";
       }

@@ -17,9 +17,8 @@
 namespace kestrivon {
 namespace {
 
-const std::string kLabel = labels::kHARPConfiguration;
-const std::string kLoad = kLabel + "::LoadSettingsFromIniFile(): ";
-const std::string kPaper = kLabel + "::InitializePaperSizeFormatString(): ";
+const std::string kLoad = "VemraKestrivon::HARPConfiguration::LoadSettingsFromIniFile(): ";
+const std::string kPaper = "VemraKestrivon::HARPConfiguration::InitializePaperSizeFormatString(): ";
 constexpr const char* kDefault = "Default";
 constexpr const char* kCrLf = "\r\n";
 constexpr int32_t kDefaultTimeOut = 30;
@@ -84,15 +83,15 @@ HARPConfiguration::HARPConfiguration() {
             if (configDirectory) return;
             Trace(
                 kTraceFailure,
-                kLabel +
-                    "::Class_Initialize(): MsgBox: 'Retrieving configuration path failed.' (-> Workset.Globals.ConfigDirectory has not been set)");
+                "VemraKestrivon::HARPConfiguration::Class_Initialize(): MsgBox: 'Retrieving configuration path failed.' (-> Workset.Globals.ConfigDirectory has not been set)");
             TraceServiceObject().ShowMessageBox(Resolved(messages::k0407e), kCriticalOk,
                                                 Resolved(messages::k01d8c));
           },
           [&] {
             if (configFileLoaded_) return;
-            Trace(kTraceFailure, std::string(kCrLf) + kLabel + "::Class_Initialize():" + kCrLf +
-                                     "\t- 'Me.LoadSettingsFromIniFile()' failed." + kCrLf +
+            Trace(kTraceFailure, std::string(kCrLf) +
+                                     "VemraKestrivon::HARPConfiguration::Class_Initialize():" +
+                                     kCrLf + "\t- 'Me.LoadSettingsFromIniFile()' failed." + kCrLf +
                                      "\t- sIniFullFileName= '" + iniFile + "'" + kCrLf + "\t");
           });
 }
@@ -201,7 +200,9 @@ bool HARPConfiguration::LoadSettingsFromIniFile(const std::string& ini) {
     errorSummary_.clear();
     if (!IniFileFound(ini)) {
       errorSummary_ = Resolved(messages::k033d3) + kCrLf;
-      WriteTrace(kLoad + "file does not exist: '" + ini + "'");
+      WriteTrace(
+          "VemraKestrivon::HARPConfiguration::LoadSettingsFromIniFile(): file does not exist: '" +
+          ini + "'");
       return false;
     }
     auto read = [&](const char* key, const std::string& fallback) {
@@ -217,8 +218,9 @@ bool HARPConfiguration::LoadSettingsFromIniFile(const std::string& ini) {
     SetPrinterRedirection(read("PrinterRedirection", TempFileName("PS")));
     if (!CheckCreateOutputFolder(PrinterRedirection())) {
       AppendToPrinterSettingsErrorSummary(Resolved(messages::k05d87));
-      Trace(kTraceFailure,
-            kLabel + ".LoadSettingsFromIniFile: " + "Printer output folder does not exist");
+      Trace(
+          kTraceFailure,
+          "VemraKestrivon::HARPConfiguration.LoadSettingsFromIniFile: Printer output folder does not exist");
     }
     revisionExtension_ = read("RevisionExtension", ".PDF");
     Trace(kTraceInformation, kLoad + "Revision archive extension is : " + revisionExtension_);

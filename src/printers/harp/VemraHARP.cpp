@@ -15,8 +15,6 @@
 namespace kestrivon {
 namespace {
 
-const std::string kLabel = labels::kVemraHARP;
-
 // The text from the last dot on, dot included; empty without a dot.
 std::string ExtensionOf(const std::string& fileName) {
   const size_t dot = vb::InStrRev(fileName, ".");
@@ -31,12 +29,14 @@ VemraHARP::VemraHARP() {
   Procedure(kClassLabel, "Private Sub 'Class_Initialize'")
       .Steps(
           [&] {
-            Trace(kTraceFailure, kLabel + " Class_Initialize: Harp Printer is not supported");
+            Trace(kTraceFailure,
+                  "VemraKestrivon::VemraHARP Class_Initialize: Harp Printer is not supported");
           },
           [&] { configuration_ = std::make_unique<HARPConfiguration>(); },
           [&] {
             traceSource_ = MakePrinterTraceSource();
-            if (!traceSource_) WriteTrace(kLabel + " :: Initialize Printer TraceSource failed");
+            if (!traceSource_)
+              WriteTrace("VemraKestrivon::VemraHARP :: Initialize Printer TraceSource failed");
           });
 }
 
@@ -81,8 +81,7 @@ std::string VemraHARP::CheckPrnSettings() {
             if (unnamed) {
               Trace(
                   kTraceInformation,
-                  kLabel +
-                      ".IRevisionPrinter_CheckPrnSettings(): g_PrinterName is empty -> Calling IRevisionPrinter_InitPrnSettings.");
+                  "VemraKestrivon::VemraHARP.IRevisionPrinter_CheckPrnSettings(): g_PrinterName is empty -> Calling IRevisionPrinter_InitPrnSettings.");
             }
           },
           [&] {
@@ -97,7 +96,8 @@ std::string VemraHARP::CheckPrnSettings() {
           },
           [&] {
             if (missing) {
-              Trace(kTraceFailure, kLabel + ".CheckPrnSettings(): Printer is not installed yet");
+              Trace(kTraceFailure,
+                    "VemraKestrivon::VemraHARP.CheckPrnSettings(): Printer is not installed yet");
             }
           },
           // Never cleared: a second call repeats the printer message.
@@ -121,11 +121,13 @@ bool VemraHARP::SetPrnDefaults() {
 bool VemraHARP::DoPrint(const host::HostObjectRef& document, const host::HostObjectRef& owner,
                         const std::string& /*revisionFolder*/, const std::string& /*fileName*/) {
   Procedure(kClassLabel, "Private Function IRevisionPrinter_DoPrint")
-      .Steps([&] { document_ = document; }, [&] { owner_ = owner; },
-             [&] {
-               Trace(kTraceFailure,
-                     kLabel + ".IRevisionPrinter_DoPrint(): Harp Printer is not supported");
-             });
+      .Steps(
+          [&] { document_ = document; }, [&] { owner_ = owner; },
+          [&] {
+            Trace(
+                kTraceFailure,
+                "VemraKestrivon::VemraHARP.IRevisionPrinter_DoPrint(): Harp Printer is not supported");
+          });
   return false;
 }
 
@@ -140,8 +142,11 @@ bool VemraHARP::AppendFile(const std::string& fileToAppend, const std::string& f
                } else if (extension == ".TIF") {
                  result = GenericMergeTiffFiles(fileToAppend, fileMain);
                } else {
-                 Trace(kTraceFailure, kLabel + ".IRevisionPrinter_AppendFile(): File format (" +
-                                          extension + ") is not supported by HARP");
+                 Trace(
+                     kTraceFailure,
+                     std::string(
+                         "VemraKestrivon::VemraHARP.IRevisionPrinter_AppendFile(): File format (") +
+                         extension + ") is not supported by HARP");
                }
              });
   return result;
@@ -178,7 +183,7 @@ bool VemraHARP::GenericMergeTiffFiles(const std::string& srcFile, const std::str
         } else {
           Trace(
               kTraceFailure,
-              kLabel + ".GenericMergeTiffFiles(srcFile (String)trgtFile (String)): merging failed");
+              "VemraKestrivon::VemraHARP.GenericMergeTiffFiles(srcFile (String)trgtFile (String)): merging failed");
         }
         platform::DeleteFileWithForce(temporary, false);
         return result;

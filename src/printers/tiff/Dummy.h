@@ -10,8 +10,8 @@ namespace kestrivon {
 // The state and helpers of a print through the TIFF driver: two completion
 // flags, the image file produced, the TIFF file that belongs to a driver
 // group file, one value of a group file, and the error code of a driver
-// message. An internal object without any driver control; no operation of
-// the component uses it today.
+// message. An internal object without the driver's control (the form's
+// "BiPrnDrv1"); no operation of the component uses it today.
 class Dummy {
  public:
   static constexpr const char* kClassLabel = labels::kDummy;

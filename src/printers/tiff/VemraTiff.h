@@ -21,6 +21,12 @@ class VemraTiff final : public RevisionPrinterFrame {
   VemraTiff(const VemraTiff&) = delete;
   VemraTiff& operator=(const VemraTiff&) = delete;
 
+  // Texts of a TIFF merge the class once had; it holds them, nothing writes
+  // them (nor calls CopyTiffImageInFile of "Tiff32.dll").
+  static constexpr const char* kMergeTiffFilesPrefix = "::MergeTiffFiles(): ";
+  static constexpr const char* kMergeTiffFilesRemoved =
+      "Removed the code inside MergeTiffFiles() to remove dependency on BlackIce Printer";
+
   std::string Extension() override { return ".TIF"; }
   bool DoPrint(const host::HostObjectRef& document, const host::HostObjectRef& owner,
                const std::string& revisionFolder, const std::string& fileName) override;
