@@ -300,26 +300,17 @@ class TiffMergeObject final : public LateBound {
   }
 };
 
-ComPtr<IDispatch>& KeptApplication() {
-  static ComPtr<IDispatch> application;
-  return application;
-}
-
-ComPtr<IDispatch>& KeptWorkset() {
-  static ComPtr<IDispatch> workset;
-  return workset;
-}
-
-HRESULT HandOutKept(IDispatch** out, bool application) {
+// A new one per call: nothing is kept, so the DLL can unload between runs.
+HRESULT HandOutNew(IDispatch** out, bool application) {
   if (out == nullptr) return E_POINTER;
   *out = nullptr;
   return comkit::Answered([&] {
-    if (!KeptWorkset()) {
-      KeptWorkset() = NewWorkset();
-      KeptApplication() = Make<Composite>(std::initializer_list<const wchar_t*>{L"Workset"},
-                                          std::vector{KeptWorkset()});
+    ComPtr<IDispatch> workset = NewWorkset();
+    if (application) {
+      workset =
+          Make<Composite>(std::initializer_list<const wchar_t*>{L"Workset"}, std::vector{workset});
     }
-    *out = ComPtr<IDispatch>(application ? KeptApplication() : KeptWorkset()).Detach();
+    *out = workset.Detach();
     return S_OK;
   });
 }
@@ -345,8 +336,8 @@ HRESULT CreateTiffMerge(REFIID riid, void** object) {
   return Create(riid, object, [] { return Make<TiffMergeObject>(); });
 }
 
-HRESULT KitApplication(IDispatch** application) { return HandOutKept(application, true); }
+HRESULT KitApplication(IDispatch** application) { return HandOutNew(application, true); }
 
-HRESULT KitWorkset(IDispatch** workset) { return HandOutKept(workset, false); }
+HRESULT KitWorkset(IDispatch** workset) { return HandOutNew(workset, false); }
 
 }  // namespace kestrivon::hostkit::com

@@ -23,8 +23,8 @@ HRESULT CreateWorkset(REFIID riid, void** object);
 HRESULT CreateTraceFacility(REFIID riid, void** object);
 HRESULT CreateTiffMerge(REFIID riid, void** object);
 
-// TraceService.Application and GetObject("Workset"): the process's one
-// host application and its workset, made on first use.
+// TraceService.Application and GetObject("Workset"): a new host
+// application with its workset, or a new workset, per call.
 HRESULT KitApplication(IDispatch** application);
 HRESULT KitWorkset(IDispatch** workset);
 
