@@ -291,7 +291,7 @@ void HARPConfiguration::InitializePaperSizeFormatString(const std::string& ini) 
     if (!IsNumeric(Variant(precision))) {
       Trace(kTraceFailure,
             kPaper + "'ConvertCommandPrecision' is not a number -> using default precision (2')");
-      precision = "2";
+      precision.assign(1, '2');  // not = "2": GCC 12 warns falsely (-Wrestrict) for 32 bits
     }
     // CInt: a whole number of 16 bits.
     const int32_t n = VariantToLong(Variant(precision));
