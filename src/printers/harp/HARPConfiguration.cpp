@@ -69,14 +69,19 @@ double LeadingNumber(const std::string& text) {
 
 HARPConfiguration::HARPConfiguration() {
   bool configDirectory = false;
+  // Asked for once; both look-ups go to the same workset.
+  std::shared_ptr<host::WorksetGlobals> globals;
   std::string iniFile;
   Procedure(kClassLabel, "Private Sub Class_Initialize")
       .Steps(
           [&] { SetPrinterTrace(); },
-          [&] { configDirectory = Required(WorksetGlobals()).Exist("ConfigDirectory"); },
+          [&] {
+            globals = WorksetGlobals();
+            configDirectory = globals->Exist("ConfigDirectory");
+          },
           [&] {
             if (!configDirectory) return;
-            iniFile = WorksetGlobals()->ConfigDirectory() + "HARP.ini";
+            iniFile = globals->ConfigDirectory() + "HARP.ini";
             configFileLoaded_ = LoadSettingsFromIniFile(iniFile);
           },
           [&] {
