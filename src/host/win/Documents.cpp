@@ -28,22 +28,10 @@ using win::Check;
 
 using win::Invoke;
 
-// The object a member answered; null for Nothing.
-ComPtr<IDispatch> DispatchOf(VARIANT& value) {
-  if (V_VT(&value) == VT_DISPATCH) return ComPtr<IDispatch>::Share(V_DISPATCH(&value));
-  if (V_VT(&value) == VT_UNKNOWN && V_UNKNOWN(&value) != nullptr) {
-    ComPtr<IDispatch> dispatch;
-    Check(V_UNKNOWN(&value)->QueryInterface(IID_IDispatch, dispatch.PutVoid()));
-    return dispatch;
-  }
-  if (V_VT(&value) == VT_EMPTY || V_VT(&value) == VT_NULL) return {};
-  Raise(vb_error::kTypeMismatch);
-}
-
 ComPtr<IDispatch> GetObjectMember(IDispatch* object, const wchar_t* name) {
   OwnedVariant result;
   Invoke(object, name, DISPATCH_PROPERTYGET | DISPATCH_METHOD, {}, result.Put());
-  return DispatchOf(result.Get());
+  return win::ObjectOf(result.Get());
 }
 
 Variant ToVariant(VARIANT& value) {
@@ -106,7 +94,7 @@ class ComMessagePack final : public MessagePack {
   std::shared_ptr<MessageEntry> AddNew() override {
     OwnedVariant result;
     Invoke(pack_.Get(), L"AddNew", DISPATCH_METHOD | DISPATCH_PROPERTYGET, {}, result.Put());
-    ComPtr<IDispatch> entry = DispatchOf(result.Get());
+    ComPtr<IDispatch> entry = win::ObjectOf(result.Get());
     if (!entry) return nullptr;
     return std::make_shared<ComMessageEntry>(std::move(entry));
   }
@@ -287,6 +275,11 @@ ComPtr<Interface> Query(const HostObjectRef& object) {
 }
 
 }  // namespace
+
+std::shared_ptr<SettingsCollection> win::WrapSettings(IDispatch* settings) {
+  if (settings == nullptr) return nullptr;
+  return std::make_shared<ComSettings>(ComPtr<IDispatch>::Share(settings));
+}
 
 std::shared_ptr<VemraObject> AsVemraObject(const HostObjectRef& object) {
   if (!object) return nullptr;

@@ -189,17 +189,7 @@ class ComPdfMerge final : public PdfMerge {
   explicit ComPdfMerge(ComPtr<IDispatch> merge) : merge_(std::move(merge)) {}
   bool Merge(const std::string& options, const std::vector<std::string>& files,
              const std::string& target) override {
-    // The files as a Variant holding an array of strings, as the run time
-    // passes a String array.
-    OwnedVariant list;
-    SAFEARRAY* array = SafeArrayCreateVector(VT_BSTR, 0, static_cast<ULONG>(files.size()));
-    if (array == nullptr) Raise(vb_error::kOutOfMemory);
-    V_VT(list.Put()) = VT_ARRAY | VT_BSTR;
-    V_ARRAY(&list.Get()) = array;
-    for (LONG i = 0; i < static_cast<LONG>(files.size()); ++i) {
-      Bstr file(files[static_cast<size_t>(i)]);
-      Check(SafeArrayPutElement(array, &i, file.Get()));
-    }
+    const OwnedVariant list = win::StringArray(files);
     const auto optionsArgument = OwnedVariant::Text(options);
     const auto targetArgument = OwnedVariant::Text(target);
     OwnedVariant result;
