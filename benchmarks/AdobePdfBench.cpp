@@ -42,6 +42,8 @@ class QuietHost : public host::TraceService, public host::InstanceMonitor {
     return fs::copy_file(pp::HostPath(source), pp::HostPath(target),
                          fs::copy_options::overwrite_existing, error);
   }
+  host::HostObjectRef Application() override { return nullptr; }
+  host::HostObjectRef GetObject(const std::string&) override { return nullptr; }
   void RegisterCounter(const std::string&, int32_t*) override {}
   int32_t GetLevel() override { return 0; }
   int errors = 0;

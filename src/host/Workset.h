@@ -27,14 +27,6 @@ class WorksetGlobals {
   virtual void SetHARPGhostScriptConvertCommand(const std::string& command) = 0;
 };
 
-// Workset.Application.
-class WorksetApplication {
- public:
-  virtual ~WorksetApplication() = default;
-  virtual bool Exist(const std::string& key) = 0;
-  virtual std::string ApplicationPath() = 0;
-};
-
 // Workset.FileSystem: the members of the scripting file-system object used.
 class FileSystemObject {
  public:
@@ -48,15 +40,15 @@ class Workset {
  public:
   virtual ~Workset() = default;
   virtual std::shared_ptr<WorksetGlobals> Globals() = 0;
-  virtual std::shared_ptr<WorksetApplication> Application() = 0;
+  virtual std::shared_ptr<HostApplication> Application() = 0;
   virtual std::shared_ptr<SettingsCollection> Settings() = 0;
   virtual std::shared_ptr<FileSystemObject> FileSystem() = 0;
 };
 
 // The running host application (TraceService.Application).
-class HostApplication {
+class RunningApplication {
  public:
-  virtual ~HostApplication() = default;
+  virtual ~RunningApplication() = default;
   // Null when the application has no workset open.
   virtual HostObjectRef Workset() = 0;
 };
@@ -86,7 +78,7 @@ class TiffMerge {
 
 // A host object seen as the application or a workset: null for null;
 // raises 13 when it is neither.
-std::shared_ptr<HostApplication> AsHostApplication(const HostObjectRef& object);
+std::shared_ptr<RunningApplication> AsRunningApplication(const HostObjectRef& object);
 std::shared_ptr<Workset> AsWorkset(const HostObjectRef& object);
 
 // GetObject("", "Vemra"): a new object of the host's class Vemra, taken as

@@ -8,7 +8,7 @@ namespace kestrivon {
 std::shared_ptr<host::Workset> GetWorkset() {
   return Procedure(kGlobalsLabel, "GetWorkset").Guard(std::shared_ptr<host::Workset>(), [] {
     std::shared_ptr<host::Workset> workset;
-    const auto application = host::AsHostApplication(TraceServiceObject().Application());
+    const auto application = host::AsRunningApplication(TraceServiceObject().Application());
     if (!application) {
       WriteTrace("VemraKestrivon::Globals::GetWorkset(): Application() is nothing");
     } else {

@@ -92,7 +92,7 @@ class NativeBackend final : public revise::ReviseBackend {
         .tiffMerge = [] { return std::shared_ptr<host::TiffMerge>(std::make_shared<TiffMerge>()); },
     };
     // The host application with its workset, as Vemra has them while it runs.
-    auto application = std::make_shared<host::portable::HostApplicationObject>();
+    auto application = std::make_shared<host::portable::RunningApplicationObject>();
     application->workset = NewWorkset();
     kit_->traceService->SetApplication(application, application->workset);
     if (const auto file = GetEnvironment(kPrintWorldVariable)) {

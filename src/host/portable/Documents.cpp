@@ -30,8 +30,8 @@ std::shared_ptr<Document> AsDocument(const HostObjectRef& object) { return As<Do
 
 std::shared_ptr<Printer> AsPrinter(const HostObjectRef& object) { return As<Printer>(object); }
 
-std::shared_ptr<HostApplication> AsHostApplication(const HostObjectRef& object) {
-  return As<HostApplication>(object);
+std::shared_ptr<RunningApplication> AsRunningApplication(const HostObjectRef& object) {
+  return As<RunningApplication>(object);
 }
 
 std::shared_ptr<Workset> AsWorkset(const HostObjectRef& object) { return As<Workset>(object); }

@@ -39,14 +39,6 @@ class GlobalsObject : public HostObject, public WorksetGlobals {
   void Record(const std::string& member, const std::string& value);
 };
 
-class WorksetApplicationObject : public HostObject, public WorksetApplication {
- public:
-  std::map<std::string, std::string> keys;  // Exist answers for these
-  std::string applicationPath;
-  bool Exist(const std::string& key) override { return keys.count(key) != 0; }
-  std::string ApplicationPath() override { return applicationPath; }
-};
-
 // FileExists through the platform seam; the portable file system carries no
 // version resources, so a version is what the test or host kit sets.
 class FileSystemObjectImpl : public HostObject, public FileSystemObject {
@@ -60,17 +52,16 @@ class FileSystemObjectImpl : public HostObject, public FileSystemObject {
 class WorksetObject : public HostObject, public Workset {
  public:
   std::shared_ptr<GlobalsObject> globals = std::make_shared<GlobalsObject>();
-  std::shared_ptr<WorksetApplicationObject> application =
-      std::make_shared<WorksetApplicationObject>();
+  std::shared_ptr<ApplicationObject> application = std::make_shared<ApplicationObject>();
   std::shared_ptr<SettingsObject> settings = std::make_shared<SettingsObject>();
   std::shared_ptr<FileSystemObjectImpl> fileSystem = std::make_shared<FileSystemObjectImpl>();
   std::shared_ptr<WorksetGlobals> Globals() override { return globals; }
-  std::shared_ptr<WorksetApplication> Application() override { return application; }
+  std::shared_ptr<HostApplication> Application() override { return application; }
   std::shared_ptr<SettingsCollection> Settings() override { return settings; }
   std::shared_ptr<FileSystemObject> FileSystem() override { return fileSystem; }
 };
 
-class HostApplicationObject : public HostObject, public HostApplication {
+class RunningApplicationObject : public HostObject, public RunningApplication {
  public:
   HostObjectRef workset;
   HostObjectRef Workset() override { return workset; }

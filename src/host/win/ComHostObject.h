@@ -38,6 +38,8 @@ comkit::Variant StringArray(const std::vector<std::string>& items);
 
 // Workset.Settings of a late-bound workset; null for Nothing.
 std::shared_ptr<SettingsCollection> WrapSettings(IDispatch* settings);
+// Workset.Application of a late-bound workset; null for Nothing.
+std::shared_ptr<HostApplication> WrapApplication(IDispatch* application);
 
 // Calls a member by name, the arguments in call order; raises the callee's
 // error (91 for a missing object).

@@ -247,9 +247,7 @@ class ComDocument final : public Document {
     return std::make_shared<ComSettings>(std::move(settings));
   }
   std::shared_ptr<HostApplication> WorksetApplication() override {
-    ComPtr<IDispatch> application = WorksetMember(L"Application");
-    if (!application) return nullptr;
-    return std::make_shared<ComApplication>(std::move(application));
+    return win::WrapApplication(WorksetMember(L"Application").Get());
   }
   HostObjectRef PrintSettings() override {
     OwnedVariant value;
@@ -275,6 +273,11 @@ ComPtr<Interface> Query(const HostObjectRef& object) {
 }
 
 }  // namespace
+
+std::shared_ptr<HostApplication> win::WrapApplication(IDispatch* application) {
+  if (application == nullptr) return nullptr;
+  return std::make_shared<ComApplication>(ComPtr<IDispatch>::Share(application));
+}
 
 std::shared_ptr<SettingsCollection> win::WrapSettings(IDispatch* settings) {
   if (settings == nullptr) return nullptr;

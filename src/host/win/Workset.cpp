@@ -109,13 +109,6 @@ class ComGlobals final : public WorksetGlobals, Late {
   }
 };
 
-class ComWorksetApplication final : public WorksetApplication, Late {
- public:
-  using Late::Late;
-  bool Exist(const std::string& key) override { return Truth(Object(), L"Exist", key); }
-  std::string ApplicationPath() override { return Text(Object(), L"ApplicationPath"); }
-};
-
 class ComFileSystem final : public FileSystemObject, Late {
  public:
   using Late::Late;
@@ -131,8 +124,8 @@ class ComWorkset final : public Workset, Late {
   std::shared_ptr<WorksetGlobals> Globals() override {
     return WrapOrNull<ComGlobals>(Member(Object(), L"Globals"));
   }
-  std::shared_ptr<WorksetApplication> Application() override {
-    return WrapOrNull<ComWorksetApplication>(Member(Object(), L"Application"));
+  std::shared_ptr<HostApplication> Application() override {
+    return win::WrapApplication(Member(Object(), L"Application").Get());
   }
   std::shared_ptr<SettingsCollection> Settings() override {
     return win::WrapSettings(Member(Object(), L"Settings").Get());
@@ -142,7 +135,7 @@ class ComWorkset final : public Workset, Late {
   }
 };
 
-class ComHostApplication final : public HostApplication, Late {
+class ComRunningApplication final : public RunningApplication, Late {
  public:
   using Late::Late;
   HostObjectRef Workset() override {
@@ -188,9 +181,9 @@ class ComTiffMerge final : public TiffMerge, Late {
 
 }  // namespace
 
-std::shared_ptr<HostApplication> AsHostApplication(const HostObjectRef& object) {
+std::shared_ptr<RunningApplication> AsRunningApplication(const HostObjectRef& object) {
   if (!object) return nullptr;
-  return std::make_shared<ComHostApplication>(ComPtr<IDispatch>::Share(DispatchOf(object)));
+  return std::make_shared<ComRunningApplication>(ComPtr<IDispatch>::Share(DispatchOf(object)));
 }
 
 std::shared_ptr<Workset> AsWorkset(const HostObjectRef& object) {

@@ -99,8 +99,8 @@ class HarpTest : public ::testing::Test {
   std::shared_ptr<RecordingFacility> facility = std::make_shared<RecordingFacility>();
   std::shared_ptr<host::portable::WorksetObject> workset =
       std::make_shared<host::portable::WorksetObject>();
-  std::shared_ptr<host::portable::HostApplicationObject> application =
-      std::make_shared<host::portable::HostApplicationObject>();
+  std::shared_ptr<host::portable::RunningApplicationObject> application =
+      std::make_shared<host::portable::RunningApplicationObject>();
   std::shared_ptr<host::portable::PrinterManagerObject> printers =
       std::make_shared<host::portable::PrinterManagerObject>();
 };
