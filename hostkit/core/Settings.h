@@ -19,8 +19,10 @@ inline constexpr const char* kTranslationsVariable = "VEMRA_TRANSLATIONS";
 // "ShowRevisionMessages" (unset: the option is not defined).
 inline constexpr const char* kDocumentNameVariable = "VEMRA_DOCUMENT_NAME";
 inline constexpr const char* kShowRevisionMessagesVariable = "VEMRA_SHOW_REVISION_MESSAGES";
-// The print world file (printworld.ini), natively only.
+// The print world file (printworld.ini).
 inline constexpr const char* kPrintWorldVariable = "VEMRA_PRINT_WORLD";
+// The qpdf program of the Windows host kit (a Linux path under Wine).
+inline constexpr const char* kQpdfVariable = "VEMRA_QPDF";
 
 // The host's ordinary level: traces without the debug-only lines.
 inline constexpr int32_t kDefaultLevel = 2;
