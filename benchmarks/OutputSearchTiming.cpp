@@ -1,0 +1,92 @@
+// The Windows counterpart of OutputSearchBench, run under Wine by
+// tools/run-benchmarks --wine: one pass of the pipeline's output-file
+// search over a folder of N output-like files that holds no match, beside a
+// bare FindFirstFileA/FindNextFileA loop over the same folder, in
+// microseconds (median of the passes).
+#include <windows.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "pipeline/PrintJobDriver.h"
+#include "platform/FileSearch.h"
+
+namespace {
+
+constexpr int kPasses = 7;
+
+double MedianMicroseconds(const std::function<void()>& pass) {
+  std::vector<double> times;
+  for (int i = 0; i < kPasses; ++i) {
+    const auto start = std::chrono::steady_clock::now();
+    pass();
+    times.push_back(
+        std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count());
+  }
+  std::sort(times.begin(), times.end());
+  return times[times.size() / 2];
+}
+
+void Touch(const std::string& file) {
+  HANDLE handle = ::CreateFileA(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle != INVALID_HANDLE_VALUE) ::CloseHandle(handle);
+}
+
+// Every name is a candidate, all made before the lock: the search reads the
+// whole folder.
+void Measure(int files) {
+  char temp[MAX_PATH + 1] = {};
+  ::GetTempPathA(MAX_PATH, temp);
+  const std::string folder =
+      std::string(temp) + "kestrivon-search-" + std::to_string(files) + "\\";
+  ::CreateDirectoryA(folder.c_str(), nullptr);
+  for (int i = 0; i < files; ++i) {
+    char name[32];
+    std::snprintf(name, sizeof name, "doc-%06d.pdf", i);
+    Touch(folder + name);
+  }
+  // Creation times count in whole seconds: the lock comes in a later one.
+  ::Sleep(1100);
+  Touch(folder + "A-100.RLCK");
+  const auto locks = kestrivon::platform::FindFiles(folder + "*.RLCK");
+  const double reference = locks && !locks->empty() ? locks->front().created : 0;
+
+  std::string found;
+  const double search =
+      MedianMicroseconds([&] { found = kestrivon::FindOutputFile(folder, reference); });
+  size_t listed = 0;
+  const double bare = MedianMicroseconds([&] {
+    WIN32_FIND_DATAA entry;
+    HANDLE search = ::FindFirstFileA((folder + "*").c_str(), &entry);
+    if (search == INVALID_HANDLE_VALUE) return;
+    listed = 0;
+    do ++listed;
+    while (::FindNextFileA(search, &entry));
+    ::FindClose(search);
+  });
+  if (!found.empty()) std::fprintf(stderr, "a match in the worst case: %s\n", found.c_str());
+  std::printf("OutputSearchWine/%d %.1f us\nFindFirstNextWine/%d %.1f us\n", files, search, files,
+              bare);
+  std::fprintf(stderr, "%zu entries listed\n", listed);
+  for (int i = 0; i < files; ++i) {
+    char name[32];
+    std::snprintf(name, sizeof name, "doc-%06d.pdf", i);
+    ::DeleteFileA((folder + name).c_str());
+  }
+  ::DeleteFileA((folder + "A-100.RLCK").c_str());
+  ::RemoveDirectoryA(folder.c_str());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<int> sizes{1000, 10000, 100000};
+  if (argc > 1) sizes = {std::atoi(argv[1])};
+  for (const int files : sizes) Measure(files);
+  return 0;
+}
