@@ -7,6 +7,7 @@
 #include <mutex>
 #include <thread>
 
+#include "core/DriverFamilies.h"
 #include "core/Environment.h"
 #include "core/FileCopy.h"
 #include "core/HostFiles.h"
@@ -144,10 +145,23 @@ struct InstalledPrintWorld::State {
     }
     const std::string name = document ? document->name : NameOf(documentRef);
     const std::string source = document ? document->file : std::string();
-    const std::string& folder = driver.outputFolder;
-    const bool windows = folder.find('\\') != std::string::npos || folder[1] == ':';
-    const std::string file = folder + (windows ? "\\" : "/") + name +
-                             (driver.mode == DriverMode::kTmp ? ".PDF.tmp" : ".pdf");
+    std::string file;
+    if (driver.family != DriverFamily::kNone) {
+      // The family's own convention names the file, or the driver would
+      // wait for a user: then it writes nothing.
+      const DriverTarget target =
+          FindDriverTarget(driver.family, driver.name, name, ProgramFileName());
+      if (target.file.empty()) {
+        Driver(driver.name, "refuses: " + target.refusal, "");
+        return true;
+      }
+      file = target.file;
+    } else {
+      const std::string& folder = driver.outputFolder;
+      const bool windows = folder.find('\\') != std::string::npos || folder[1] == ':';
+      file = folder + (windows ? "\\" : "/") + name +
+             (driver.mode == DriverMode::kTmp ? ".PDF.tmp" : ".pdf");
+    }
     std::lock_guard lock(mutex);
     drivers.emplace_back(
         [this, &driver, name, source, file] { Write(driver, name, source, file); });
@@ -319,6 +333,19 @@ InstalledPrintWorld::InstalledPrintWorld(PrintWorld world, std::shared_ptr<Trace
   for (const WorldPrinter& printer : state.world.printers) {
 #ifndef _WIN32
     platform::portable::DefinePrinter(printer.name, {printer.status, printer.jobs});
+    // Natively the world sets its drivers up in the portable registry; on
+    // Windows the system's registry keeps what vemra-revise setup wrote.
+    if (printer.family != DriverFamily::kNone) {
+      IgnoreErrors([&] {
+        const auto unknown = SetUpDriver(SystemDriverSettings(), printer.family, printer.name,
+                                         WindowsFileName(printer.outputFolder), printer.wrong);
+        for (const auto& name : unknown) {
+          state.log->Append("HOSTKIT",
+                            {"print world: printer '" + printer.name + "' (" +
+                             DriverFamilyName(printer.family) + ") has no setting '" + name + "'"});
+        }
+      });
+    }
 #endif
     state.printers.push_back(std::make_shared<LoggedPrinter>(printer, state.log));
   }
