@@ -26,7 +26,8 @@ double MedianMicroseconds(const std::function<void()>& pass) {
     const auto start = std::chrono::steady_clock::now();
     pass();
     times.push_back(
-        std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count());
+        std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start)
+            .count());
   }
   std::sort(times.begin(), times.end());
   return times[times.size() / 2];

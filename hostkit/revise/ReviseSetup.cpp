@@ -72,6 +72,8 @@ std::variant<SetupRequest, std::string> Parse(const std::vector<std::string>& ar
       request.wrong.insert(value);
     } else if (option == "--print-world") {
       request.world = value;
+    } else if (option == "--log") {
+      // Taken as a revision takes it; a setup writes no trace.
     } else {
       return "unknown option '" + option + "'";
     }

@@ -7,6 +7,7 @@
 // after windows.h
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -14,6 +15,7 @@
 #include <vector>
 
 #include "comkit/ComPtr.h"
+#include "core/DriverFamilies.h"
 #include "core/Environment.h"
 #include "core/PdfMerge.h"
 #include "core/PrintWorldHost.h"
@@ -90,6 +92,7 @@ void WriteWorld() {
             "[Printer Paused]\nStatus = 0x1\nOutput = out\n"
             "[Printer Tmp Writer]\nOutput = tmp\nMode = tmp\n"
             "[Printer Refuser]\nOutput = out\nMode = fail\n"
+            "[Printer Adobe Family]\nOutput = adobe\nFamily = adobe-pdf\n"
             "[Document A-100]\nFile = A-100 source.pdf\nSetting.ShowRevisionMessages = 0\n"
             "[Document B-200]\n");
 }
@@ -202,6 +205,33 @@ TEST(PipelineAgainstHostKit, TheSearchTakesTmpFilesAndAFailedPrintStops) {
   PrnDevice refuser;
   ASSERT_TRUE(refuser.SetFilePrinterByName("Refuser"));
   EXPECT_FALSE(IRevisionPrinterDoPrint(document, refuser.Name(), refuser.IPrinter()));
+}
+
+// An Adobe PDF driver set up in the prefix's registry writes into the
+// folder its port names, and refuses when it would ask for a file name.
+TEST(PipelineAgainstHostKit, AFamilyDriverFollowsItsRegistrySettings) {
+  const auto document = NewDocument("B-200");
+  PrnDevice device;
+  ASSERT_TRUE(device.SetFilePrinterByName("Adobe Family"));
+  for (const bool prompt : {false, true}) {
+    const std::set<std::string> wrong =
+        prompt ? std::set<std::string>{"PromptForFileName"} : std::set<std::string>{};
+    ASSERT_TRUE(hostkit::SetUpDriver(hostkit::SystemDriverSettings(),
+                                     hostkit::DriverFamily::kAdobePdf, "Adobe Family", In("adobe"),
+                                     wrong)
+                    .empty());
+    ASSERT_TRUE(IRevisionPrinterDoPrint(document, device.Name(), device.IPrinter()));
+  }
+  const std::string written = In("adobe\\B-200.pdf");
+  for (int i = 0; i < 100 && !Exists(written); ++i) Sleep(50);
+  EXPECT_EQ(hostkit::PdfPageCount(written), 1);
+  const auto drivers = Logged("DRIVER");
+  EXPECT_NE(std::find_if(drivers.begin(), drivers.end(),
+                         [](const auto& entry) {
+                           return entry[1] ==
+                                  "refuses: PromptForFileName: it would ask for the file name";
+                         }),
+            drivers.end());
 }
 
 }  // namespace
