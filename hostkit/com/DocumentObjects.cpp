@@ -77,6 +77,19 @@ class LateBound : public comkit::NamedObject {
     V_VT(result) = VT_DISPATCH;
     return HandOut(object, &V_DISPATCH(result));
   }
+  // Exist(name) answers whether the name is there, the value members its
+  // value (E_INVALIDARG for a name that is not).
+  template <class Read>
+  static HRESULT ExistOrValue(bool askingExist, bool exists, Read&& read, VARIANT* result) {
+    if (askingExist) {
+      if (result != nullptr) {
+        V_VT(result) = VT_BOOL;
+        V_BOOL(result) = exists ? VARIANT_TRUE : VARIANT_FALSE;
+      }
+      return S_OK;
+    }
+    return exists ? ToVariant(read(), result) : E_INVALIDARG;
+  }
   static HRESULT TextArgument(const DISPPARAMS& params, std::string& text) {
     if (params.cArgs != 1) return DISP_E_BADPARAMCOUNT;
     Variant value;
@@ -179,15 +192,8 @@ class OptionSetObject final : public LateBound {
     if (id != 2) {
       if (const HRESULT hr = TextArgument(params, name); FAILED(hr)) return hr;
     }
-    if (id == 1) {
-      if (result != nullptr) {
-        V_VT(result) = VT_BOOL;
-        V_BOOL(result) = options_->Exist(name) ? VARIANT_TRUE : VARIANT_FALSE;
-      }
-      return S_OK;
-    }
-    if (!options_->Exist(name)) return E_INVALIDARG;
-    return ToVariant(options_->Option(name), result);
+    return ExistOrValue(
+        id == 1, options_->Exist(name), [&] { return options_->Option(name); }, result);
   }
 
  private:
@@ -205,15 +211,8 @@ class SettingsObject final : public LateBound {
     if (!Getting(flags)) return DISP_E_MEMBERNOTFOUND;
     std::string name;
     if (const HRESULT hr = TextArgument(params, name); FAILED(hr)) return hr;
-    if (id == 1) {
-      if (result != nullptr) {
-        V_VT(result) = VT_BOOL;
-        V_BOOL(result) = settings_->Exist(name) ? VARIANT_TRUE : VARIANT_FALSE;
-      }
-      return S_OK;
-    }
-    if (!settings_->Exist(name)) return E_INVALIDARG;
-    return ToVariant(settings_->Item(name), result);
+    return ExistOrValue(
+        id == 1, settings_->Exist(name), [&] { return settings_->Item(name); }, result);
   }
 
  private:
