@@ -20,7 +20,6 @@
 namespace kestrivon {
 namespace {
 
-
 constexpr const char* kLockClass = labels::kRevisionFileLock;
 constexpr const char* kLockExtension = ".RLCK";
 constexpr int32_t kCriticalOk = 16;
