@@ -1,8 +1,9 @@
 #include "revise/Doctor.h"
 
-#include <cstdio>
+#include <algorithm>
 #include <fstream>
 #include <memory>
+#include <span>
 
 #include "pipeline/PrnDevice.h"
 #include "pipeline/RevisionFileLock.h"
@@ -149,7 +150,10 @@ void ExamineFolder(ClassReport& report, const std::string& folder, bool needed) 
   report.outputFolder = folder;
   report.outputFolderExists = !folder.empty() && platform::FolderExists(folder);
   if (!report.outputFolderExists) {
-    if (needed) report.problems.push_back("output folder '" + folder + "' does not exist");
+    if (needed) {
+      report.problems.push_back(folder.empty() ? "the driver names no output folder"
+                                               : "output folder '" + folder + "' does not exist");
+    }
     return;
   }
   report.locks = ReadLocks(WithoutTrailingSeparator(folder));
@@ -198,9 +202,9 @@ void ExamineDriver(ClassReport& report, const PrinterClass& cls, const HarpSumma
       report.outputFolderNote = "none: the class writes no file";
       break;
   }
-  for (const SettingFinding& finding : report.findings) {
-    report.problems.push_back(finding.key + " " + finding.name + " is '" + finding.found +
-                              "', needs " + finding.needed);
+  if (!report.findings.empty()) {
+    report.problems.push_back(std::to_string(report.findings.size()) +
+                              " wrong setting(s), each named with its fix");
   }
 }
 

@@ -143,7 +143,17 @@ void WriteTable(std::ostream& out, const DoctorReport& report) {
         << ", loaded " << (h.loaded ? "True" : "False") << ", printer '" << h.printerName
         << "', output '" << h.printerRedirection << "', extension " << h.revisionExtension
         << ", time-out " << h.timeOutSeconds << " s, sleeper " << h.revisionSleeper << " ms\n";
-    if (!h.errorSummary.empty()) out << "  summary: " << h.errorSummary << '\n';
+    if (!h.errorSummary.empty()) {
+      std::string summary = h.errorSummary;
+      while (!summary.empty() && (summary.back() == '\n' || summary.back() == '\r')) {
+        summary.pop_back();
+      }
+      for (size_t at = summary.find("\r\n"); at != std::string::npos;
+           at = summary.find("\r\n", at)) {
+        summary.replace(at, 2, "\n           ");
+      }
+      out << "  summary: " << summary << '\n';
+    }
   }
   bool wrong = false;
   for (const ClassReport& c : report.classes) wrong = wrong || !c.problems.empty();
