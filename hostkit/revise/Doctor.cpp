@@ -183,7 +183,10 @@ void ExamineDriver(ClassReport& report, const PrinterClass& cls, const HarpSumma
       ExamineFolder(report, platform::EnvironmentVariable("TEMP").value_or(""), true);
       break;
     case Family::kHarp:
-      report.findings = harp.findings;
+      if (!harp.findings.empty()) {
+        report.problems.push_back(std::to_string(harp.findings.size()) +
+                                  " wrong HARP.ini key(s), listed under HARP.ini");
+      }
       if (!harp.configDirectory) {
         report.outputFolderNote = "no configuration directory";
       } else {

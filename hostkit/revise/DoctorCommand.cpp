@@ -91,6 +91,11 @@ void WriteLockLine(std::ostream& out, const LockReport& lock) {
       << lock.computer << "'  written " << lock.writtenAt << '\n';
 }
 
+void WriteFinding(std::ostream& out, const SettingFinding& f) {
+  out << "  wrong setting: " << f.key << " : " << f.name << " is '" << f.found << "', needs "
+      << f.needed << '\n';
+}
+
 const char* const kDoctorUsage =
     "Usage: vemra-revise doctor [--json] [--class <name> ...] [--log <file>] "
     "[--print-world <file>]\n"
@@ -127,10 +132,7 @@ void WriteTable(std::ostream& out, const DoctorReport& report) {
           << '\n';
     }
     for (const LockReport& lock : c.locks) WriteLockLine(out, lock);
-    for (const SettingFinding& f : c.findings) {
-      out << "  wrong setting: " << f.key << " : " << f.name << " is '" << f.found << "', needs "
-          << f.needed << '\n';
-    }
+    for (const SettingFinding& f : c.findings) WriteFinding(out, f);
     for (const std::string& problem : c.problems) out << "  - " << problem << '\n';
   }
   out << "\nRevision sleeper: " << report.sleeperMilliseconds << " ms from " << report.sleeperOrigin
@@ -154,6 +156,7 @@ void WriteTable(std::ostream& out, const DoctorReport& report) {
       }
       out << "  summary: " << summary << '\n';
     }
+    for (const SettingFinding& f : h.findings) WriteFinding(out, f);
   }
   bool wrong = false;
   for (const ClassReport& c : report.classes) wrong = wrong || !c.problems.empty();
