@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "host/portable/FaultPlan.h"
-#include "runtime/ErrorHandler.h"
 
 namespace kestrivon::test {
 namespace {
@@ -33,21 +32,6 @@ TEST(FaultPlan, ParsesPlansAndNamesWhatIsWrong) {
         << row.text;
     EXPECT_EQ(problem, row.problem);
   }
-}
-
-TEST(FaultPlan, StrikesTheCallOnItsPlannedUseOnly) {
-  auto plan = std::make_shared<hp::FaultPlan>(std::vector<hp::Fault>{
-      {"IPrinter.Name", 2, static_cast<int32_t>(0x80004005)}, {"Owner.CurrentUser", 1, {}}});
-  hp::InstallFaultPlan(plan);
-  EXPECT_FALSE(hp::HostCall("IPrinter.Name"));
-  const auto error = Attempt([] { hp::HostCall("IPrinter.Name"); });
-  EXPECT_FALSE(hp::HostCall("IPrinter.Name"));
-  EXPECT_TRUE(hp::HostCall("Owner.CurrentUser"));
-  hp::InstallFaultPlan(nullptr);
-  ASSERT_TRUE(error);
-  EXPECT_EQ(error->number, static_cast<int32_t>(0x80004005));
-  EXPECT_EQ(plan->Uses().at("IPrinter.Name"), 3);
-  EXPECT_EQ(plan->Struck().size(), 2u);
 }
 
 }  // namespace
