@@ -26,7 +26,7 @@ inline constexpr const char* kShowRevisionMessagesVariable = "VEMRA_SHOW_REVISIO
 inline constexpr const char* kConfigDirectoryVariable = "VEMRA_CONFIG_DIRECTORY";
 // The print world file (printworld.ini), natively only.
 inline constexpr const char* kPrintWorldVariable = "VEMRA_PRINT_WORLD";
-// Host calls to fail ("Call:use:error,..."), natively only.
+// Host calls to fail ("Call:use:error,...").
 inline constexpr const char* kFaultsVariable = "VEMRA_FAULTS";
 
 // The host's ordinary level: traces without the debug-only lines.
