@@ -10,6 +10,7 @@
 #include "comkit/Bstr.h"
 #include "comkit/Object.h"
 #include "comkit/Variant.h"
+#include "host/portable/FaultPlan.h"
 #include "hostkit/com/WorksetObjects.h"
 
 namespace kestrivon::hostkit::com {
@@ -35,6 +36,9 @@ class HostObject : public comkit::DualObject<Interface, kHostServicesLib, ISuppo
     return comkit::Answer(__uuidof(Interface), L"VemraHostKit", std::forward<Body>(body));
   }
 };
+
+// A use of the host call that VEMRA_FAULTS may plan to fail.
+void Fault(const char* call) { host::portable::HostCall(call); }
 
 #define KESTRIVON_RESERVED(n) \
   HRESULT STDMETHODCALLTYPE Reserved##n() override { return E_NOTIMPL; }
@@ -81,6 +85,7 @@ class TraceServiceObject final : public HostObject<ITraceService> {
   HRESULT STDMETHODCALLTYPE LogError(IDispatch** error, BSTR* classLabel,
                                      BSTR* procedureLabel) override {
     return Answer([&] {
+      Fault("TraceService.LogError");
       Kit().traceService->LogError(ReadErrorObject(error ? *error : nullptr),
                                    classLabel ? Utf8(*classLabel) : std::string(),
                                    procedureLabel ? Utf8(*procedureLabel) : std::string());
@@ -100,30 +105,44 @@ class TraceServiceObject final : public HostObject<ITraceService> {
   HRESULT STDMETHODCALLTYPE get_ApplicationPathKey(BSTR* key) override {
     if (key == nullptr) return E_POINTER;
     *key = nullptr;
-    return Answer([&] { *key = NewBstr(std::wstring_view()); });
+    return Answer([&] {
+      Fault("TraceService.ApplicationPathKey");
+      *key = NewBstr(std::wstring_view());
+    });
   }
 
   HRESULT STDMETHODCALLTYPE ResolveText(BSTR text, BSTR* resolved) override {
     if (resolved == nullptr) return E_POINTER;
     *resolved = nullptr;
-    return Answer([&] { *resolved = NewBstr(Kit().traceService->ResolveText(Utf8(text))); });
+    return Answer([&] {
+      Fault("TraceService.ResolveText");
+      *resolved = NewBstr(Kit().traceService->ResolveText(Utf8(text)));
+    });
   }
 
   HRESULT STDMETHODCALLTYPE CurrentTicks(LONG* ticks) override {
     if (ticks == nullptr) return E_POINTER;
-    return Answer([&] { *ticks = Kit().traceService->CurrentTicks(); });
+    return Answer([&] {
+      Fault("TraceService.CurrentTicks");
+      *ticks = Kit().traceService->CurrentTicks();
+    });
   }
 
   HRESULT STDMETHODCALLTYPE WriteTrace(BSTR line) override {
-    return Answer([&] { Kit().traceService->WriteTrace(Utf8(line)); });
+    return Answer([&] {
+      Fault("TraceService.WriteTrace");
+      Kit().traceService->WriteTrace(Utf8(line));
+    });
   }
 
   HRESULT STDMETHODCALLTYPE ShowMessageBox(BSTR prompt, LONG buttons, BSTR title,
                                            VARIANT /*helpFile*/, VARIANT /*helpContext*/,
                                            LONG* answer) override {
     if (answer == nullptr) return E_POINTER;
-    return Answer(
-        [&] { *answer = Kit().traceService->ShowMessageBox(Utf8(prompt), buttons, Utf8(title)); });
+    return Answer([&] {
+      Fault("TraceService.ShowMessageBox");
+      *answer = Kit().traceService->ShowMessageBox(Utf8(prompt), buttons, Utf8(title));
+    });
   }
 
   HRESULT STDMETHODCALLTYPE CopyFile(BSTR source, BSTR target, VARIANT_BOOL overwrite,
@@ -131,6 +150,7 @@ class TraceServiceObject final : public HostObject<ITraceService> {
     if (copied == nullptr) return E_POINTER;
     *copied = VARIANT_FALSE;
     return Answer([&] {
+      Fault("TraceService.CopyFile");
       const bool done =
           Kit().traceService->CopyFile(Utf8(source), Utf8(target), overwrite != VARIANT_FALSE);
       *copied = done ? VARIANT_TRUE : VARIANT_FALSE;
@@ -192,13 +212,17 @@ class InstanceMonitorObject final : public HostObject<IInstanceMonitor> {
     static_assert(sizeof(LONG) == sizeof(int32_t), "the component's counters are 32-bit");
     if (counter == nullptr) return E_POINTER;
     return Answer([&] {
+      Fault("InstanceMonitor.RegisterCounter");
       Kit().instanceMonitor->RegisterCounter(Utf8(name), reinterpret_cast<int32_t*>(counter));
     });
   }
 
   HRESULT STDMETHODCALLTYPE GetLevel(LONG* level) override {
     if (level == nullptr) return E_POINTER;
-    return Answer([&] { *level = Kit().instanceMonitor->GetLevel(); });
+    return Answer([&] {
+      Fault("InstanceMonitor.GetLevel");
+      *level = Kit().instanceMonitor->GetLevel();
+    });
   }
 
   KESTRIVON_RESERVED(8)

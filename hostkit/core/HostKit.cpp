@@ -24,6 +24,16 @@ HostKit HostKit::Create(Settings settings) {
     kit.log->Append("HOSTKIT", {started});
     for (const auto& problem : settings.problems) kit.log->Append("HOSTKIT", {problem});
   });
+  if (settings.faults) {
+    // Each fault that strikes is logged where the component's report of it follows.
+    settings.faults->onStrike = [log = kit.log](const host::portable::Fault& fault) {
+      IgnoreErrors([&] {
+        log->Append("FAULT", {fault.call, std::to_string(fault.use),
+                              fault.error ? FormatErrorNumber(*fault.error) : "null"});
+      });
+    };
+    host::portable::InstallFaultPlan(settings.faults);
+  }
   kit.settings = std::move(settings);
   return kit;
 }

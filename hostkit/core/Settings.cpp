@@ -83,6 +83,15 @@ Settings Settings::FromEnvironment() {
   if (const auto folder = GetEnvironment(kConfigDirectoryVariable); folder && !folder->empty()) {
     settings.configDirectory = *folder;
   }
+  if (const auto faults = GetEnvironment(kFaultsVariable); faults && !faults->empty()) {
+    std::string problem;
+    if (auto plan = host::portable::FaultPlan::Parse(*faults, &problem)) {
+      settings.faults = std::make_shared<host::portable::FaultPlan>(std::move(*plan));
+    } else {
+      settings.problems.push_back(std::string(kFaultsVariable) + ": " + problem +
+                                  "; no fault is planned");
+    }
+  }
   return settings;
 }
 

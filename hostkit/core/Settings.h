@@ -2,10 +2,12 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "host/portable/FaultPlan.h"
 #include "runtime/Variant.h"
 
 namespace kestrivon::hostkit {
@@ -26,6 +28,8 @@ inline constexpr const char* kConfigDirectoryVariable = "VEMRA_CONFIG_DIRECTORY"
 inline constexpr const char* kPrintWorldVariable = "VEMRA_PRINT_WORLD";
 // The qpdf program of the Windows host kit (a Linux path under Wine).
 inline constexpr const char* kQpdfVariable = "VEMRA_QPDF";
+// Host calls to fail ("Call:use:error,...").
+inline constexpr const char* kFaultsVariable = "VEMRA_FAULTS";
 
 // The host's ordinary level: traces without the debug-only lines.
 inline constexpr int32_t kDefaultLevel = 2;
@@ -39,6 +43,8 @@ struct Settings {
   std::optional<std::filesystem::path> translationsFile;
   // As given: a Windows or a host folder.
   std::optional<std::string> configDirectory;
+  // The host calls planned to fail; null for none.
+  std::shared_ptr<host::portable::FaultPlan> faults;
   // What was wrong with the variables, for the log; the defaults stand in.
   std::vector<std::string> problems;
 

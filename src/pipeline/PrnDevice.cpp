@@ -25,12 +25,8 @@ constexpr int32_t kCannotPrintMask = 0x609683;
 constexpr int32_t kAnswerYes = 6;
 constexpr uint32_t kMaxListedJobs = 5;
 
-// The printer's view, kept by the caller for the call: on the COM side it is
-// an object of its own.
 std::shared_ptr<host::Printer> PrinterOf(const host::HostObjectRef& printer) {
-  auto view = host::AsPrinter(printer);
-  Required(view);
-  return view;
+  return RequiredObject(host::AsPrinter(printer));
 }
 
 const char* BoolText(bool value) { return value ? "True" : "False"; }
@@ -171,12 +167,9 @@ bool PrnDevice::InitializeDevMode(const host::HostObjectRef& document, const std
 bool PrnDevice::IsPrinterQueueEmpty(const host::HostObjectRef& context) {
   return Procedure(kClassLabel, "Function IsPrinterQueueEmpty").Guard(false, [&] {
     if (IsPrinterQueueEmptyPriv(false)) return true;
-    // The views are kept: on the COM side each is an object of its own.
-    const auto document = host::AsDocument(context);
-    const auto worksetSettings = Required(document).WorksetSettings();
-    auto& settings = Required(worksetSettings);
-    if (!settings.Exist(kShowRevisionMessages)) return false;
-    if (VariantEqualsFalse(settings.Item(kShowRevisionMessages))) {
+    const auto settings = RequiredObject(Required(host::AsDocument(context)).WorksetSettings());
+    if (!settings->Exist(kShowRevisionMessages)) return false;
+    if (VariantEqualsFalse(settings->Item(kShowRevisionMessages))) {
       WriteTrace(kLabel + "::IsPrinterQueueEmpty(): " + "printer queue is not empty.");
       return false;
     }

@@ -59,4 +59,13 @@ T& Required(const std::shared_ptr<T>& object) {
   return *object;
 }
 
+// The same, for an object used beyond the statement: a host's view of an
+// object (a COM interface wrapper) is often made for the one call, so the
+// caller keeps it alive rather than a reference into it.
+template <class T>
+std::shared_ptr<T> RequiredObject(std::shared_ptr<T> object) {
+  if (!object) Raise(vb_error::kObjectVariableNotSet);
+  return object;
+}
+
 }  // namespace kestrivon

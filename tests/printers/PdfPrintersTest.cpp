@@ -1,17 +1,27 @@
+#include <algorithm>
+#include <filesystem>
+#include <set>
+
 #include "PdfFiles.h"
 #include "PipelineFixture.h"
 #include "core/PdfMerge.h"
+#include "core/TiffMerge.h"
+#include "harp/HarpFixture.h"
+#include "host/portable/FaultPlan.h"
+#include "host/portable/Workset.h"
 #include "platform/Environment.h"
 #include "platform/Shell.h"
 #include "platform/portable/Registry.h"
 #include "platform/portable/Shell.h"
 #include "platform/portable/Spooler.h"
 #include "platform/portable/SystemNames.h"
+#include "printers/PrinterCatalogue.h"
 #include "printers/pdf/AcrobatDistiller.h"
 #include "printers/pdf/AcrobatSettings.h"
 #include "printers/pdf/AcrobatWriter.h"
 #include "printers/pdf/AdobePDF.h"
 #include "printers/pdf/PDFFactory.h"
+#include "runtime/ErrorHandler.h"
 #include "services/IniFiles.h"
 #include "services/MessageTexts.h"
 #include "services/RegistrySettings.h"
@@ -325,6 +335,175 @@ TEST_F(PdfPrinters, AppendFileMergesTheFirstFileOntoTheEndOfTheSecond) {
     EXPECT_TRUE(printer->AppendFile(folder / "a.pdf", folder / "b.pdf"));
     EXPECT_EQ(PageWidths(folder / "b.pdf"), (std::vector<int>{100, 101, 300}));
   }
+}
+
+// The labels that a failing revision may report, by class label ("": the
+// printer's own): its own procedures' and those of the shared ones it runs.
+const std::map<std::string, std::set<std::string>> kLabels = {
+    {"",
+     {"Class_Initialize", "Private Sub 'Class_Initialize'", "Function IRevisionPrinter_DoPrint",
+      " Function IRevisionPrinter_DoPrint", "Private Function IRevisionPrinter_DoPrint",
+      "IRevisionPrinter_DoPrint", "IAcrobatWriter::DoPrint",
+      "Public Function IRevisionPrinter_AppendFile", " Function IRevisionPrinter_AppendFile",
+      "Function CheckPdfFactory2UpSettings()"}},
+    {"Kestrivon::DocumentLock", {"Private Function LockFileName", "Public Sub WriteLock"}},
+    {"VemmraKestrivon.PrnDevice",
+     {"Function IsPrinterAvailable()", "PrinterManager [PropertyGet]",
+      "Public Function 'IsPrinterReady'", "SetFilePrinterByName", "Shutdown",
+      "Sub InitializeDevMode()"}},
+    {"VemraKestrivon::Globals",
+     {"CheckAndCopyPDF", "Function CheckCreateOutputFolder()", "Function GetAdobeRevisionFile",
+      "Function MergePDFFiles()", "Function WaitWhileFileInAccess", "GetWorkset",
+      "IRevisioPrinterDoPrint", "IsPackage", "IsRevisionFileLocked", "Sub ShowMessage",
+      "Function ShowRevMessages", "IsVemraDoc", "PPMInit"}},
+    {"VemraKestrivon::HARPConfiguration",
+     {"Private Sub Class_Initialize", "Public Function LoadSettingsFromIniFile",
+      "SetPrinterTrace"}}};
+bool Contains(const Lines& lines, const std::string& line) {
+  return std::find(lines.begin(), lines.end(), line) != lines.end();
+}
+
+// Every host call the classes make, failed at its first and last use (and
+// answering Nothing where it answers an object), through a whole revision
+// of each class: nothing escapes but a report the host could not take, an
+// archive is whole or absent, the lock goes, an existing archive survives.
+TEST_F(PdfPrinters, EveryFailingHostCallLeavesNoLockNorDamagedArchive) {
+  namespace hp = host::portable;
+  Reg(platform::kHKeyLocalMachine, "SOFTWARE\\Adobe\\Acrobat Distiller\\5.0", "", platform::kRegSz,
+      "");
+  SetUpAdobe("Adobe PDF", out + "\\*.pdf");
+  SetUpAdobe("Acrobat Distiller", out + "\\*.pdf");
+  for (const char* name : {"pdfFactory", "HARP PS", "Vemra Tiff"}) Install(name);
+  Key(platform::kHKeyCurrentUser, kFactory + "4");
+  platform::SetEnvironmentVariableTo("TEMP", fileHelper->tempFolder = out);
+  auto workset = std::make_shared<hp::WorksetObject>();
+  auto application = std::make_shared<hp::RunningApplicationObject>();
+  host.application = application, application->workset = workset;
+  workset->globals->values["ConfigDirectory"] = folder.Path() + "\\";
+  WriteWholeFile(folder / "HARP.ini",
+                 "[Default]\r\nPrinterName=HARP PS\r\nRevisionExtension=.PDF\r\n"
+                 "ConvertCommand=c %O%\r\n[ConvertCommand Parameters]\r\nO=-o\r\n");
+  host.InstallHostClasses({.docFctDist = [this] { return docFctDist; },
+                           .printerManager = [this] { return manager; },
+                           .uiPolicy = [] { return std::make_shared<hp::UIPolicyObject>(); },
+                           .pdfMerge = [] { return std::make_shared<hostkit::PdfMerge>(); },
+                           .documentFileHelper = [this] { return fileHelper; },
+                           .traceFacility = [] { return std::make_shared<RecordingFacility>(); },
+                           .tiffMerge = [] { return std::make_shared<hostkit::TiffMerge>(); }});
+  docFctDist->print = [&](const host::HostObjectRef&, const host::HostObjectRef& printer) {
+    const bool factory =
+        std::dynamic_pointer_cast<hp::PrinterObject>(printer)->name == "pdfFactory";
+    const std::string file = factory ? Value(kFactory + "4", "OutputFile") : out + "\\job.pdf\0";
+    MakePdf(file.substr(0, file.size() - 1), {300, 301});
+    return true;
+  };
+  const std::string rev = folder / "rev", archive = rev + "\\A1.PDF", old = rev + "\\old.PDF";
+  struct Outcome {
+    std::optional<ErrorInfo> escaped;
+    bool printed = false, appended = false, archived = false;
+    size_t struck = 0;
+    std::vector<int> merged;
+    std::map<std::string, int, std::less<>> uses;
+  };
+  // The plain revision; the document's own PDF fetched from the vault while
+  // the printers are paused; another user's live lock, told through the
+  // owner's message pack, or in a message box.
+  const struct Scene {
+    const char* type;
+    int32_t status;
+    bool fetch;
+    int locked;  // 1: told through the message pack, 2: in a box
+  } scenes[] = {{"Drawing", 0, false, 0},
+                {"GeneralDocument", 0x1, true, 0},
+                {"Drawing", 0, false, 1},
+                {"Drawing", 0, false, 2}};
+  document->settings = std::make_shared<hp::SettingsObject>();
+  document->settings->values["ShowRevisionMessages"] = Variant{true};
+  const auto revise = [&](const PrinterClass& cls, const Scene& scene,
+                          std::vector<hp::Fault> faults) {
+    ResetTraceStateForReload(), ResetDocumentFileHelperForReload(), ResetUIPolicyForReload();
+    clock.emplace();
+    for (const auto& made : {rev, out})
+      std::filesystem::remove_all(NativePath(made)), MakeFolder(made);
+    MakePdf(old, {100}), MakePdf(folder / "add.pdf", {7}), MakePdf(folder / "own.pdf", {300, 301});
+    document->typeObject = std::make_shared<hp::DocumentObject>(scene.type);
+    fileHelper->files[document.get()] = fileHelper->fetched[document.get()] = folder / "own.pdf";
+    fileHelper->mustFetch = {scene.fetch ? folder / "own.pdf" : ""};
+    for (const auto& printer : manager->printers) printer->status = scene.status;
+    owner->options->Remove("ShowRevisionMessages");
+    if (scene.locked) {
+      platform::WriteAnsiTextLines(out + "\\B-7.RLCK", {"then", "PC042", "bob"});
+      AgeTo(out + "\\B-7.RLCK", 10);
+      if (scene.locked == 1) owner->options->Set("ShowRevisionMessages", false);
+    }
+    const std::string before = ReadWholeFile(old);
+    host.reports.clear();
+    auto plan = std::make_shared<hp::FaultPlan>(std::move(faults));
+    hp::InstallFaultPlan(plan);
+    Outcome o;
+    o.escaped = Attempt([&] {
+      PPMInit();
+      auto printer = cls.create();
+      printer->InitPrnSettings(), printer->CheckPrnSettings(), printer->IsPrinterAvailable();
+      o.printed = printer->DoPrint(document, owner, rev, "A1");
+      o.appended = printer->AppendFile(folder / "add.pdf", old);
+    });
+    hp::InstallFaultPlan(nullptr);
+    o.uses = plan->Uses(), o.struck = plan->Struck().size();
+    // The one lock that stays: its name could not be had to delete it.
+    const bool unnamed =
+        Contains(host.reports, "Kestrivon::DocumentLock|Private Function LockFileName");
+    EXPECT_TRUE(unnamed || !PathExists(out + "\\A-100.RLCK")) << "lock left";
+    EXPECT_EQ(PathExists(out + "\\B-7.RLCK"), scene.locked != 0);
+    for (const auto& report : host.reports) {
+      std::string label = report.substr(0, report.find('|'));
+      if (label == "VemraKestrivon::" + std::string(cls.name)) label.clear();
+      EXPECT_TRUE(kLabels.count(label) &&
+                  kLabels.at(label).count(report.substr(report.find('|') + 1)))
+          << report;
+    }
+    if (PathExists(archive)) {
+      EXPECT_EQ(PageWidths(archive), (std::vector<int>{300, 301}));
+    }
+    if (!o.escaped && !o.appended) {
+      EXPECT_EQ(ReadWholeFile(old), before) << "archive damaged";
+    }
+    o.merged = PageWidths(old);
+    o.archived = PathExists(archive);
+    return o;
+  };
+  int runs = 0;
+  for (const auto& cls : PrinterClasses()) {
+    for (const auto& scene : scenes) {
+      const Outcome clean = revise(cls, scene, {});
+      ASSERT_FALSE(clean.escaped) << cls.name;
+      for (const auto& call : hp::InjectableCalls()) {
+        const auto used = clean.uses.find(call.name);
+        if (used == clean.uses.end()) continue;
+        for (const auto& fault : {hp::Fault{std::string(call.name), 1, -2147467259},
+                                  hp::Fault{std::string(call.name), used->second, 0x800706BA},
+                                  hp::Fault{std::string(call.name), 1, std::nullopt}}) {
+          if (!fault.error && !call.answersObject) continue;
+          SCOPED_TRACE(std::string(cls.name) + " " + scene.type + std::to_string(scene.locked) +
+                       " " + fault.call + ":" + std::to_string(fault.use) +
+                       (fault.error ? "" : ":null"));
+          const Outcome o = revise(cls, scene, {fault});
+          ++runs;
+          EXPECT_EQ(o.struck, 1u);
+          if (o.escaped) {  // only where the report itself could not be made
+            EXPECT_TRUE(fault.call == "TraceService.LogError" || fault.call == "New.TraceService")
+                << o.escaped->description;
+          }
+          EXPECT_TRUE(!o.printed || o.archived == clean.archived);
+          if (o.appended) {
+            EXPECT_EQ(o.merged, clean.merged);
+          }
+        }
+      }
+    }
+  }
+  RecordProperty("runs", runs);
+  platform::SetEnvironmentVariableTo("TEMP", std::nullopt);
 }
 
 }  // namespace

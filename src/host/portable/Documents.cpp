@@ -2,6 +2,7 @@
 
 #include "host/Printing.h"
 #include "host/Workset.h"
+#include "host/portable/FaultingObjects.h"
 #include "runtime/RunTimeError.h"
 #include "runtime/Text.h"
 
@@ -15,7 +16,7 @@ std::shared_ptr<Interface> As(const HostObjectRef& object) {
   if (!object) return nullptr;
   auto view = std::dynamic_pointer_cast<Interface>(object);
   if (!view) Raise(vb_error::kTypeMismatch);
-  return view;
+  return portable::Watch(std::move(view));
 }
 
 }  // namespace

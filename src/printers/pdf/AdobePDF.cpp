@@ -141,9 +141,10 @@ std::string AdobePDF::GetApplicationPath(const host::HostObjectRef& document, bo
     const std::string g = kLabel + "::GetApplicationPath(): ";
     std::string path;
     if (isVemraDoc) {
-      auto& application = Required(Required(host::AsDocument(document)).WorksetApplication());
-      if (application.Exist(TraceServiceObject().ApplicationPathKey())) {
-        path = application.ApplicationPath();
+      const auto application =
+          RequiredObject(Required(host::AsDocument(document)).WorksetApplication());
+      if (application->Exist(TraceServiceObject().ApplicationPathKey())) {
+        path = application->ApplicationPath();
         if (path.empty()) {
           WriteTrace(g + "retrieving Vemra application path failed");
           return std::string();
