@@ -1,0 +1,57 @@
+#include "FuzzSupport.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+#include "platform/portable/FileSystem.h"
+
+namespace kestrivon::fuzz {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path& ScratchFolder() {
+  static const fs::path folder = [] {
+    std::string pattern = (fs::temp_directory_path() / "kestrivon-fuzz-XXXXXX").string();
+    if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
+    std::atexit([] {
+      std::error_code ignored;
+      fs::remove_all(ScratchFolder(), ignored);
+    });
+    return fs::path(pattern);
+  }();
+  return folder;
+}
+
+}  // namespace
+
+std::pair<std::string, std::string_view> FirstLineAndRest(std::string_view text) {
+  const size_t end = text.find('\n');
+  if (end == std::string_view::npos) return {std::string(text), {}};
+  return {std::string(text.substr(0, end)), text.substr(end + 1)};
+}
+
+std::string ScratchFile(const std::string& name) {
+  return platform::portable::WindowsPath((ScratchFolder() / name).string());
+}
+
+void WriteScratchFile(const std::string& windowsPath, std::string_view bytes) {
+  std::ofstream out(platform::portable::HostPath(windowsPath), std::ios::binary | std::ios::trunc);
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  if (!out) Fail("cannot write " + windowsPath);
+}
+
+void RemoveScratchFile(const std::string& windowsPath) {
+  std::error_code ignored;
+  fs::remove(platform::portable::HostPath(windowsPath), ignored);
+}
+
+void Fail(const std::string& what) {
+  std::fprintf(stderr, "fuzz property failed: %s\n", what.c_str());
+  std::abort();
+}
+
+}  // namespace kestrivon::fuzz
