@@ -13,13 +13,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path& ScratchFolder() {
+const fs::path& HostFolder() {
   static const fs::path folder = [] {
     std::string pattern = (fs::temp_directory_path() / "kestrivon-fuzz-XXXXXX").string();
     if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
     std::atexit([] {
       std::error_code ignored;
-      fs::remove_all(ScratchFolder(), ignored);
+      fs::remove_all(HostFolder(), ignored);
     });
     return fs::path(pattern);
   }();
@@ -34,8 +34,10 @@ std::pair<std::string, std::string_view> FirstLineAndRest(std::string_view text)
   return {std::string(text.substr(0, end)), text.substr(end + 1)};
 }
 
+std::string ScratchFolder() { return platform::portable::WindowsPath(HostFolder().string()); }
+
 std::string ScratchFile(const std::string& name) {
-  return platform::portable::WindowsPath((ScratchFolder() / name).string());
+  return platform::portable::WindowsPath((HostFolder() / name).string());
 }
 
 void WriteScratchFile(const std::string& windowsPath, std::string_view bytes) {

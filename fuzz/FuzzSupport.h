@@ -18,8 +18,9 @@ inline std::string_view AsText(const uint8_t* data, size_t size) {
 // The input's first line (a parameter of the run) and everything after it.
 std::pair<std::string, std::string_view> FirstLineAndRest(std::string_view text);
 
-// The Windows path of a file in a folder of this process, which goes when
-// the process ends normally; WriteScratchFile replaces the file's bytes.
+// The Windows path of a folder of this process, which goes when the process
+// ends normally, and of a file in it; WriteScratchFile replaces its bytes.
+std::string ScratchFolder();
 std::string ScratchFile(const std::string& name);
 void WriteScratchFile(const std::string& windowsPath, std::string_view bytes);
 void RemoveScratchFile(const std::string& windowsPath);

@@ -1,8 +1,10 @@
-// The contents of another run's lock file, judged by a run on virtual time.
+// The contents of another run's lock file in the output folder, judged by
+// a run on virtual time.
 // The input's first line is the lock's age in seconds, followed by "gone"
 // when its run deletes it during the wait for a new lock; the rest is the
 // file.
 
+#include <algorithm>
 #include <charconv>
 #include <memory>
 
@@ -11,6 +13,7 @@
 #include "frame/trace/Trace.h"
 #include "host/portable/Documents.h"
 #include "pipeline/RevisionFileLock.h"
+#include "platform/FileSystem.h"
 #include "platform/portable/Clock.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -32,10 +35,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   clock.Advance(uint64_t{age} * 1000);
   if (gone) clock.At(clock.Elapsed() + 1000, [] { fuzz::RemoveScratchFile(lock); });
 
-  const bool locked = IsRevisionFileLocked(lock, document);
-  // The user is told only of a live lock, and only once.
-  if (host.messageBoxes.size() > (locked ? 1u : 0u)) fuzz::Fail("message for a free folder");
-  if (!locked && !host.errors.empty()) fuzz::Fail("an unreadable lock let the run go on");
+  // The folder holds this lock only; IsRevisionFileLocked judges it.
+  const bool goesOn = CheckDeleteLockFile(fuzz::ScratchFolder(), document).value_or(false);
+  const bool exists = platform::FileExists(lock);
+  if (goesOn && exists) fuzz::Fail("the run goes on beside a lock");
+  if (!goesOn && !exists && !gone) fuzz::Fail("a lock that stopped the run was deleted");
+  // The user is told of a live lock only, and once.
+  if (host.messageBoxes.size() > (goesOn ? 0u : 1u)) fuzz::Fail("too many messages");
+  const std::string unreadable = "VemraKestrivon::Globals|IsRevisionFileLocked";
+  if (goesOn && std::count(host.reports.begin(), host.reports.end(), unreadable) != 0) {
+    fuzz::Fail("an unreadable lock let the run go on");
+  }
   fuzz::RemoveScratchFile(lock);
   return 0;
 }
