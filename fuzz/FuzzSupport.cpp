@@ -13,17 +13,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// Never destroyed, so that the removal at exit still has it.
 const fs::path& HostFolder() {
-  static const fs::path folder = [] {
+  static const fs::path* const folder = [] {
     std::string pattern = (fs::temp_directory_path() / "kestrivon-fuzz-XXXXXX").string();
     if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
-    std::atexit([] {
-      std::error_code ignored;
-      fs::remove_all(HostFolder(), ignored);
-    });
-    return fs::path(pattern);
+    return new fs::path(pattern);
   }();
-  return folder;
+  static const bool removedAtExit = std::atexit([] {
+                                      std::error_code ignored;
+                                      fs::remove_all(*folder, ignored);
+                                    }) == 0;
+  (void)removedAtExit;
+  return *folder;
 }
 
 }  // namespace
