@@ -11,15 +11,19 @@
 #include "comkit/Server.h"
 #include "hostkit/com/DocumentObjects.h"
 #include "hostkit/com/HostObjects.h"
+#include "hostkit/com/WorksetObjects.h"
 
 namespace kestrivon::hostkit::com {
 namespace {
 
-const std::array<comkit::ClassEntry, 3>& Classes() {
-  static const std::array<comkit::ClassEntry, 3> classes{{
+const std::array<comkit::ClassEntry, 6>& Classes() {
+  static const std::array<comkit::ClassEntry, 6> classes{{
       {&__uuidof(::TraceService), &CreateTraceService, L"VemraHostKit.TraceService"},
       {&__uuidof(::InstanceMonitor), &CreateInstanceMonitor, L"VemraHostKit.InstanceMonitor"},
       {&kDocumentClsid, &CreateDocument, kDocumentProgId},
+      {&kVemraClsid, &CreateWorkset, L"Vemra"},
+      {&kTraceFacilityClsid, &CreateTraceFacility, L"Vemra.TraceFacility"},
+      {&kTiffMergeClsid, &CreateTiffMerge, L"Vemra.TiffMerge"},
   }};
   return classes;
 }

@@ -10,6 +10,7 @@
 #include "comkit/Bstr.h"
 #include "comkit/Object.h"
 #include "comkit/Variant.h"
+#include "hostkit/com/WorksetObjects.h"
 
 namespace kestrivon::hostkit::com {
 namespace {
@@ -86,16 +87,15 @@ class TraceServiceObject final : public HostObject<ITraceService> {
     });
   }
 
-  // No host application, no named host objects yet.
+  // The host kit's application and its workset, the only named object.
   HRESULT STDMETHODCALLTYPE get_Application(IDispatch** app) override {
-    if (app == nullptr) return E_POINTER;
-    *app = nullptr;
-    return S_OK;
+    return KitApplication(app);
   }
-  HRESULT STDMETHODCALLTYPE GetObject(BSTR /*name*/, IDispatch** obj) override {
+  HRESULT STDMETHODCALLTYPE GetObject(BSTR name, IDispatch** obj) override {
     if (obj == nullptr) return E_POINTER;
     *obj = nullptr;
-    return S_OK;
+    if (name == nullptr || std::wstring_view(name) != L"Workset") return S_OK;
+    return KitWorkset(obj);
   }
   HRESULT STDMETHODCALLTYPE get_ApplicationPathKey(BSTR* key) override {
     if (key == nullptr) return E_POINTER;

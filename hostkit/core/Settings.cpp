@@ -80,6 +80,9 @@ Settings Settings::FromEnvironment() {
   }
   settings.answersFile = OptionalPath(kAnswersVariable);
   settings.translationsFile = OptionalPath(kTranslationsVariable);
+  if (const auto folder = GetEnvironment(kConfigDirectoryVariable); folder && !folder->empty()) {
+    settings.configDirectory = *folder;
+  }
   return settings;
 }
 

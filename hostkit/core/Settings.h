@@ -19,6 +19,9 @@ inline constexpr const char* kTranslationsVariable = "VEMRA_TRANSLATIONS";
 // "ShowRevisionMessages" (unset: the option is not defined).
 inline constexpr const char* kDocumentNameVariable = "VEMRA_DOCUMENT_NAME";
 inline constexpr const char* kShowRevisionMessagesVariable = "VEMRA_SHOW_REVISION_MESSAGES";
+// The host's configuration directory (Workset.Globals.ConfigDirectory),
+// where HARP.ini lies; unset, the workset has none.
+inline constexpr const char* kConfigDirectoryVariable = "VEMRA_CONFIG_DIRECTORY";
 // The print world file (printworld.ini), natively only.
 inline constexpr const char* kPrintWorldVariable = "VEMRA_PRINT_WORLD";
 
@@ -32,6 +35,8 @@ struct Settings {
   int32_t level = kDefaultLevel;
   std::optional<std::filesystem::path> answersFile;
   std::optional<std::filesystem::path> translationsFile;
+  // As given: a Windows or a host folder.
+  std::optional<std::string> configDirectory;
   // What was wrong with the variables, for the log; the defaults stand in.
   std::vector<std::string> problems;
 

@@ -69,6 +69,10 @@ bool SimTraceService::CopyFile(const std::string& source, const std::string& tar
   return copied;
 }
 
+host::HostObjectRef SimTraceService::GetObject(const std::string& name) {
+  return name == "Workset" ? workset_ : nullptr;
+}
+
 const Translations& SimTraceService::LoadedTranslations() {
   std::lock_guard lock(mutex_);
   if (!translations_) {

@@ -29,6 +29,13 @@ class SimTraceService final : public host::TraceService {
   int32_t ShowMessageBox(const std::string& prompt, int32_t buttons,
                          const std::string& title) override;
   bool CopyFile(const std::string& source, const std::string& target, bool overwrite) override;
+  // The host kit's application and its workset, when it has one.
+  host::HostObjectRef Application() override { return application_; }
+  host::HostObjectRef GetObject(const std::string& name) override;
+  void SetApplication(host::HostObjectRef application, host::HostObjectRef workset) {
+    application_ = std::move(application);
+    workset_ = std::move(workset);
+  }
 
   [[nodiscard]] TraceLog& Log() noexcept { return *log_; }
 
@@ -44,6 +51,8 @@ class SimTraceService final : public host::TraceService {
   std::optional<Translations> translations_;
   bool answersLoaded_ = false;
   std::optional<ScriptedAnswers> answers_;
+  host::HostObjectRef application_;
+  host::HostObjectRef workset_;
 };
 
 // An error number as the log shows it: decimal, with the hexadecimal form

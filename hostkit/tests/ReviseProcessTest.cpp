@@ -8,6 +8,7 @@
 
 #include "TestSupport.h"
 #include "core/Settings.h"
+#include "core/TiffMerge.h"
 
 namespace kestrivon::hostkit::test {
 namespace {
@@ -37,7 +38,7 @@ class VemraRevise : public ::testing::Test {
     std::string command = "env";
     for (const char* name :
          {kTraceLogVariable, kDiagLevelVariable, kAnswersVariable, kTranslationsVariable,
-          kDocumentNameVariable, kShowRevisionMessagesVariable}) {
+          kDocumentNameVariable, kShowRevisionMessagesVariable, kConfigDirectoryVariable}) {
       command += std::string(" -u ") + name;
     }
     for (const auto& [name, value] : variables) command += " " + name + "=" + ShellQuoted(value);
@@ -127,13 +128,17 @@ TEST_F(VemraRevise, APrinterWhoseDoPrintFailsFailsTheRun) {
   EXPECT_EQ(quiet.exitCode, 1) << quiet.out << quiet.err;
   EXPECT_TRUE(Contains(quiet.out, "DoPrint -> False\n")) << quiet.out;
   EXPECT_TRUE(Contains(quiet.out, "Revision failed: DoPrint did not answer True\n")) << quiet.out;
-  EXPECT_TRUE(Traces().empty());
+  // Without a document the request is refused; the trace says why.
+  EXPECT_EQ(
+      Traces().back(),
+      "VemraKestrivon::AdobePDF.IRevisionPrinter_DoPrint: printing revision aborted because parameters are faulty");
+  const size_t quietLines = Traces().size();
 
   const Outcome debug = Revise(Args("AdobePDF", {"--debug"}));
   EXPECT_EQ(debug.exitCode, 1);
   // AdobePDF writes its creation line to the host's trace when debugging.
-  EXPECT_EQ(Traces(),
-            Fields{"### VemraKestrivon::AdobePDF::Class_Initialize(): Instance count: 1"});
+  EXPECT_EQ(Traces().at(quietLines),
+            "### VemraKestrivon::AdobePDF::Class_Initialize(): Instance count: 1");
 }
 
 TEST_F(VemraRevise, AppendsToTheArchiveDoPrintNamed) {
@@ -171,6 +176,41 @@ TEST_F(VemraRevise, HelpIsNoError) {
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_TRUE(Contains(run.out, "Usage: vemra-revise")) << run.out;
   EXPECT_TRUE(run.err.empty()) << run.err;
+}
+
+// HARP.ini in the configuration directory; a TIFF appended for real.
+TEST_F(VemraRevise, RunsTheHarpPrinterWithItsConfigurationAndAppendsATiff) {
+  std::filesystem::create_directories(dir / "rev");
+  WriteFile(dir / "HARP.ini",
+            "[Default]\nPrinterName=HARP PS\nRevisionExtension=.TIF\nConvertCommand=gs\n"
+            "[ConvertCommand Parameters]\nDevice=tiffg4\n");
+  for (const auto& [name, pages] : {std::pair{"A-100.TIF", 1}, std::pair{"scan.tif", 2}}) {
+    WriteFile(dir / "page.ps", "%!PS\n1 1 " + std::to_string(pages) + " { pop showpage } for\n");
+    const std::string gs = "gs -q -dSAFER -dNOPAUSE -dBATCH -r20 -sDEVICE=tiffg4 -sOutputFile=" +
+                           ShellQuoted((dir / "rev" / name).string()) + " " +
+                           ShellQuoted((dir / "page.ps").string());
+    ASSERT_EQ(std::system(gs.c_str()), 0);
+  }
+  const Outcome run =
+      Revise(Args("VemraHARP", {"--append", (dir / "rev" / "scan.tif").string(), "--append-to",
+                                (dir / "rev" / "A-100.TIF").string()}),
+             {{kConfigDirectoryVariable, dir.Path().string()}});
+  EXPECT_EQ(run.exitCode, 1);  // DoPrint refuses
+  EXPECT_TRUE(Contains(run.out, "Extension -> \".TIF\"\n")) << run.out;
+  EXPECT_TRUE(Contains(run.out, "AppendFile -> True\n")) << run.out;
+  EXPECT_EQ(TiffPageCount((dir / "rev" / "A-100.TIF").string()), 3);
+  const auto sources = EntriesOf(log, "SOURCE");
+  ASSERT_FALSE(sources.empty());
+  EXPECT_EQ(
+      sources.front(),
+      (Fields{
+          "Printer", "8", "42",
+          "VemraKestrivon::HARPConfiguration::LoadSettingsFromIniFile(): Reading ini-file..."}));
+  EXPECT_EQ(
+      sources.back(),
+      (Fields{
+          "Printer", "2", "42",
+          "VemraKestrivon::VemraHARP.IRevisionPrinter_DoPrint(): Harp Printer is not supported"}));
 }
 
 }  // namespace

@@ -75,6 +75,16 @@ class SettingsCollection {
   virtual Variant Item(const std::string& name) = 0;
 };
 
+// The running host application as a document's workset supplies it
+// (late-bound Workset.Application).
+class HostApplication {
+ public:
+  virtual ~HostApplication() = default;
+  virtual bool Exist(const std::string& key) = 0;
+  // The folder of the host's executable.
+  virtual std::string ApplicationPath() = 0;
+};
+
 // A host document (interface IVemraDocument and its late-bound members).
 class Document {
  public:
@@ -83,6 +93,9 @@ class Document {
   virtual HostObjectRef TypeObject() = 0;
   // Workset.Settings, late-bound; null when the document has no workset.
   virtual std::shared_ptr<SettingsCollection> WorksetSettings() = 0;
+  // Workset.Application, late-bound; null when the document has no workset
+  // or the workset no application.
+  virtual std::shared_ptr<HostApplication> WorksetApplication() = 0;
   // PrintSettings, late-bound: an opaque value handed unchanged to the
   // device-mode preparation of the printer.
   virtual HostObjectRef PrintSettings() = 0;

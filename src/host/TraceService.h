@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "host/HostObject.h"
 #include "runtime/RunTimeError.h"
 
 namespace kestrivon::host {
@@ -24,6 +25,13 @@ class TraceService {
   virtual int32_t ShowMessageBox(const std::string& prompt, int32_t buttons,
                                  const std::string& title) = 0;
   virtual bool CopyFile(const std::string& source, const std::string& target, bool overwrite) = 0;
+  // The key that the workset's application is asked with Exist before its
+  // ApplicationPath is read; a host without one answers empty.
+  virtual std::string ApplicationPathKey() { return {}; }
+  // The running host application, and a named process-wide host object
+  // ("Workset"); null when there is none.
+  virtual HostObjectRef Application() = 0;
+  virtual HostObjectRef GetObject(const std::string& name) = 0;
 };
 
 // The host's diagnostic level and watcher of the component's live counters.

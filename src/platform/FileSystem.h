@@ -58,7 +58,8 @@ void WriteAnsiTextLines(const std::string& path, const std::vector<std::string>&
 // OpenTextFile(path, ForReading, False) and count ReadLine calls: each line
 // ends at CR LF or LF and comes back in UTF-8. Raises 53 when there is no
 // such file, 70 when it cannot be opened and 62 "Input past end of file"
-// when a ReadLine call finds the end.
+// when a ReadLine call finds the end. kAllLines reads until the end.
+inline constexpr size_t kAllLines = static_cast<size_t>(-1);
 std::vector<std::string> ReadAnsiTextLines(const std::string& path, size_t count);
 
 }  // namespace kestrivon::platform

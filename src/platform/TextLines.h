@@ -19,12 +19,15 @@ inline std::string Join(const std::vector<std::string>& lines) {
 }
 
 // The first count lines of the file's bytes; a ReadLine past the end raises
-// 62, as the text stream does.
+// 62, as the text stream does. A count of SIZE_MAX takes every line.
 inline std::vector<std::string> Split(const std::string& bytes, size_t count) {
   std::vector<std::string> lines;
   size_t start = 0;
   while (lines.size() < count) {
-    if (start >= bytes.size()) RaiseFileSystemError(kErrInputPastEndOfFile);
+    if (start >= bytes.size()) {
+      if (count == static_cast<size_t>(-1)) break;  // every line up to the end
+      RaiseFileSystemError(kErrInputPastEndOfFile);
+    }
     size_t end = bytes.find('\n', start);
     if (end == std::string::npos) end = bytes.size();
     size_t stop = end;

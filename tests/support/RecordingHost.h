@@ -79,6 +79,14 @@ class RecordingHost : public host::TraceService, public host::InstanceMonitor {
   // Records each copy ("source|target"); copies for real when copiesFiles.
   bool CopyFile(const std::string& source, const std::string& target, bool overwrite) override;
   Lines copies;
+  // Application and GetObject answer these (null when unset).
+  host::HostObjectRef application;
+  std::map<std::string, host::HostObjectRef> objects;
+  host::HostObjectRef Application() override { return application; }
+  host::HostObjectRef GetObject(const std::string& name) override {
+    const auto it = objects.find(name);
+    return it == objects.end() ? nullptr : it->second;
+  }
   void RegisterCounter(const std::string& name, int32_t* counter) override {
     counters[name] = counter;
   }

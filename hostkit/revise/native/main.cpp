@@ -9,9 +9,11 @@
 
 #include "core/Environment.h"
 #include "core/HostKit.h"
+#include "core/HostWorkset.h"
 #include "core/PdfMerge.h"
 #include "core/PrintWorldHost.h"
 #include "core/Settings.h"
+#include "core/TiffMerge.h"
 #include "host/portable/HostActivation.h"
 #include "platform/portable/DebugOutput.h"
 #include "printers/PrinterCatalogue.h"
@@ -85,7 +87,14 @@ class NativeBackend final : public revise::ReviseBackend {
         .instanceMonitor =
             [this] { return std::shared_ptr<host::InstanceMonitor>(kit_->instanceMonitor); },
         .pdfMerge = [] { return std::shared_ptr<host::PdfMerge>(std::make_shared<PdfMerge>()); },
+        .vemra = [this] { return std::shared_ptr<host::Workset>(NewWorkset()); },
+        .traceFacility = [this] { return std::make_shared<SimTraceFacility>(kit_->log); },
+        .tiffMerge = [] { return std::shared_ptr<host::TiffMerge>(std::make_shared<TiffMerge>()); },
     };
+    // The host application with its workset, as Vemra has them while it runs.
+    auto application = std::make_shared<host::portable::RunningApplicationObject>();
+    application->workset = NewWorkset();
+    kit_->traceService->SetApplication(application, application->workset);
     if (const auto file = GetEnvironment(kPrintWorldVariable)) {
       world_ =
           std::make_unique<InstalledPrintWorld>(LoadPrintWorld(PathFromUtf8(*file)), kit_->log);
@@ -97,6 +106,10 @@ class NativeBackend final : public revise::ReviseBackend {
       std::fprintf(stderr, "debugstr: %s\n", line.c_str());
       std::fflush(stderr);
     });
+  }
+
+  std::shared_ptr<host::portable::WorksetObject> NewWorkset() {
+    return NewHostWorkset(kit_->log, kit_->settings.configDirectory);
   }
 
   std::optional<HostKit> kit_;

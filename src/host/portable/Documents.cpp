@@ -1,6 +1,7 @@
 #include "host/portable/Documents.h"
 
 #include "host/Printing.h"
+#include "host/Workset.h"
 #include "runtime/RunTimeError.h"
 #include "runtime/Text.h"
 
@@ -28,6 +29,12 @@ std::shared_ptr<Owner> AsOwner(const HostObjectRef& object) { return As<Owner>(o
 std::shared_ptr<Document> AsDocument(const HostObjectRef& object) { return As<Document>(object); }
 
 std::shared_ptr<Printer> AsPrinter(const HostObjectRef& object) { return As<Printer>(object); }
+
+std::shared_ptr<RunningApplication> AsRunningApplication(const HostObjectRef& object) {
+  return As<RunningApplication>(object);
+}
+
+std::shared_ptr<Workset> AsWorkset(const HostObjectRef& object) { return As<Workset>(object); }
 
 namespace portable {
 

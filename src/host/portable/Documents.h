@@ -3,6 +3,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -76,6 +77,15 @@ class SettingsObject : public HostObject, public SettingsCollection {
   Variant Item(const std::string& name) override;
 };
 
+// Workset.Application: Exist answers for the keys given.
+class ApplicationObject : public HostObject, public HostApplication {
+ public:
+  bool Exist(const std::string& key) override { return keys.count(key) != 0; }
+  std::string ApplicationPath() override { return applicationPath; }
+  std::set<std::string> keys;
+  std::string applicationPath;
+};
+
 // A document, a document type or a user: the base interface's members are
 // plain fields; a document also has a type, a workset and print settings.
 class DocumentObject : public HostObject, public VemraObject, public Document {
@@ -90,6 +100,7 @@ class DocumentObject : public HostObject, public VemraObject, public Document {
   std::string Number() override { return number; }
   HostObjectRef TypeObject() override { return typeObject; }
   std::shared_ptr<SettingsCollection> WorksetSettings() override { return settings; }
+  std::shared_ptr<HostApplication> WorksetApplication() override { return application; }
   HostObjectRef PrintSettings() override { return printSettings; }
 
   std::string name;
@@ -100,6 +111,7 @@ class DocumentObject : public HostObject, public VemraObject, public Document {
   std::string number;
   HostObjectRef typeObject;
   std::shared_ptr<SettingsObject> settings;
+  std::shared_ptr<ApplicationObject> application;
   HostObjectRef printSettings;
 };
 

@@ -41,4 +41,10 @@ std::shared_ptr<DocumentFileHelper> CreateDocumentFileHelper() {
   return Create(Factories().documentFileHelper);
 }
 
+std::shared_ptr<Workset> NewVemraObject() { return Create(Factories().vemra); }
+
+std::shared_ptr<TraceFacility> CreateTraceFacility() { return Create(Factories().traceFacility); }
+
+std::shared_ptr<TiffMerge> CreateTiffMerge() { return Create(Factories().tiffMerge); }
+
 }  // namespace kestrivon::host

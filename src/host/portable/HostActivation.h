@@ -5,6 +5,7 @@
 
 #include "host/Printing.h"
 #include "host/TraceService.h"
+#include "host/Workset.h"
 
 namespace kestrivon::host::portable {
 
@@ -19,6 +20,10 @@ struct HostFactories {
   std::function<std::shared_ptr<UIPolicy>()> uiPolicy{};
   std::function<std::shared_ptr<PdfMerge>()> pdfMerge{};
   std::function<std::shared_ptr<DocumentFileHelper>()> documentFileHelper{};
+  // GetObject("", "Vemra"), Vemra.TraceFacility, Vemra.TiffMerge.
+  std::function<std::shared_ptr<Workset>()> vemra{};
+  std::function<std::shared_ptr<TraceFacility>()> traceFacility{};
+  std::function<std::shared_ptr<TiffMerge>()> tiffMerge{};
 };
 
 void InstallHostFactories(HostFactories factories);

@@ -17,6 +17,30 @@ HostObjectRef WrapHostObject(IDispatch* dispatch) {
   return std::make_shared<ComHostObject>(dispatch);
 }
 
+ComPtr<IDispatch> ObjectOf(VARIANT& value) {
+  if (V_VT(&value) == VT_DISPATCH) return ComPtr<IDispatch>::Share(V_DISPATCH(&value));
+  if (V_VT(&value) == VT_UNKNOWN && V_UNKNOWN(&value) != nullptr) {
+    ComPtr<IDispatch> dispatch;
+    Check(V_UNKNOWN(&value)->QueryInterface(IID_IDispatch, dispatch.PutVoid()));
+    return dispatch;
+  }
+  if (V_VT(&value) == VT_EMPTY || V_VT(&value) == VT_NULL || V_VT(&value) == VT_UNKNOWN) return {};
+  Raise(vb_error::kTypeMismatch);
+}
+
+comkit::Variant StringArray(const std::vector<std::string>& items) {
+  comkit::Variant list;
+  SAFEARRAY* array = SafeArrayCreateVector(VT_BSTR, 0, static_cast<ULONG>(items.size()));
+  if (array == nullptr) Raise(vb_error::kOutOfMemory);
+  V_VT(list.Put()) = VT_ARRAY | VT_BSTR;
+  V_ARRAY(&list.Get()) = array;
+  for (LONG i = 0; i < static_cast<LONG>(items.size()); ++i) {
+    comkit::Bstr item(items[static_cast<size_t>(i)]);
+    Check(SafeArrayPutElement(array, &i, item.Get()));
+  }
+  return list;
+}
+
 void Invoke(IDispatch* object, const wchar_t* name, WORD flags, std::vector<VARIANT> arguments,
             VARIANT* result) {
   if (object == nullptr) Raise(vb_error::kObjectVariableNotSet);

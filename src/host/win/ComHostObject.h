@@ -2,10 +2,12 @@
 
 #include <oaidl.h>
 
+#include <string>
 #include <vector>
 
 #include "comkit/ComPtr.h"
 #include "comkit/Variant.h"
+#include "host/Documents.h"
 #include "host/HostObject.h"
 
 namespace kestrivon::host::win {
@@ -25,6 +27,19 @@ class ComHostObject : public HostObject {
 
 // nullptr for a missing object (NULL), as the host passes Nothing.
 HostObjectRef WrapHostObject(IDispatch* dispatch);
+
+// The object a member answered: null for Nothing (Empty, Null, a null
+// object); raises 13 for a value that is no object.
+ComPtr<IDispatch> ObjectOf(VARIANT& value);
+
+// A Variant holding an array of strings, as the run time passes a String
+// array.
+comkit::Variant StringArray(const std::vector<std::string>& items);
+
+// Workset.Settings of a late-bound workset; null for Nothing.
+std::shared_ptr<SettingsCollection> WrapSettings(IDispatch* settings);
+// Workset.Application of a late-bound workset; null for Nothing.
+std::shared_ptr<HostApplication> WrapApplication(IDispatch* application);
 
 // Calls a member by name, the arguments in call order; raises the callee's
 // error (91 for a missing object).

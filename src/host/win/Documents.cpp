@@ -28,22 +28,10 @@ using win::Check;
 
 using win::Invoke;
 
-// The object a member answered; null for Nothing.
-ComPtr<IDispatch> DispatchOf(VARIANT& value) {
-  if (V_VT(&value) == VT_DISPATCH) return ComPtr<IDispatch>::Share(V_DISPATCH(&value));
-  if (V_VT(&value) == VT_UNKNOWN && V_UNKNOWN(&value) != nullptr) {
-    ComPtr<IDispatch> dispatch;
-    Check(V_UNKNOWN(&value)->QueryInterface(IID_IDispatch, dispatch.PutVoid()));
-    return dispatch;
-  }
-  if (V_VT(&value) == VT_EMPTY || V_VT(&value) == VT_NULL) return {};
-  Raise(vb_error::kTypeMismatch);
-}
-
 ComPtr<IDispatch> GetObjectMember(IDispatch* object, const wchar_t* name) {
   OwnedVariant result;
   Invoke(object, name, DISPATCH_PROPERTYGET | DISPATCH_METHOD, {}, result.Put());
-  return DispatchOf(result.Get());
+  return win::ObjectOf(result.Get());
 }
 
 Variant ToVariant(VARIANT& value) {
@@ -106,7 +94,7 @@ class ComMessagePack final : public MessagePack {
   std::shared_ptr<MessageEntry> AddNew() override {
     OwnedVariant result;
     Invoke(pack_.Get(), L"AddNew", DISPATCH_METHOD | DISPATCH_PROPERTYGET, {}, result.Put());
-    ComPtr<IDispatch> entry = DispatchOf(result.Get());
+    ComPtr<IDispatch> entry = win::ObjectOf(result.Get());
     if (!entry) return nullptr;
     return std::make_shared<ComMessageEntry>(std::move(entry));
   }
@@ -229,6 +217,21 @@ class ComSettings final : public SettingsCollection {
   ComPtr<IDispatch> settings_;
 };
 
+// Workset.Application: Exist(key) and ApplicationPath.
+class ComApplication final : public HostApplication {
+ public:
+  explicit ComApplication(ComPtr<IDispatch> application) : application_(std::move(application)) {}
+  bool Exist(const std::string& key) override { return AskExist(application_.Get(), key); }
+  std::string ApplicationPath() override {
+    OwnedVariant result;
+    Invoke(application_.Get(), L"ApplicationPath", DISPATCH_PROPERTYGET, {}, result.Put());
+    return VariantToString(ToVariant(result.Get()));
+  }
+
+ private:
+  ComPtr<IDispatch> application_;
+};
+
 class ComDocument final : public Document {
  public:
   ComDocument(ComPtr<IVemraDocument> document, ComPtr<IDispatch> dispatch)
@@ -239,11 +242,12 @@ class ComDocument final : public Document {
     return Wrap(type);
   }
   std::shared_ptr<SettingsCollection> WorksetSettings() override {
-    const ComPtr<IDispatch> workset = GetObjectMember(dispatch_.Get(), L"Workset");
-    if (!workset) return nullptr;
-    ComPtr<IDispatch> settings = GetObjectMember(workset.Get(), L"Settings");
+    ComPtr<IDispatch> settings = WorksetMember(L"Settings");
     if (!settings) return nullptr;
     return std::make_shared<ComSettings>(std::move(settings));
+  }
+  std::shared_ptr<HostApplication> WorksetApplication() override {
+    return win::WrapApplication(WorksetMember(L"Application").Get());
   }
   HostObjectRef PrintSettings() override {
     OwnedVariant value;
@@ -252,6 +256,11 @@ class ComDocument final : public Document {
   }
 
  private:
+  // A member of the document's workset; null without a workset.
+  ComPtr<IDispatch> WorksetMember(const wchar_t* name) {
+    const ComPtr<IDispatch> workset = GetObjectMember(dispatch_.Get(), L"Workset");
+    return workset ? GetObjectMember(workset.Get(), name) : ComPtr<IDispatch>();
+  }
   ComPtr<IVemraDocument> document_;
   ComPtr<IDispatch> dispatch_;
 };
@@ -264,6 +273,16 @@ ComPtr<Interface> Query(const HostObjectRef& object) {
 }
 
 }  // namespace
+
+std::shared_ptr<HostApplication> win::WrapApplication(IDispatch* application) {
+  if (application == nullptr) return nullptr;
+  return std::make_shared<ComApplication>(ComPtr<IDispatch>::Share(application));
+}
+
+std::shared_ptr<SettingsCollection> win::WrapSettings(IDispatch* settings) {
+  if (settings == nullptr) return nullptr;
+  return std::make_shared<ComSettings>(ComPtr<IDispatch>::Share(settings));
+}
 
 std::shared_ptr<VemraObject> AsVemraObject(const HostObjectRef& object) {
   if (!object) return nullptr;

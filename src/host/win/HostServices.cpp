@@ -16,6 +16,7 @@
 #include "comkit/Variant.h"
 #include "host/TraceService.h"
 #include "host/win/ComError.h"
+#include "host/win/ComHostObject.h"
 #include "runtime/RunTimeError.h"
 
 namespace kestrivon::host {
@@ -59,6 +60,12 @@ class ComTraceService final : public TraceService {
     return out.Utf8();
   }
 
+  std::string ApplicationPathKey() override {
+    Bstr key;
+    Check(service_->get_ApplicationPathKey(key.Put()));
+    return key.Utf8();
+  }
+
   int32_t CurrentTicks() override {
     long ticks = 0;
     Check(service_->CurrentTicks(&ticks));
@@ -88,6 +95,19 @@ class ComTraceService final : public TraceService {
     Check(service_->CopyFile(sourceText.Get(), targetText.Get(),
                              overwrite ? VARIANT_TRUE : VARIANT_FALSE, &copied));
     return copied != VARIANT_FALSE;
+  }
+
+  HostObjectRef Application() override {
+    ComPtr<IDispatch> application;
+    Check(service_->get_Application(application.Put()));
+    return win::WrapHostObject(application.Get());
+  }
+
+  HostObjectRef GetObject(const std::string& name) override {
+    Bstr text(name);
+    ComPtr<IDispatch> object;
+    Check(service_->GetObject(text.Get(), object.Put()));
+    return win::WrapHostObject(object.Get());
   }
 
  private:

@@ -189,17 +189,7 @@ class ComPdfMerge final : public PdfMerge {
   explicit ComPdfMerge(ComPtr<IDispatch> merge) : merge_(std::move(merge)) {}
   bool Merge(const std::string& options, const std::vector<std::string>& files,
              const std::string& target) override {
-    // The files as a Variant holding an array of strings, as the run time
-    // passes a String array.
-    OwnedVariant list;
-    SAFEARRAY* array = SafeArrayCreateVector(VT_BSTR, 0, static_cast<ULONG>(files.size()));
-    if (array == nullptr) Raise(vb_error::kOutOfMemory);
-    V_VT(list.Put()) = VT_ARRAY | VT_BSTR;
-    V_ARRAY(&list.Get()) = array;
-    for (LONG i = 0; i < static_cast<LONG>(files.size()); ++i) {
-      Bstr file(files[static_cast<size_t>(i)]);
-      Check(SafeArrayPutElement(array, &i, file.Get()));
-    }
+    const OwnedVariant list = win::StringArray(files);
     const auto optionsArgument = OwnedVariant::Text(options);
     const auto targetArgument = OwnedVariant::Text(target);
     OwnedVariant result;
@@ -224,12 +214,12 @@ std::shared_ptr<Printer> AsPrinter(const HostObjectRef& object) {
 }
 
 std::shared_ptr<DocFctDist> CreateDocFctDist() {
-  return std::make_shared<ComDocFctDist>(Create<IDocFctDist>(CLSID_DocFctDist));
+  return std::make_shared<ComDocFctDist>(Create<IDocFctDist>(__uuidof(::DocFctDist)));
 }
 
 std::shared_ptr<DocumentFileHelper> CreateDocumentFileHelper() {
   return std::make_shared<ComDocumentFileHelper>(
-      Create<IDocumentFileHelper>(CLSID_DocumentFileHelper));
+      Create<IDocumentFileHelper>(__uuidof(::DocumentFileHelper)));
 }
 
 std::shared_ptr<PrinterManager> CreatePrinterManager() {

@@ -4,10 +4,14 @@
 
 #include "frame/ClassFrame.h"
 #include "frame/trace/Trace.h"
+#include "pipeline/PrintJobDriver.h"
+#include "printers/pdf/AcrobatSettings.h"
+#include "runtime/ErrorHandler.h"
+#include "services/MessageTexts.h"
 
 namespace kestrivon {
 
-AcrobatDistiller::AcrobatDistiller() {
+AcrobatDistiller::AcrobatDistiller() : AcrobatPrinter(kClassLabel) {
   CountedClassInitialize(kClassLabel, [](int32_t n) {
     DebugTrace("### VemraKestrivon::AcrobatDistiller::Class_Initialize(): InstanceCount = " +
                std::to_string(n));
@@ -15,10 +19,52 @@ AcrobatDistiller::AcrobatDistiller() {
 }
 
 AcrobatDistiller::~AcrobatDistiller() {
-  CountedClassTerminate(kClassLabel, nullptr, [](int32_t n) {
-    DebugTrace("### VemraKestrivon::AcrobatDistiller::Class_Terminate(): InstanceCount = " +
-               std::to_string(n));
+  CountedClassTerminate(
+      kClassLabel, [this] { ShutdownDevice(); },
+      [](int32_t n) {
+        DebugTrace("### VemraKestrivon::AcrobatDistiller::Class_Terminate(): InstanceCount = " +
+                   std::to_string(n));
+      });
+}
+
+bool AcrobatDistiller::InitPrnSettings() {
+  return Procedure(kClassLabel, " Function IRevisionPrinter_InitPrnSettings").Guard(false, [&] {
+    if (!device_.Name().empty()) return true;
+    if (!IsAcrbVer5()) return false;
+    if (!device_.SetFilePrinterByName("Vemra Acrobat Distiller")) {
+      device_.SetFilePrinterByName("Acrobat Distiller");
+    }
+    return true;
   });
 }
+
+std::string AcrobatDistiller::CheckPrnSettings() {
+  return Procedure(kClassLabel, "Function IRevisionPrinter_CheckPrnSettings")
+      .Guard(std::string(), [&] {
+        if (!device_.IPrinter()) InitPrnSettings();
+        if (!device_.IPrinter()) return TraceServiceObject().ResolveText(messages::k02821);
+        return CheckAcrobatPRN(device_.Name());
+      });
+}
+
+bool AcrobatDistiller::DoPrint(const host::HostObjectRef& document,
+                               const host::HostObjectRef& /*owner*/,
+                               const std::string& revisionFolder, const std::string& fileName) {
+  return AcrobatDoPrint(document, revisionFolder, fileName);
+}
+
+bool AcrobatDistiller::CollectPrintedFile(const host::HostObjectRef& /*document*/,
+                                          const std::string& outputFolder, std::string& outputFile,
+                                          const std::string& target) {
+  outputFile = GetAdobeRevisionFile(outputFolder, device_.IPrinter());
+  if (outputFile.empty()) {
+    WriteTrace(P("could not find the printed revision file."));
+    return false;
+  }
+  // No wait: a driver still writing makes the copy fail, without a trace.
+  return CopyIntoRevisionFolder(outputFile, target);
+}
+
+void AcrobatDistiller::AnnounceLockDeletion() { WriteTrace(P("about to delete lock-file...")); }
 
 }  // namespace kestrivon

@@ -1,13 +1,14 @@
 #pragma once
 
-#include "frame/RevisionPrinter.h"
 #include "frame/trace/ClassLabels.h"
+#include "printers/pdf/PdfRevisionPrinter.h"
 
 namespace kestrivon {
 
-// Revision printer of its driver family; the printing operations answer
-// their failure value until the family's pipeline is in place.
-class AcrobatDistiller final : public RevisionPrinterFrame {
+// The revision printer of Acrobat Distiller 5.0: as the Adobe PDF printer,
+// without the job-control step, and copying the driver's file as soon as it
+// is found.
+class AcrobatDistiller final : public AcrobatPrinter {
  public:
   static constexpr const char* kClassLabel = labels::kAcrobatDistiller;
 
@@ -16,7 +17,16 @@ class AcrobatDistiller final : public RevisionPrinterFrame {
   AcrobatDistiller(const AcrobatDistiller&) = delete;
   AcrobatDistiller& operator=(const AcrobatDistiller&) = delete;
 
-  std::string Extension() override { return ".PDF"; }
+  bool DoPrint(const host::HostObjectRef& document, const host::HostObjectRef& owner,
+               const std::string& revisionFolder, const std::string& fileName) override;
+  // True whenever Distiller 5.0 is installed, printer found or not.
+  bool InitPrnSettings() override;
+  std::string CheckPrnSettings() override;
+
+ private:
+  bool CollectPrintedFile(const host::HostObjectRef& document, const std::string& outputFolder,
+                          std::string& outputFile, const std::string& target) override;
+  void AnnounceLockDeletion() override;
 };
 
 }  // namespace kestrivon

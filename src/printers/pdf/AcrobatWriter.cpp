@@ -4,10 +4,16 @@
 
 #include "frame/ClassFrame.h"
 #include "frame/trace/Trace.h"
+#include "host/Printing.h"
+#include "pipeline/PrintJobDriver.h"
+#include "platform/FileSystem.h"
+#include "printers/pdf/AcrobatSettings.h"
+#include "runtime/ErrorHandler.h"
+#include "services/OutputFileWaiting.h"
 
 namespace kestrivon {
 
-AcrobatWriter::AcrobatWriter() {
+AcrobatWriter::AcrobatWriter() : PdfRevisionPrinter(kClassLabel) {
   CountedClassInitialize(kClassLabel, [](int32_t n) {
     DebugTrace("### VemraKestrivon::AcrobatWriter::Class_Initialize(): Instance count: " +
                std::to_string(n));
@@ -15,10 +21,45 @@ AcrobatWriter::AcrobatWriter() {
 }
 
 AcrobatWriter::~AcrobatWriter() {
-  CountedClassTerminate(kClassLabel, nullptr, [](int32_t n) {
-    // The release line names DoPrint; the wording is kept as released.
-    DebugTrace("### VemraKestrivon::AcrobatWriter::IRevisionPrinter_DoPrint(): Instance count: " +
-               std::to_string(n));
+  CountedClassTerminate(
+      kClassLabel, [this] { ShutdownDevice(); },
+      [](int32_t n) {
+        // The release line names DoPrint; the wording is kept as released.
+        DebugTrace(
+            "### VemraKestrivon::AcrobatWriter::IRevisionPrinter_DoPrint(): Instance count: " +
+            std::to_string(n));
+      });
+}
+
+bool AcrobatWriter::InitPrnSettings() {
+  return Procedure(kClassLabel, "IRevisionPrinter_InitPrnSettings").Guard(false, [&] {
+    return device_.IPrinter() != nullptr;
+  });
+}
+
+bool AcrobatWriter::DoPrint(const host::HostObjectRef& document,
+                            const host::HostObjectRef& /*owner*/, const std::string& revisionFolder,
+                            const std::string& fileName) {
+  return Procedure(kClassLabel, "IAcrobatWriter::DoPrint").Guard(false, [&] {
+    std::string target;
+    if (const auto done = StartDoPrint(document, revisionFolder, fileName, target, true)) {
+      return *done;
+    }
+    CheckPrnSettings();
+    const host::HostObjectRef printer = device_.IPrinter();
+    // The device mode is given the printer's default property, its name.
+    const std::string printerText = printer ? Required(host::AsPrinter(printer)).Name() : "";
+    if (!PrinterReady(document, printerText)) return false;
+    std::string outputFile = DocumentFileHelperObject().TempOutputName(Extension());
+    if (platform::FileExists(outputFile)) DeleteTempOutputFile(outputFolder_);
+    SetAcrobatPDFWriterOutput(outputFile);
+    if (!IRevisionPrinterDoPrint(document, device_.Name(), printer)) return false;
+    outputFile = GetAdobeRevisionFile(outputFolder_, printer);
+    if (outputFile.empty()) {
+      WriteTrace(P("could not find the printed revision file."));
+      return false;
+    }
+    return CopyIntoRevisionFolder(outputFile, target);
   });
 }
 

@@ -4,10 +4,25 @@
 
 #include "frame/ClassFrame.h"
 #include "frame/trace/Trace.h"
+#include "host/Documents.h"
+#include "pipeline/PrintJobDriver.h"
+#include "platform/Shell.h"
+#include "printers/pdf/AcrobatSettings.h"
+#include "runtime/ErrorHandler.h"
+#include "services/MessageTexts.h"
+#include "services/OutputFileWaiting.h"
+#include "services/RegistrySettings.h"
 
 namespace kestrivon {
+namespace {
 
-AdobePDF::AdobePDF() {
+const std::string kLabel = labels::kAdobePDF;
+constexpr const char* kJobControlKey = "Software\\Adobe\\Acrobat Distiller\\PrinterJobControl";
+constexpr size_t kExecutableBuffer = 260;
+
+}  // namespace
+
+AdobePDF::AdobePDF() : AcrobatPrinter(kClassLabel) {
   CountedClassInitialize(kClassLabel, [](int32_t n) {
     WriteTrace("### VemraKestrivon::AdobePDF::Class_Initialize(): Instance count: " +
                std::to_string(n));
@@ -15,10 +30,138 @@ AdobePDF::AdobePDF() {
 }
 
 AdobePDF::~AdobePDF() {
-  CountedClassTerminate(kClassLabel, nullptr, [](int32_t n) {
-    // The release line repeats the creation wording.
-    DebugTrace("### VemraKestrivon::AdobePDF::Class_Initialize(): Instance count: " +
-               std::to_string(n));
+  CountedClassTerminate(
+      kClassLabel, [this] { ShutdownDevice(); },
+      [](int32_t n) {
+        // The release line repeats the creation wording.
+        DebugTrace("### VemraKestrivon::AdobePDF::Class_Initialize(): Instance count: " +
+                   std::to_string(n));
+      });
+}
+
+bool AdobePDF::InitPrnSettings() {
+  return Procedure(kClassLabel, " Function IRevisionPrinter_InitPrnSettings").Guard(false, [&] {
+    if (device_.Name().empty()) {
+      if (device_.SetFilePrinterByName("Vemra Adobe PDF")) return true;
+      if (device_.SetFilePrinterByName("Adobe PDF")) return true;
+    }
+    return device_.IPrinter() != nullptr;
+  });
+}
+
+std::string AdobePDF::CheckPrnSettings() {
+  return Procedure(kClassLabel, "Function IRevisionPrinter_CheckPrnSettings")
+      .Guard(std::string(), [&] {
+        if (device_.Name().empty()) InitPrnSettings();
+        if (device_.Name().empty()) {
+          return TraceServiceObject().ResolveText(messages::k02822);
+        }
+        const std::string result = CheckAcrobatPRN(device_.Name());
+        jobControl_ = false;
+        if (!result.empty()) {
+          WriteTrace(kLabel + "::IRevisionPrinter_CheckPrnSettings(): '" + result + "'");
+        }
+        return result;
+      });
+}
+
+bool AdobePDF::DoPrint(const host::HostObjectRef& document, const host::HostObjectRef& /*owner*/,
+                       const std::string& revisionFolder, const std::string& fileName) {
+  return AcrobatDoPrint(document, revisionFolder, fileName);
+}
+
+void AdobePDF::BeforePrinting(const host::HostObjectRef& document, std::string& outputFile) {
+  if (!jobControl_) return;
+  const std::string documentFile = DocumentFileHelperObject().FileName(document);
+  if (!documentFile.empty()) {
+    outputFile = SetAdobePDFOutputFileName(IsVemraDoc(document), document, documentFile);
+    if (outputFile.empty()) WriteTrace(P("setting output filename failed --> aborting"));
+  } else {
+    WriteTrace(P("document filename not found"));
+  }
+  // Printing goes on in both cases, whatever the traces say.
+}
+
+bool AdobePDF::CollectPrintedFile(const host::HostObjectRef& document,
+                                  const std::string& outputFolder, std::string& outputFile,
+                                  const std::string& target) {
+  if (!jobControl_) outputFile = GetAdobeRevisionFile(outputFolder, device_.IPrinter());
+  WriteTrace(P("waiting for revision ('" + outputFile + "')..."));
+  if (outputFile.empty()) {
+    WriteTrace(P("revision of " + Required(host::AsVemraObject(document)).Name() + " failed"));
+    return false;
+  }
+  if (!WaitWhileFileInAccess(outputFile)) return false;
+  if (!TraceServiceObject().CopyFile(outputFile, target, true)) {
+    WriteTrace(P("'" + outputFile + "' could not be copied into revision directory!"));
+    return false;
+  }
+  WriteTrace(P("output file successfully copied into revision directory."));
+  DeleteTempOutputFile(outputFile);
+  return true;
+}
+
+void AdobePDF::AnnounceLockDeletion() {
+  if (PPMLevelDebug()) DebugTrace("### " + P("about to delete lock-file..."));
+}
+
+std::string AdobePDF::SetAdobePDFOutputFileName(bool isVemraDoc,
+                                                const host::HostObjectRef& document,
+                                                const std::string& documentFile) {
+  return Procedure(kClassLabel, "SetAdobePDFOutputFileName").Guard(std::string(), [&] {
+    const std::string s = kLabel + "::SetAdobePDFOutputFileName(): ";
+    const std::string application = GetApplicationPath(document, isVemraDoc, documentFile);
+    if (application.empty()) {
+      WriteTrace(s + "failed to set output filename");
+      return std::string();
+    }
+    const std::string outputFile = DocumentFileHelperObject().TempOutputName("pdf");
+    if (outputFile.empty()) {
+      WriteTrace(s + "calculating output filename failed");
+      return std::string();
+    }
+    // The driver's own convention: the next job of the executable named by
+    // the value goes to the file named by its data.
+    std::string result;
+    if (SetValue(kHKeyCurrentUser, kJobControlKey, application, outputFile)) {
+      result = outputFile;
+      WriteTrace(s + "output filename set to '" + outputFile + "'");
+    } else {
+      WriteTrace(s + "setting output filename via registry failed");
+    }
+    WriteTrace(s + "printing will be done via '" + application + "'");
+    return result;
+  });
+}
+
+std::string AdobePDF::GetApplicationPath(const host::HostObjectRef& document, bool isVemraDoc,
+                                         const std::string& documentFile) {
+  return Procedure(kClassLabel, "GetApplicationPath").Guard(std::string(), [&] {
+    const std::string g = kLabel + "::GetApplicationPath(): ";
+    std::string path;
+    if (isVemraDoc) {
+      auto& application = Required(Required(host::AsDocument(document)).WorksetApplication());
+      if (application.Exist(TraceServiceObject().ApplicationPathKey())) {
+        path = application.ApplicationPath();
+        if (path.empty()) {
+          WriteTrace(g + "retrieving Vemra application path failed");
+          return std::string();
+        }
+        path += "\\Vemra.exe";
+      }
+    } else if (const auto program = platform::FindExecutableFor(documentFile, "")) {
+      path = *program;
+      if (path.empty()) {
+        WriteTrace(g + "retieving application path for external document failed");
+        return std::string();
+      }
+    } else {
+      WriteTrace(g + "no application registered with '" + documentFile + "'");
+      // The buffer of blanks as the failed call leaves it: a NUL first.
+      path = std::string(1, '\0') + std::string(kExecutableBuffer - 1, ' ');
+    }
+    WriteTrace(g + "GetApplicationPath: '" + path + "'");
+    return path;
   });
 }
 

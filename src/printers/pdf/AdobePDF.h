@@ -1,13 +1,14 @@
 #pragma once
 
-#include "frame/RevisionPrinter.h"
 #include "frame/trace/ClassLabels.h"
+#include "printers/pdf/PdfRevisionPrinter.h"
 
 namespace kestrivon {
 
-// Revision printer of its driver family; the printing operations answer
-// their failure value until the family's pipeline is in place.
-class AdobePDF final : public RevisionPrinterFrame {
+// The revision printer of the Adobe PDF driver: prints the document to the
+// driver, finds the PDF that the driver writes into the folder its port
+// names, and copies it into the revision folder.
+class AdobePDF final : public AcrobatPrinter {
  public:
   static constexpr const char* kClassLabel = labels::kAdobePDF;
 
@@ -16,7 +17,29 @@ class AdobePDF final : public RevisionPrinterFrame {
   AdobePDF(const AdobePDF&) = delete;
   AdobePDF& operator=(const AdobePDF&) = delete;
 
-  std::string Extension() override { return ".PDF"; }
+  bool DoPrint(const host::HostObjectRef& document, const host::HostObjectRef& owner,
+               const std::string& revisionFolder, const std::string& fileName) override;
+  bool InitPrnSettings() override;
+  std::string CheckPrnSettings() override;
+
+  // Tells the driver, through its job-control key, the file to write for
+  // the next job of the printing executable; that file, or empty.
+  std::string SetAdobePDFOutputFileName(bool isVemraDoc, const host::HostObjectRef& document,
+                                        const std::string& documentFile);
+  // The executable that sends the print job: the host's own for a host
+  // document, the program registered for the file otherwise.
+  std::string GetApplicationPath(const host::HostObjectRef& document, bool isVemraDoc,
+                                 const std::string& documentFile);
+
+ private:
+  void BeforePrinting(const host::HostObjectRef& document, std::string& outputFile) override;
+  bool CollectPrintedFile(const host::HostObjectRef& document, const std::string& outputFolder,
+                          std::string& outputFile, const std::string& target) override;
+  void AnnounceLockDeletion() override;
+
+  // Every CheckPrnSettings clears it and nothing sets it, so DoPrint always
+  // searches the output folder; the job-control path stays as it was.
+  bool jobControl_ = false;
 };
 
 }  // namespace kestrivon

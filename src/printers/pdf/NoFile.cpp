@@ -1,8 +1,8 @@
 #include "printers/pdf/NoFile.h"
 
 #include "frame/ClassFrame.h"
-#include "runtime/ErrorHandler.h"
 #include "frame/trace/Trace.h"
+#include "runtime/ErrorHandler.h"
 
 namespace kestrivon {
 

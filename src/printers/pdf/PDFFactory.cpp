@@ -1,13 +1,57 @@
 #include "printers/pdf/PDFFactory.h"
 
+#include <memory>
 #include <string>
 
 #include "frame/ClassFrame.h"
 #include "frame/trace/Trace.h"
+#include "pipeline/PrintJobDriver.h"
+#include "platform/Environment.h"
+#include "platform/FileSystem.h"
+#include "runtime/ErrorHandler.h"
+#include "services/MessageTexts.h"
+#include "services/OutputFileWaiting.h"
+#include "services/RegistrySettings.h"
 
 namespace kestrivon {
+namespace {
 
-PDFFactory::PDFFactory() {
+const std::string kLabel = labels::kPDFFactory;
+constexpr const char* kCrLf = "\r\n";
+constexpr const char* kVendorKey = "Software\\FinePrint Software\\";
+constexpr const char* kUnnumbered = "pdfFactory";
+const std::string kWrongSettings =
+    std::string("wrong printer settings: Do not show dialog has to be selected ") +
+    "and Neither of the check boxes beneath 'When PDF file is ready' must be selected.";
+
+std::string Resolved(const std::string& text) { return TraceServiceObject().ResolveText(text); }
+
+// Header, dialog and check-box lines: the text for settings that must all
+// be set anew.
+std::string AllSettingsWrong() {
+  return Resolved(messages::k0282b) + kCrLf + Resolved(messages::k02833) + kCrLf +
+         Resolved(messages::k033d1);
+}
+
+// The value reads the number; a value that cannot be read keeps -999.
+bool Reads(const std::string& key, const char* name, int32_t number) {
+  Variant value = int16_t{-999};
+  GetValue(kHKeyCurrentUser, key, name, value);
+  return VariantToDouble(value) == number;
+}
+
+// A settings check that answers a fixed text after an error.
+template <class Body>
+std::string CheckWithFallback(const char* label, const char* fallback, Body&& body) {
+  const auto text = Procedure(kLabel.c_str(), label)
+                        .Guard(std::optional<std::string>(),
+                               [&]() -> std::optional<std::string> { return body(); });
+  return text ? *text : Resolved(fallback);
+}
+
+}  // namespace
+
+PDFFactory::PDFFactory() : PdfRevisionPrinter(kClassLabel) {
   CountedClassInitialize(kClassLabel, [](int32_t n) {
     DebugTrace("### VemraKestrivon::PDFFactory::Class_Initialize(): Instance count is now " +
                std::to_string(n));
@@ -15,10 +59,192 @@ PDFFactory::PDFFactory() {
 }
 
 PDFFactory::~PDFFactory() {
-  CountedClassTerminate(kClassLabel, nullptr, [](int32_t n) {
-    DebugTrace("### VemraKestrivon::PDFFactory::Class_Terminate(): Instance count is now " +
-               std::to_string(n));
+  CountedClassTerminate(
+      kClassLabel, [this] { ShutdownDevice(); },
+      [](int32_t n) {
+        DebugTrace("### VemraKestrivon::PDFFactory::Class_Terminate(): Instance count is now " +
+                   std::to_string(n));
+      });
+}
+
+bool PDFFactory::InitPrnSettings() {
+  return Procedure(kClassLabel, "Function IRevisionPrinter_InitPrnSettings").Guard(false, [&] {
+    if (!device_.IPrinter()) {
+      for (const char* name : {"Vemra glibus", "glibus", "Vemra pdfFactory", "pdfFactory"}) {
+        if (device_.SetFilePrinterByName(name)) break;
+      }
+    }
+    if (!device_.IPrinter()) return false;
+    WriteTrace(kLabel + ".IRevisionPrinter_InitPrnSettings(): " + "printer found: '" +
+               device_.Name() + "'");
+    return true;
   });
+}
+
+int16_t PDFFactory::GetPdfFactoryVersion() {
+  return Procedure(kClassLabel, "Function GetPdfFactoryVersion()").Guard(int16_t{0}, [&] {
+    int16_t version = -1;
+    for (int16_t n = 4; n >= 2 && version < 0; --n) {
+      if (ExistKey(kHKeyCurrentUser, kVendorKey + std::string(kUnnumbered) + std::to_string(n))) {
+        version = n;
+      }
+    }
+    if (version < 0 && ExistKey(kHKeyCurrentUser, kVendorKey + std::string(kUnnumbered))) {
+      version = 1;
+    }
+    WriteTrace(kLabel + "::GetPdfFactoryVersion(): " + "pdfFactory version is v" +
+               std::to_string(version));
+    return version;
+  });
+}
+
+std::string PDFFactory::CheckPDFFactorySettings() {
+  return CheckWithFallback("Function CheckPDFFactorySettings()", messages::k033cd, [&] {
+    const std::string c = kLabel + "::CheckPDFFactorySettings(): ";
+    const std::string printer = device_.Name();
+    if (printer.empty()) {
+      WriteTrace(c + "could not retrieve pdfFactory version. Printer does not seem to be" +
+                 " installed -> leaving function");
+      return Resolved(messages::k033cc);
+    }
+    const int16_t version = GetPdfFactoryVersion();
+    if (version == -1) {
+      WriteTrace(kLabel + ".CheckPDFFactorySettings(): " +
+                 "retrieving pdf factory version failed, i.e. printer does not seem to be "
+                 "configured correctly");
+      WriteTrace(c + kWrongSettings);
+      return AllSettingsWrong();
+    }
+    productKey_ = version > 1 ? kUnnumbered + std::to_string(version) : kUnnumbered;
+    const std::string key =
+        kVendorKey + productKey_ + "\\FinePrinters\\" + printer + "\\PrinterDriverData";
+    WriteTrace(c + "checking settings in 'HKCU\\" + key + "'...");
+    return version == 1 ? CheckPdfFactory1xSettings(key) : CheckPdfFactory2UpSettings(key, version);
+  });
+}
+
+std::string PDFFactory::CheckPdfFactory1xSettings(const std::string& key) {
+  return CheckWithFallback("Function CheckPdfFactory1xSettings()", messages::k033d0, [&] {
+    if (Reads(key, "ShowDlg", 4) && Reads(key, "PdfAction", 1)) return std::string();
+    // Both texts are resolved twice over.
+    return Resolved(messages::k0282b) + kCrLf + Resolved(Resolved(messages::k033ce)) + " " +
+           Resolved(Resolved(messages::k033cf));
+  });
+}
+
+std::string PDFFactory::CheckPdfFactory2UpSettings(const std::string& key, int16_t version) {
+  return CheckWithFallback("Function CheckPdfFactory2UpSettings()", messages::k033d0, [&] {
+    const std::string c = kLabel + "::CheckPdfFactory2UpSettings(): ";
+    if (!ExistKey(kHKeyCurrentUser, key)) {
+      WriteTrace(c + "printer is using default settings.");
+      if (version == 4) {
+        WriteTrace(c + kWrongSettings);
+        return AllSettingsWrong();
+      }
+      WriteTrace(c +
+                 "reading printer settings from registry failed - please make sure settings are "
+                 "correct");
+      return Resolved(messages::k05790) + kCrLf + Resolved(messages::k02833) + kCrLf +
+             Resolved(messages::k033d1) + kCrLf + Resolved(messages::k05791);
+    }
+    const bool dialogRight = Reads(key, "ShowDlg", 2);
+    const bool saveRight = Reads(key, "PdfAction", 0);
+    if (dialogRight && saveRight) return std::string();
+    std::string text;
+    if (!dialogRight) {
+      // This line has no separator between class and procedure.
+      WriteTrace(kLabel + "CheckPdfFactory2UpSettings(): " +
+                 "wrong setting: 'Do not show dialog' is not selected!");
+      text = Resolved(messages::k0282b) + kCrLf + Resolved(messages::k02833) + kCrLf;
+    }
+    if (!saveRight) {
+      WriteTrace(c + "wrong setting: files will not be stored in the autosave folder!");
+      if (text.empty()) text = Resolved(messages::k0282b) + kCrLf;
+      text += Resolved(version == 2 ? messages::k02834 : messages::k033d1);
+    }
+    return text;
+  });
+}
+
+std::string PDFFactory::CheckPrnSettings() {
+  return Procedure(kClassLabel, "Function IRevisionPrinter_CheckPrnSettings")
+      .Guard(std::string(), [&] {
+        if (device_.Name().empty()) return Resolved(messages::k02835);
+        const std::string text = CheckPDFFactorySettings();
+        if (PPMLevelDebug() && !text.empty()) {
+          DebugTrace(kLabel + "###" + "IRevisionPrinter_CheckPrnSettings(): '" + text + "'");
+        }
+        return text;
+      });
+}
+
+void PDFFactory::SetFactoryFilename(const std::string& fileName) {
+  Procedure(kClassLabel, " Sub SetFactoryFilename").Guard([&] {
+    if (productKey_.empty()) CheckPDFFactorySettings();
+    const std::string key = kVendorKey + productKey_;
+    SetValue(kHKeyCurrentUser, key, "OutputFile", fileName);
+    WriteTrace(kLabel + "::SetFactoryFilename(): " + "setting output filename: key: '" + key +
+               "\\" + "OutputFile" + "' to '" + fileName + "'");
+  });
+}
+
+bool PDFFactory::DoPrint(const host::HostObjectRef& document, const host::HostObjectRef& /*owner*/,
+                         const std::string& revisionFolder, const std::string& fileName) {
+  std::unique_ptr<RevisionFileLock> lock;
+  std::string outputFile;
+  return Procedure(kClassLabel, "Function IRevisionPrinter_DoPrint")
+      .GuardWithCleanup(
+          false,
+          [&](bool& result) {
+            std::string target;
+            if (const auto done = StartDoPrint(document, revisionFolder, fileName, target, false)) {
+              result = *done;
+              return Then::kReturn;
+            }
+            if (!device_.IPrinter()) InitPrnSettings();
+            if (!device_.IsPrinterAvailable(document)) {
+              WriteTrace(P("printing revision aborted because printer could not been not found"));
+              return Then::kReturn;
+            }
+            if (!device_.IsPrinterQueueEmpty(document) ||
+                !device_.InitializeDevMode(document, "")) {
+              return Then::kReturn;
+            }
+            // The driver writes where its OutputFile value says; the lock
+            // guards the TEMP folder.
+            const std::string outputFolder =
+                platform::EnvironmentVariable("TEMP").value_or(std::string());
+            outputFile = DocumentFileHelperObject().TempOutputName(Extension());
+            if (platform::FileExists(outputFile)) DeleteTempOutputFile(outputFile);
+            SetFactoryFilename(outputFile);
+            WriteTrace(P("output file set.") + " OutFolder: " + outputFile);
+            lock = LockOutputFolder(outputFolder, document);
+            if (!lock) return Then::kCleanup;
+            if (!IRevisionPrinterDoPrint(document, device_.Name(), device_.IPrinter())) {
+              return Then::kCleanup;
+            }
+            WriteTrace(P("waiting for '" + outputFile + "'"));
+            if (WaitWhileFileInAccess(outputFile) &&
+                TraceServiceObject().CopyFile(outputFile, target, true)) {
+              WriteTrace(P("'" + outputFile + "' really exists -> revision successfull... "));
+              result = true;
+            } else {
+              WriteTrace(P("revision failed"));
+            }
+            return Then::kCleanup;
+          },
+          [&](bool&) {
+            IgnoreErrors([&] { WriteTrace(P("cleaning up after revisioning...")); },
+                         [&] {
+                           if (platform::FileExists(outputFile)) DeleteTempOutputFile(outputFile);
+                         },
+                         [&] {
+                           if (lock) WriteTrace(P("about to delete lock-file..."));
+                         },
+                         [&] {
+                           if (lock) lock->DeleteLock(document);
+                         });
+          });
 }
 
 }  // namespace kestrivon

@@ -1,13 +1,19 @@
 #pragma once
 
-#include "frame/RevisionPrinter.h"
+#include <cstdint>
+#include <optional>
+#include <string>
+
 #include "frame/trace/ClassLabels.h"
+#include "printers/pdf/PdfRevisionPrinter.h"
 
 namespace kestrivon {
 
-// Revision printer of its driver family; the printing operations answer
-// their failure value until the family's pipeline is in place.
-class PDFFactory final : public RevisionPrinterFrame {
+// The revision printer of the pdfFactory driver (versions 1 to 4): checks
+// the driver's settings in the current user's registry, names the next
+// PDF through the driver's "OutputFile" value, and prints with the TEMP
+// folder as the folder the lock guards.
+class PDFFactory final : public PdfRevisionPrinter {
  public:
   static constexpr const char* kClassLabel = labels::kPDFFactory;
 
@@ -16,7 +22,22 @@ class PDFFactory final : public RevisionPrinterFrame {
   PDFFactory(const PDFFactory&) = delete;
   PDFFactory& operator=(const PDFFactory&) = delete;
 
-  std::string Extension() override { return ".PDF"; }
+  bool DoPrint(const host::HostObjectRef& document, const host::HostObjectRef& owner,
+               const std::string& revisionFolder, const std::string& fileName) override;
+  bool InitPrnSettings() override;
+  std::string CheckPrnSettings() override;
+
+  // The settings problem as the text to show; empty when right.
+  std::string CheckPDFFactorySettings();
+  std::string CheckPdfFactory1xSettings(const std::string& key);
+  std::string CheckPdfFactory2UpSettings(const std::string& key, int16_t version);
+  // 1 to 4; -1 when not installed.
+  int16_t GetPdfFactoryVersion();
+  void SetFactoryFilename(const std::string& fileName);
+
+ private:
+  // "pdfFactory" or "pdfFactory<N>"; set by the first settings check.
+  std::string productKey_;
 };
 
 }  // namespace kestrivon

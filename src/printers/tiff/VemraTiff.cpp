@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "runtime/ErrorHandler.h"
 #include "frame/trace/Trace.h"
+#include "runtime/ErrorHandler.h"
 
 namespace kestrivon {
 namespace {
@@ -27,15 +27,59 @@ VemraTiff::VemraTiff() {
 }
 
 VemraTiff::~VemraTiff() {
-  Procedure(kClassLabel, "Class_Terminate").GuardNoThrow([] {
+  Procedure(kClassLabel, "Class_Terminate").GuardNoThrow([this] {
     --TiffInstanceCount();
     --InstanceCount();
+    Device().Shutdown();
     if (PPMLevelDebug()) {
       DebugTrace(kRule + "\r\n\t" + std::string(kClassLabel) + "Class_Terminate()..." + "\r\n\t" +
                  "-> Number of Kestrivon-instances is now " + std::to_string(InstanceCount()) +
                  "\r\n\t" + "- Number of VemraTiff-Instances is now " +
                  std::to_string(TiffInstanceCount()) + "\r\n" + kRule + "\r\n\r\n");
     }
+  });
+}
+
+PrnDevice& VemraTiff::Device() {
+  if (!device_) device_ = std::make_unique<PrnDevice>();
+  return *device_;
+}
+
+bool VemraTiff::InitPrnSettings() {
+  return Procedure(kClassLabel, "InitPrnSettings").Guard(false, [&] {
+    if (Device().Name().empty() && !Device().SetFilePrinterByName("Revision Vemra Tiff")) {
+      Device().SetFilePrinterByName("Vemra Tiff");
+    }
+    return !Device().Name().empty();
+  });
+}
+
+std::string VemraTiff::CheckPrnSettings() {
+  return Procedure(kClassLabel, "Function IRevisionPrinter_CheckPrnSettings")
+      .Guard(std::string(), [] { return std::string(); });
+}
+
+bool VemraTiff::IsPrinterAvailable() {
+  // Without a context no message box can appear.
+  return Procedure(kClassLabel, "Function IRevisionPrinter_IsPrinterAvailable").Guard(false, [&] {
+    return Device().IsPrinterAvailable(nullptr);
+  });
+}
+
+bool VemraTiff::DoPrint(const host::HostObjectRef& /*document*/,
+                        const host::HostObjectRef& /*owner*/, const std::string& /*revisionFolder*/,
+                        const std::string& /*fileName*/) {
+  static constexpr const char* kLabel = "IRevisionPrinter_DoPrint";
+  return Procedure(kClassLabel, kLabel).Guard(false, [] {
+    // Prints nothing; the pending error, which is none, goes to the report.
+    TraceServiceObject().LogError(ErrorInfo{}, kClassLabel, kLabel);
+    return false;
+  });
+}
+
+bool VemraTiff::AppendFile(const std::string& /*fileToAppend*/, const std::string& /*fileMain*/) {
+  return Procedure(kClassLabel, " Function IRevisionPrinter_AppendFile").Guard(false, [] {
+    return false;
   });
 }
 

@@ -52,7 +52,8 @@ CheckClass "AcrobatWriter", ".PDF"
 CheckClass "PDFFactory", ".PDF"
 CheckClass "NoFile", "NoFile"
 CheckClass "AdobePDF", ".PDF"
-CheckClass "VemraHARP", ".PDF"
+' Without HARP.ini the extension setting is empty: a bare dot.
+CheckClass "VemraHARP", "."
 
 If failures = 0 Then
   WScript.Quit 77

@@ -28,7 +28,9 @@ const std::vector<ContractClass>& ContractClasses() {
        L"{8A345BE3-289D-4ACF-A551-62000F92DA13}", L"_AdobePDF", nullptr, L".PDF"},
       {L"VemraHARP", L"VemraKestrivon.VemraHARP", L"{1A76DBE8-31D4-41D5-9CFC-52B6C349F3A7}",
        L"{9E4A211D-4158-4EAB-A80E-F64ECACDC623}", L"_VemraHARP",
-       L"{0F318467-4A71-4559-BB5B-1430D408735E}", L".PDF"},
+       // Without a workset there is no HARP.ini: the extension setting is
+       // empty and answers as a bare dot.
+       L"{0F318467-4A71-4559-BB5B-1430D408735E}", L"."},
   };
   return classes;
 }

@@ -183,16 +183,16 @@ TEST_F(RawClient, EveryClassAnswersItsOperations) {
     EXPECT_EQ(v->CheckPrnSettings(p, nullptr), E_POINTER);
     EXPECT_EQ(v->Version(p, nullptr), E_POINTER);
     EXPECT_EQ(v->IsPrinterAvailable(p, nullptr), E_POINTER);
-    // NoFile completes a whole revision; the others, without their
-    // pipeline, answer failure values.
+    // NoFile completes a whole revision; the others, without a printer of
+    // their own, answer failure values.
     const bool noFile = std::wstring(c.name) == L"NoFile";
     const VARIANT_BOOL ok = noFile ? kTrue : kFalse;
     EXPECT_EQ(printer.InitPrnSettings(), ok);
     EXPECT_EQ(printer.IsPrinterAvailable(), ok);
-    EXPECT_EQ(printer.CheckPrnSettings(), L"");
     EXPECT_EQ(printer.DoPrint(nullptr, nullptr, L"", L""), ok);
     EXPECT_EQ(printer.AppendFile(L"C:\\no such folder\\a.pdf", L"C:\\no such folder\\b"), ok);
     if (!noFile) continue;
+    EXPECT_EQ(printer.CheckPrnSettings(), L"");
     EXPECT_EQ(printer.AppendFile(L"", L""), kTrue);
     EXPECT_EQ(Fake().traceLines, std::vector<std::wstring>{kNoFileDoPrintLine});
     EXPECT_TRUE(Fake().errors.empty());

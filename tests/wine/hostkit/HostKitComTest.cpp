@@ -282,16 +282,22 @@ TEST(TraceService, MessageBoxesAnswerFromTheScript) {
   EXPECT_EQ(mark.Since()[0][1], "Der Revisionsdrucker ist nicht bereit.\r\nTrotzdem?");
 }
 
-TEST(TraceService, HasNoHostApplicationYet) {
+TEST(TraceService, AnswersTheApplicationAndItsWorkset) {
   auto service = NewTraceService();
   ASSERT_TRUE(service);
-  IDispatch* object = reinterpret_cast<IDispatch*>(1);
-  EXPECT_EQ(service->get_Application(&object), S_OK);
-  EXPECT_EQ(object, nullptr);
-  object = reinterpret_cast<IDispatch*>(1);
-  Bstr name(L"Workset");
-  EXPECT_EQ(service->GetObject(name.Get(), &object), S_OK);
-  EXPECT_EQ(object, nullptr);
+  ComPtr<IDispatch> application;
+  ASSERT_EQ(service->get_Application(application.Put()), S_OK);
+  ASSERT_TRUE(application);
+  Variant workset;
+  ASSERT_EQ(CallByName(application.Get(), L"Workset", DISPATCH_PROPERTYGET, {}, workset.Put()),
+            S_OK);
+  EXPECT_EQ(workset.Type(), VT_DISPATCH);
+  for (const auto& [name, found] : {std::pair{L"Workset", true}, std::pair{L"Other", false}}) {
+    ComPtr<IDispatch> object;
+    Bstr text(name);
+    EXPECT_EQ(service->GetObject(text.Get(), object.Put()), S_OK);
+    EXPECT_EQ(object.Get() != nullptr, found);
+  }
   Bstr key;
   EXPECT_EQ(service->get_ApplicationPathKey(key.Put()), S_OK);
   EXPECT_EQ(key.Wide(), L"");

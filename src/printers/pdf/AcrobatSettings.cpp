@@ -1,0 +1,217 @@
+#include "printers/pdf/AcrobatSettings.h"
+
+#include "frame/trace/Trace.h"
+#include "host/HostObject.h"
+#include "platform/AnsiText.h"
+#include "platform/FileSystem.h"
+#include "platform/Shell.h"
+#include "platform/SystemNames.h"
+#include "runtime/ErrorHandler.h"
+#include "runtime/Text.h"
+#include "runtime/VbStrings.h"
+#include "services/MessageTexts.h"
+#include "services/RegistrySettings.h"
+
+namespace kestrivon {
+namespace {
+
+const std::string kG = std::string(kGlobalsLabel);
+const std::string kC = kG + "::CheckAcrobatPRN(): ";
+constexpr const char* kCrLf = "\r\n";
+constexpr const char* kPrintersKey =
+    "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Print\\Printers\\";
+constexpr const char* kDriverData = "\\PrinterDriverData";
+constexpr const char* kAllUsers = "All Users";
+// The pattern a port ends in ("*.pdf"), cut off to leave the folder.
+constexpr size_t kPatternLength = 5;
+
+std::string Resolved(const char* text) { return TraceServiceObject().ResolveText(text); }
+
+std::string PrinterKey(const std::string& printerName) { return kPrintersKey + printerName; }
+
+// The port value as text, cut at its NUL.
+std::string ReadPort(const std::string& key) {
+  Variant port = std::string();
+  GetValue(kHKeyLocalMachine, key + kDriverData, "Port", port);
+  return TrimNull(VariantToString(port));
+}
+
+std::string ReplaceAll(std::string text, const std::string& find, const std::string& by) {
+  for (size_t at = text.find(find); at != std::string::npos; at = text.find(find, at + by.size())) {
+    text.replace(at, find.size(), by);
+  }
+  return text;
+}
+
+// A port folder that is the documents folder's own name stands for the
+// documents folder itself.
+std::string DocumentsFolderRule(const std::string& folder) {
+  if (EqualNoCase(folder, GetMyDocumentsFolderName() + "\\")) return GetMyDocumentsPath() + "\\";
+  return folder;
+}
+
+struct Flag {
+  const char* value;
+  const char* label;
+  const char* wrongTrace;
+  const char* item;
+};
+
+// Settings 1 to 3: a missing value reads -999 and so counts as enabled.
+constexpr Flag kFlags[] = {
+    {"ViewPrintOutput", "Show Results: '", "Show results is enabled <-> should be disabled",
+     messages::k02825},
+    {"PromptForFileName", "Ask for filename: '",
+     "Ask for filename is enabled <-> should be disabled", messages::k02826},
+    {"AskToReplacePDF", "Ask for replacing existing file: '",
+     "Ask before replacing existing file is activates <-> should be deactivated", messages::k02836},
+};
+
+void LookingUp(const std::string& key, const std::string& value) {
+  WriteTrace(kC + "looking up '" + key + kDriverData + "' '" + value + "'...");
+}
+
+}  // namespace
+
+std::string CheckAcrobatPRN(const std::string& printerName) {
+  return Procedure(kGlobalsLabel, "Function CheckAcrobatPRN").Guard(std::string(), [&] {
+    const std::string key = PrinterKey(printerName);
+    std::string summary;
+    WriteTrace(kC + "Adobe Registry Key: '" + key + "'");
+    for (const Flag& flag : kFlags) {
+      LookingUp(key, flag.value);
+      Variant value = int16_t{-999};
+      GetValue(kHKeyLocalMachine, key + kDriverData, flag.value, value);
+      WriteTrace(kC + flag.label + VariantToString(value) + "'");
+      if (VariantToLong(value) != 0) {
+        WriteTrace(kC + flag.wrongTrace);
+        summary += Resolved(messages::k02824) + Resolved(flag.item) + kCrLf + kCrLf;
+      }
+    }
+
+    LookingUp(key, "Port");
+    const std::string port = ReadPort(key);
+    WriteTrace(kC + "Output is set to '" + port + "'");
+    if (port.size() > kPatternLength) {
+      std::string folder = vb::Left(port, static_cast<long long>(port.size() - kPatternLength));
+      if (vb::InStr(1, folder, kAllUsers) == 0) {
+        folder = DocumentsFolderRule(folder);
+      } else if (const std::string user = GetCurrentUserName(); !user.empty()) {
+        folder = ReplaceAll(folder, kAllUsers, user);
+      }
+      if (!platform::FolderExists(folder)) {
+        WriteTrace(kC + "the port definition is wrong");
+        summary += Resolved(messages::k02828) + " " + Resolved(messages::k02827) + kCrLf;
+        summary += Resolved(messages::k02829) + " '" + folder + "'." + kCrLf;
+        summary += Resolved(messages::k0282a) + kCrLf + kCrLf;
+      }
+    }
+
+    // Setting 5 hangs on a workset that this check never obtains, so it
+    // stays inactive.
+    const host::HostObjectRef workset;
+    if (workset) {
+      Variant attributes;
+      if (GetValue(kHKeyLocalMachine, key, "Attributes", attributes)) {
+        if ((VariantToLong(attributes) & 4096) == 0) {
+          WriteTrace(kC + "'Enable advanced printing features' is enabled -> disable");
+          summary += Resolved(messages::k02824) + " " + Resolved(messages::k0407d) + kCrLf + kCrLf;
+        }
+      } else {
+        WriteTrace(kC + "unable to find 'HKEY_LOCAL_MACHINE\\" + key + ": " + "Attributes" + "'");
+      }
+    }
+
+    Variant keepJobs = std::string();
+    if (!GetValue(kHKeyLocalMachine, key + "\\DsSpooler", "printKeepPrintedJobs", keepJobs)) {
+      WriteTrace(kC + "unable to find 'HKEY_LOCAL_MACHINE\\" + key + "\\DsSpooler" + ": " +
+                 "printKeepPrintedJobs" + "'");
+    } else if (VariantToString(keepJobs) != "0") {
+      WriteTrace(kC + "'Keep printed documents' is enabled -> disable");
+      summary += Resolved(messages::k02824) + Resolved(messages::k05626) + kCrLf + kCrLf;
+    }
+
+    if (summary.empty()) {
+      WriteTrace(kC + "settings are OK");
+      return std::string();
+    }
+    const std::string rule(70, '-');
+    WriteTrace(kCrLf + rule + kCrLf + kC + kCrLf + kCrLf + "\t" +
+               "Incorrect printer settings summary:" + kCrLf + summary + kCrLf + rule + kCrLf);
+    return Resolved(messages::k0282b) + kCrLf + kCrLf + summary;
+  });
+}
+
+std::string GetArcobatPrnOutputDirectory(const std::string& printerName) {
+  return Procedure(kGlobalsLabel, "Sub GetArcobatPrnOutputDirectory").Guard(std::string(), [&] {
+    const std::string port = ReadPort(PrinterKey(printerName));
+    std::string folder;
+    if (port.size() > kPatternLength) {
+      folder = vb::Left(port, static_cast<long long>(port.size() - kPatternLength));
+      // Unlike the check, a leading "All Users" counts as absent here.
+      if (vb::InStr(1, folder, kAllUsers) <= 1) {
+        folder = DocumentsFolderRule(folder);
+      } else {
+        const std::string user = GetCurrentUserName();
+        folder = user.empty() ? std::string() : ReplaceAll(folder, kAllUsers, user);
+      }
+    }
+    const bool exists = platform::FolderExists(folder);
+    WriteTrace(kG + "::GetArcobatPrnOutputDirectory(): " + "'" + folder + "' exists: '" +
+               (exists ? "True" : "False") + "'");
+    return folder;
+  });
+}
+
+bool IsAcrbVer5() {
+  return Procedure(kGlobalsLabel, "Function IsAcrbVer5").Guard(false, [] {
+    return ExistKey(kHKeyLocalMachine, "SOFTWARE\\Adobe\\Acrobat Distiller\\5.0");
+  });
+}
+
+void SetAcrobatPDFWriterOutput(const std::string& outputFile) {
+  Procedure(kGlobalsLabel, "SetAcrobatPDFWriterOutput").Guard([&] {
+    const auto system = platform::ShellFolderPath(platform::kCsidlSystem, 0);
+    // The file system's special folder 1 (path not found when missing).
+    if (!system) Raise(76);
+    SetIniSetting(*system + "\\Spool\\Drivers\\W32X86\\2\\__pdf.ini", "Acrobat PDFWriter",
+                  "PDFFileName", outputFile);
+  });
+}
+
+std::string GetMyDocumentsPath() {
+  return Procedure(kGlobalsLabel, "GetMyDocumentsPath").Guard(std::string(), [] {
+    // The creation argument (39) is a truth value, as the shell's special
+    // folder call takes it: the documents folder is made when missing. Given
+    // as the path type instead, the shell refuses it as an invalid argument.
+    const auto path =
+        platform::ShellFolderPath(platform::kCsidlPersonal | platform::kCsidlFlagCreate, 0);
+    const std::string result = path ? *path : std::string();
+    WriteTrace(kG + "::GetMyDocumentsPath(): " + "Path of 'My Documents' is: '" + result + "'");
+    return result;
+  });
+}
+
+std::string GetMyDocumentsFolderName() {
+  return Procedure(kGlobalsLabel, "GetMyDocumentsFolderName").Guard(std::string(), [] {
+    std::string path = GetMyDocumentsPath();
+    if (!path.empty() && path.back() == '\\') path.pop_back();
+    const size_t slash = path.rfind('\\');
+    const std::string name = slash == std::string::npos ? std::string() : path.substr(slash + 1);
+    WriteTrace(kG + "::GetMyDocumentsFolderName(): " + "localized name of 'My Documents' is: '" +
+               name + "'");
+    return name;
+  });
+}
+
+std::string GetCurrentUserName() {
+  return Procedure(kGlobalsLabel, "Function GetCurrentUserName").Guard(std::string(), [] {
+    // Str(257): the number with its sign blank, four characters in all.
+    std::string buffer = " 257";
+    auto size = static_cast<uint32_t>(buffer.size());
+    if (!platform::GetUserNameA(buffer.data(), &size) || size == 0) return std::string();
+    return platform::FromAnsiCodePage(buffer.substr(0, buffer.find('\0')));
+  });
+}
+
+}  // namespace kestrivon

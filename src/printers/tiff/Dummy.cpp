@@ -1,0 +1,104 @@
+#include "printers/tiff/Dummy.h"
+
+#include <vector>
+
+#include "frame/trace/Trace.h"
+#include "platform/FileSystem.h"
+#include "runtime/ErrorHandler.h"
+#include "runtime/Text.h"
+#include "runtime/Variant.h"
+#include "runtime/VbStrings.h"
+#include "services/OutputFileWaiting.h"
+
+namespace kestrivon {
+namespace {
+const std::string kLabel = labels::kDummy;
+}  // namespace
+
+Dummy::Dummy() {
+  // Form_Load: nothing to do beyond its handler.
+  Procedure(kClassLabel, "Form_Load").Guard([] {});
+}
+
+bool Dummy::Finished() {
+  return Procedure(kClassLabel, "Finished").Guard(false, [&] { return finished_; });
+}
+
+void Dummy::SetFinished(bool finished) {
+  Procedure(kClassLabel, "Finished").Guard([&] { finished_ = finished; });
+}
+
+bool Dummy::Aborted() {
+  return Procedure(kClassLabel, "Aborted").Guard(false, [&] { return aborted_; });
+}
+
+void Dummy::SetAborted(bool aborted) {
+  Procedure(kClassLabel, "Aborted").Guard([&] { aborted_ = aborted; });
+}
+
+std::string Dummy::ImageFileName() {
+  return Procedure(kClassLabel, "Property ImageFileName()").Guard(std::string(), [&] {
+    return imageFileName_;
+  });
+}
+
+std::string Dummy::GetOutputFileByGrpFileName(const std::string& groupFile) {
+  return Procedure(kClassLabel, "GetOutputFileByGrpFileName").Guard(std::string(), [&] {
+    const std::string prefix = kLabel + ".GetOutputFileByGrpFileName(): ";
+    // The length comes from the argument, the characters from the field.
+    const std::string tiff =
+        vb::Left(outputBaseName_, static_cast<long long>(groupFile.size()) - 3) + "TIF";
+    if (!platform::FileExists(tiff)) {
+      WriteTrace(prefix + tiff + " not found");
+      return std::string();
+    }
+    if (!FileCreationDateCheck(platform::FileDateCreated(groupFile), tiff)) {
+      WriteTrace(prefix + "tif file is too old");
+      return std::string();
+    }
+    return tiff;
+  });
+}
+
+std::string Dummy::GetValueFromGroupFile(const std::string& groupFile, const std::string& key) {
+  return Procedure(kClassLabel, "Function GetValueFromGroupFile()").Guard(std::string(), [&] {
+    const std::string prefix = kLabel + "::GetValueFromGroupFile(): ";
+    WriteTrace(prefix + "querying '" + key + "' from '" + groupFile + "'...");
+    if (!platform::FileExists(groupFile)) {
+      WriteTrace(prefix + "group file cannot be found");
+      return std::string();
+    }
+    std::vector<std::string> lines;
+    if (Attempt([&] { lines = platform::ReadAnsiTextLines(groupFile, platform::kAllLines); })) {
+      WriteTrace(prefix + "unable to open group file");
+      return std::string();
+    }
+    const std::string wanted = LowerAscii(key);
+    std::string value;
+    for (const std::string& line : lines) {
+      const size_t at = LowerAscii(line).find(wanted);
+      if (at == std::string::npos) continue;
+      value = std::string(Trim(line.substr(at + key.size()), " "));
+      WriteTrace(prefix + key + " '" + value + "'");
+      break;
+    }
+    return value;
+  });
+}
+
+int32_t Dummy::StripErrorCode(const std::string& text) {
+  return Procedure(kClassLabel, "Function StripErrorCode()").Guard(int32_t{0}, [&] {
+    const size_t dot = vb::InStrRev(text, ".");
+    // The rightmost p - 1 characters, not the part after the dot.
+    std::string working = dot > 0 ? vb::Right(text, static_cast<long long>(dot) - 1) : "";
+    const size_t blank = vb::InStrRev(working, " ");
+    if (blank > 0) working = working.substr(blank);
+    int32_t code = 0;
+    if (!working.empty() && IsNumeric(Variant(working))) {
+      IgnoreErrors([&] { code = VariantToLong(Variant(working)); });
+    }
+    return code;
+  });
+}
+
+}  // namespace kestrivon

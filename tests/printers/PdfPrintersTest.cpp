@@ -1,0 +1,331 @@
+#include "PdfFiles.h"
+#include "PipelineFixture.h"
+#include "core/PdfMerge.h"
+#include "platform/Environment.h"
+#include "platform/Shell.h"
+#include "platform/portable/Registry.h"
+#include "platform/portable/Shell.h"
+#include "platform/portable/Spooler.h"
+#include "platform/portable/SystemNames.h"
+#include "printers/pdf/AcrobatDistiller.h"
+#include "printers/pdf/AcrobatSettings.h"
+#include "printers/pdf/AcrobatWriter.h"
+#include "printers/pdf/AdobePDF.h"
+#include "printers/pdf/PDFFactory.h"
+#include "services/IniFiles.h"
+#include "services/MessageTexts.h"
+#include "services/RegistrySettings.h"
+
+// The PDF revision printers on the portable print world: driver settings
+// in the portable registry, a driver that writes a real PDF, virtual time.
+
+namespace kestrivon::test {
+namespace {
+
+namespace pp = platform::portable;
+using namespace messages;
+const std::string kPrinters = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Print\\Printers\\";
+const std::string kFactory = "Software\\FinePrint Software\\pdfFactory";
+const std::string kCrLf = "\r\n";
+const std::string kNotFound = "printing revision aborted because printer could not been not found";
+// A message as the fixture's host resolves it.
+std::string R(const char* text) { return std::string(text).substr(7); }
+
+class PdfPrinters : public PipelineTest {
+ protected:
+  PdfPrinters() {
+    pp::ClearRegistry();
+    ResetRevisionSleeperForReload();
+    host.copiesFiles = true;
+    host.InstallHostClasses(
+        {.docFctDist = [this] { return docFctDist; },
+         .printerManager = [this] { return manager; },
+         .uiPolicy = [] { return std::make_shared<host::portable::UIPolicyObject>(); },
+         .pdfMerge = [] { return std::make_shared<hostkit::PdfMerge>(); },
+         .documentFileHelper = [this] { return fileHelper; }});
+    pp::SetShellFolder(platform::kCsidlPersonal, folder / "Eigene Dateien");
+    for (const char* made : {"out", "rev", "Eigene Dateien", "bob"}) MakeFolder(folder / made);
+    document->typeObject = std::make_shared<host::portable::DocumentObject>("Drawing");
+  }
+  ~PdfPrinters() override {
+    pp::ClearPrinters();
+    pp::ClearRegistry();
+    ResetUIPolicyForReload();
+  }
+  static void Reg(platform::HKey hive, const std::string& key, const char* name, uint32_t type,
+                  const std::string& bytes) {
+    pp::SetRegistryValue(pp::ProcessRegistryView(), hive, key, name, type, bytes);
+  }
+  static void Key(platform::HKey hive, const std::string& key) {
+    pp::CreateRegistryKey(pp::ProcessRegistryView(), hive, key);
+  }
+  static std::string Value(const std::string& key, const char* name) {
+    return pp::RegistryValueOf(pp::ProcessRegistryView(), platform::kHKeyCurrentUser, key, name)
+        ->bytes;
+  }
+  void Install(const std::string& name) {
+    manager->printers.push_back(std::make_shared<host::portable::PrinterObject>(name));
+    pp::DefinePrinter(name, {});
+  }
+  // A driver set up for unattended printing into its port's folder.
+  void SetUpAdobe(const std::string& name, const std::string& port) {
+    Install(name);
+    const std::string data = kPrinters + name + "\\PrinterDriverData";
+    for (const char* flag : {"ViewPrintOutput", "PromptForFileName", "AskToReplacePDF"}) {
+      Reg(platform::kHKeyLocalMachine, data, flag, platform::kRegDword, std::string(4, '\0'));
+    }
+    Reg(platform::kHKeyLocalMachine, data, "Port", platform::kRegSz, port + '\0');
+    Reg(platform::kHKeyLocalMachine, kPrinters + name + "\\DsSpooler", "printKeepPrintedJobs",
+        platform::kRegBinary, std::string(1, '\0'));
+  }
+  // The trace lines that begin so, in order.
+  Lines LinesOf(const std::string& prefix) {
+    Lines lines;
+    for (const auto& line : host.traceLines) {
+      if (line.rfind(prefix, 0) == 0) lines.push_back(line);
+    }
+    return lines;
+  }
+
+  const std::string out = folder / "out";
+  std::shared_ptr<host::portable::PrinterManagerObject> manager =
+      std::make_shared<host::portable::PrinterManagerObject>();
+};
+
+TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputFolder) {
+  const std::string end = kCrLf + kCrLf, header = R(k0282b) + end, show = R(k02824),
+                    rule = kCrLf + std::string(70, '-') + kCrLf;
+  const std::string flags =
+      show + R(k02825) + end + show + R(k02826) + end + show + R(k02836) + end;
+  const std::string users = folder / "All Users\\";
+  const std::string portWrong = header + R(k02828) + " " + R(k02827) + kCrLf + R(k02829) + " '" +
+                                users + "'." + kCrLf + R(k0282a) + end;
+  enum Change { kNone, kNoFlags, kKeepJobs, kNoSpooler };
+  const struct {
+    std::string port, user;
+    Change change;
+    std::string answer, outputFolder;
+  } rows[] = {
+      {"", "bob", kNoFlags, header + flags, ""},
+      {out + "\\*.pdf", "bob", kNone, "", out + "\\"},
+      {"eigene dateien\\*.pdf", "bob", kNone, "", folder / "Eigene Dateien\\"},
+      {users + "*.pdf", "bob", kNone, "", folder / "bob\\"},
+      {users + "*.pdf", "jdoe", kNone, portWrong, ""},  // too long for the buffer
+      {"*.pdf", "bob", kNone, "", ""},
+      {out + "\\*.pdf", "bob", kKeepJobs, header + show + R(k05626) + end, out + "\\"},
+      {out + "\\*.pdf", "bob", kNoSpooler, "", out + "\\"},
+  };
+  const std::string key = kPrinters + "Adobe PDF",
+                    c = "VemraKestrivon::Globals::CheckAcrobatPRN(): ";
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.port + " " + row.user);
+    pp::ClearRegistry();
+    SetUpAdobe("Adobe PDF", row.port);
+    if (row.change != kNone) {
+      pp::DeleteRegistryKey(pp::ProcessRegistryView(), platform::kHKeyLocalMachine,
+                            key + (row.change == kNoFlags ? "\\PrinterDriverData" : "\\DsSpooler"));
+    }
+    if (row.change == kKeepJobs)
+      Reg(platform::kHKeyLocalMachine, key + "\\DsSpooler", "printKeepPrintedJobs",
+          platform::kRegBinary, "\1");
+    pp::SetUserName(row.user);
+    host.traceLines.clear();
+    EXPECT_EQ(CheckAcrobatPRN("Adobe PDF"), row.answer);
+    EXPECT_EQ(host.traceLines.back(),
+              row.answer.empty() ? c + "settings are OK"
+                                 : rule + c + end + "\tIncorrect printer settings summary:" +
+                                       kCrLf + row.answer.substr(header.size()) + rule);
+    EXPECT_EQ(host.Count(c + "unable to find 'HKEY_LOCAL_MACHINE\\" + key +
+                         "\\DsSpooler: printKeepPrintedJobs'"),
+              row.change == kNoSpooler ? 1u : 0u);
+    EXPECT_EQ(GetArcobatPrnOutputDirectory("Adobe PDF"), row.outputFolder);
+  }
+}
+
+// Each path of DoPrint, for the two Adobe classes: "P:" and "Q:" stand for
+// the class's two trace prefixes.
+TEST_F(PdfPrinters, AdobeDriversDoPrintPathsTraceInOrderAndAlwaysRemoveTheirLock) {
+  enum Path { kPdf, kMissing, kLocked, kNoFile, kSuccess, kError };
+  const std::string cleaning = "P:cleaning up after revisioning...",
+                    deleting = "P:about to delete lock-file...";
+  const std::string pdf = out + "\\job.pdf";
+  const struct {
+    Path path;
+    Lines adobe, distiller;  // distiller empty: as adobe
+  } rows[] = {
+      {kPdf,
+       {"Q:document was a PDF already --> file copied into revision folder; revision successful"},
+       {}},
+      {kMissing, {"Q:" + kNotFound}, {}},
+      {kLocked, {"Q:revision directory is locked -> aborting", cleaning}, {}},
+      {kNoFile,
+       {"P:waiting for revision ('')...", "P:revision of A-100 failed", cleaning},
+       {"P:could not find the printed revision file.", cleaning, deleting}},
+      {kSuccess,
+       {"P:waiting for revision ('" + pdf + "')...",
+        "P:output file successfully copied into revision directory.", cleaning},
+       {cleaning, deleting}},
+      {kError, {cleaning}, {cleaning, deleting}},
+  };
+  Reg(platform::kHKeyLocalMachine, "SOFTWARE\\Adobe\\Acrobat Distiller\\5.0", "", platform::kRegSz,
+      "");
+  SetUpAdobe("Adobe PDF", out + "\\*.pdf");
+  SetUpAdobe("Acrobat Distiller", out + "\\*.pdf");
+  const auto printers = manager->printers;
+  for (const bool adobe : {true, false}) {
+    for (const auto& row : rows) {
+      SCOPED_TRACE(std::to_string(row.path) + (adobe ? " AdobePDF" : " AcrobatDistiller"));
+      clock.emplace();
+      manager->printers = row.path == kMissing ? decltype(printers){} : printers;
+      document->typeObject = std::make_shared<host::portable::DocumentObject>(
+          row.path == kPdf ? "AdobePDF" : "Drawing");
+      fileHelper->mustFetch = {fileHelper->files[document.get()] = folder / "own.pdf"};
+      MakePdf(fileHelper->fetched[document.get()] = folder / "own.pdf", {300});
+      if (row.path == kLocked) {
+        platform::WriteAnsiTextLines(out + "\\B-7.RLCK", {"then", "PC042", "jdoe"});
+        AgeTo(out + "\\B-7.RLCK", 10);
+      }
+      std::string written;
+      docFctDist->print = [&](const host::HostObjectRef&, const host::HostObjectRef&) {
+        if (row.path == kSuccess) MakePdf(pdf, {300, 301}), written = ReadWholeFile(pdf);
+        return true;
+      };
+      const std::unique_ptr<AcrobatPrinter> printer(
+          adobe ? static_cast<AcrobatPrinter*>(new AdobePDF) : new AcrobatDistiller);
+      host.traceFailsOn = row.path != kError ? ""
+                          : adobe            ? "waiting for revision"
+                                             : "could not find";
+      host.traceLines.clear();
+      host.reports.clear();
+      EXPECT_EQ(printer->DoPrint(document, owner, folder / "rev", "A1"),
+                row.path == kPdf || row.path == kSuccess);
+      const std::string p = adobe ? "VemraKestrivon::AdobePDF" : "VemraKestrivon::AcrobatDistiller";
+      Lines expected = adobe || row.distiller.empty() ? row.adobe : row.distiller;
+      for (auto& line : expected)
+        line = p +
+               (line[0] == 'P' ? "::IRevisionPrinter_DoPrint(): " : ".IRevisionPrinter_DoPrint: ") +
+               line.substr(2);
+      EXPECT_EQ(LinesOf(p), expected);
+      EXPECT_EQ(host.Count("Kestrivon::DocumentLock::DeleteLock(): lock-file ('" + out +
+                           "\\A-100.RLCK') deleted"),
+                row.path >= kNoFile ? 1u : 0u);
+      EXPECT_FALSE(PathExists(out + "\\A-100.RLCK"));
+      EXPECT_EQ(host.reports,
+                row.path == kError ? Lines{p + "|Function IRevisionPrinter_DoPrint"} : Lines{});
+      EXPECT_FALSE(PathExists(pdf));
+      if (row.path == kSuccess) {
+        EXPECT_EQ(ReadWholeFile(folder / "rev\\A1.PDF"), written);
+      }
+      EXPECT_EQ(PathExists(out + "\\B-7.RLCK"), row.path == kLocked);
+      if (row.path == kLocked) RemoveFile(out + "\\B-7.RLCK");
+    }
+  }
+}
+
+TEST_F(PdfPrinters, DistillerNeedsVersion5AndWriterSelectsNoPrinterNorLock) {
+  for (bool key : {false, true}) {
+    if (key)
+      Reg(platform::kHKeyLocalMachine, "SOFTWARE\\Adobe\\Acrobat Distiller\\5.0", "",
+          platform::kRegSz, "");
+    AcrobatDistiller distiller;
+    EXPECT_EQ(distiller.InitPrnSettings(), key);
+    EXPECT_EQ(distiller.CheckPrnSettings(), R(k02821));
+  }
+  // Another process revises into the folder: the writer does not look.
+  platform::WriteAnsiTextLines(out + "\\B-7.RLCK", {"then", "PC042", "jdoe"});
+  AcrobatWriter writer;
+  EXPECT_FALSE(writer.InitPrnSettings());
+  EXPECT_EQ(writer.CheckPrnSettings(), "");
+  EXPECT_FALSE(writer.DoPrint(document, owner, folder / "rev", "A1"));
+  EXPECT_EQ(host.traceLines.back(),
+            "VemraKestrivon::AcrobatWriter.IRevisionPrinter_DoPrint: " + kNotFound);
+  EXPECT_TRUE(PathExists(out + "\\B-7.RLCK"));
+  pp::SetShellFolder(platform::kCsidlSystem, folder.Path());
+  std::string ini = folder.Path();
+  for (const char* level : {"Spool", "Drivers", "W32X86", "2"})
+    MakeFolder(ini += std::string("\\") + level);
+  for (const char* name : {"C:\\Temp\\R2P1.PDF", "C:\\Temp\\R2P2.PDF"})
+    SetAcrobatPDFWriterOutput(name);
+  EXPECT_EQ(ReadIniString(ini + "\\__pdf.ini", "Acrobat PDFWriter", "PDFFileName", ""),
+            "C:\\Temp\\R2P2.PDF");
+}
+
+TEST_F(PdfPrinters, PdfFactoryVersionsAndSettings) {
+  const std::string hdr = R(k0282b) + kCrLf, all = hdr + R(k02833) + kCrLf + R(k033d1);
+  const struct {
+    std::vector<int> versions;  // 1: the unnumbered key
+    int settingsUnder;          // 0: no settings key
+    int showDlg, pdfAction;     // -1: missing
+    std::string text;
+  } rows[] = {
+      {{3, 4}, 4, 2, 0, ""},
+      {{1}, 1, 4, 1, ""},
+      {{1}, 1, 2, 1, hdr + R(k033ce) + " " + R(k033cf)},
+      {{3}, 0, 2, 0, R(k05790) + kCrLf + R(k02833) + kCrLf + R(k033d1) + kCrLf + R(k05791)},
+      {{4}, 0, 2, 0, all},
+      {{}, 0, 2, 0, all},
+      {{2}, 2, 2, 1, hdr + R(k02834)},
+      {{3}, 3, 0, -1, all},
+  };
+  Install("pdfFactory");
+  for (const auto& row : rows) {
+    pp::ClearRegistry();
+    for (int v : row.versions)
+      Key(platform::kHKeyCurrentUser, kFactory + (v > 1 ? std::to_string(v) : ""));
+    const std::string product =
+        kFactory + (row.settingsUnder > 1 ? std::to_string(row.settingsUnder) : "");
+    const std::string key = product + "\\FinePrinters\\pdfFactory\\PrinterDriverData";
+    if (row.settingsUnder > 0) Key(platform::kHKeyCurrentUser, key);
+    for (auto [name, value] :
+         {std::pair{"ShowDlg", row.showDlg}, std::pair{"PdfAction", row.pdfAction}}) {
+      if (row.settingsUnder > 0 && value >= 0)
+        pp::SetRegistryDword(pp::ProcessRegistryView(), platform::kHKeyCurrentUser, key, name,
+                             value);
+    }
+    PDFFactory factory;
+    ASSERT_TRUE(factory.InitPrnSettings());
+    if (row.settingsUnder > 0) {  // before any check
+      factory.SetFactoryFilename("C:\\Temp\\x.PDF");
+      EXPECT_EQ(Value(product, "OutputFile"), std::string("C:\\Temp\\x.PDF") + '\0');
+    }
+    EXPECT_EQ(factory.CheckPrnSettings(), row.text);
+  }
+}
+
+TEST_F(PdfPrinters, PdfFactoryPrintsIntoTheNamedFileUnderTheTempLock) {
+  Install("pdfFactory");
+  Key(platform::kHKeyCurrentUser, kFactory + "4");
+  platform::SetEnvironmentVariableTo("TEMP", fileHelper->tempFolder = out);
+  docFctDist->print = [&](const host::HostObjectRef&, const host::HostObjectRef&) {
+    EXPECT_TRUE(PathExists(out + "\\A-100.RLCK"));
+    const std::string file = Value(kFactory + "4", "OutputFile");
+    MakePdf(file.substr(0, file.size() - 1), {300});
+    return true;
+  };
+  PDFFactory factory;
+  EXPECT_TRUE(factory.DoPrint(document, owner, folder / "rev", "A1"));
+  EXPECT_EQ(PageWidths(folder / "rev\\A1.PDF"), std::vector<int>{300});
+  const std::string p = "VemraKestrivon::PDFFactory::IRevisionPrinter_DoPrint(): ",
+                    file = out + "\\R2P1..PDF";
+  EXPECT_EQ(LinesOf(p),
+            (Lines{p + "output file set. OutFolder: " + file, p + "waiting for '" + file + "'",
+                   p + "'" + file + "' really exists -> revision successfull... ",
+                   p + "cleaning up after revisioning...", p + "about to delete lock-file..."}));
+  EXPECT_FALSE(PathExists(file) || PathExists(out + "\\A-100.RLCK")) << "both deleted";
+  platform::SetEnvironmentVariableTo("TEMP", std::nullopt);
+}
+
+TEST_F(PdfPrinters, AppendFileMergesTheFirstFileOntoTheEndOfTheSecond) {
+  std::unique_ptr<RevisionPrinter> printers[] = {
+      std::make_unique<AdobePDF>(), std::make_unique<AcrobatDistiller>(),
+      std::make_unique<AcrobatWriter>(), std::make_unique<PDFFactory>()};
+  for (const auto& printer : printers) {
+    MakePdf(folder / "a.pdf", {300});
+    MakePdf(folder / "b.pdf", {100, 101});
+    EXPECT_TRUE(printer->AppendFile(folder / "a.pdf", folder / "b.pdf"));
+    EXPECT_EQ(PageWidths(folder / "b.pdf"), (std::vector<int>{100, 101, 300}));
+  }
+}
+
+}  // namespace
+}  // namespace kestrivon::test
