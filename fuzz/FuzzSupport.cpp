@@ -53,6 +53,13 @@ void RemoveScratchFile(const std::string& windowsPath) {
   fs::remove(platform::portable::HostPath(windowsPath), ignored);
 }
 
+void ClearScratchFolder() {
+  std::error_code ignored;
+  for (const auto& entry : fs::directory_iterator(HostFolder(), ignored)) {
+    fs::remove_all(entry.path(), ignored);
+  }
+}
+
 void Fail(const std::string& what) {
   std::fprintf(stderr, "fuzz property failed: %s\n", what.c_str());
   std::abort();

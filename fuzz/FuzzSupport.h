@@ -24,6 +24,7 @@ std::string ScratchFolder();
 std::string ScratchFile(const std::string& name);
 void WriteScratchFile(const std::string& windowsPath, std::string_view bytes);
 void RemoveScratchFile(const std::string& windowsPath);
+void ClearScratchFolder();
 
 // A property that must hold did not: the fuzzer keeps the input as a crash.
 [[noreturn]] void Fail(const std::string& what);
