@@ -1,5 +1,6 @@
 // Entry points of VemraHostKit.dll: class factories for the host service
-// classes and the document class, and self-registration.
+// classes, the document class and the print world's classes, and
+// self-registration.
 #include <olectl.h>
 
 #include <array>
@@ -12,15 +13,22 @@
 #include "hostkit/com/DocumentObjects.h"
 #include "hostkit/com/HostObjects.h"
 #include "hostkit/com/WorksetObjects.h"
+#include "hostkit/com/PrintWorldObjects.h"
 
 namespace kestrivon::hostkit::com {
 namespace {
 
-const std::array<comkit::ClassEntry, 6>& Classes() {
-  static const std::array<comkit::ClassEntry, 6> classes{{
+const std::array<comkit::ClassEntry, 11>& Classes() {
+  static const std::array<comkit::ClassEntry, 11> classes{{
       {&__uuidof(::TraceService), &CreateTraceService, L"VemraHostKit.TraceService"},
       {&__uuidof(::InstanceMonitor), &CreateInstanceMonitor, L"VemraHostKit.InstanceMonitor"},
       {&kDocumentClsid, &CreateDocument, kDocumentProgId},
+      {&__uuidof(::DocFctDist), &CreateDocFctDist, L"VemraHostKit.DocFctDist"},
+      {&__uuidof(::DocumentFileHelper), &CreateDocumentFileHelper,
+       L"VemraHostKit.DocumentFileHelper"},
+      {&kPrinterManagerClsid, &CreatePrinterManager, L"Vemra_PrintLib.PrinterManager"},
+      {&kUIPolicyClsid, &CreateUIPolicy, L"Vemra.UIPolicy"},
+      {&kPdfMergeClsid, &CreatePdfMerge, L"Vemra.PdfMerge"},
       {&kVemraClsid, &CreateWorkset, L"Vemra"},
       {&kTraceFacilityClsid, &CreateTraceFacility, L"Vemra.TraceFacility"},
       {&kTiffMergeClsid, &CreateTiffMerge, L"Vemra.TiffMerge"},

@@ -1,19 +1,22 @@
-// The host's documents with their owner, the owner's options and the
-// message pack of its environment, for runs without the host. A document
-// is created by its ProgID; its name and the owner's "ShowRevisionMessages"
-// option come from the environment (VEMRA_DOCUMENT_NAME,
-// VEMRA_SHOW_REVISION_MESSAGES). Every completed message-pack entry goes to
-// the trace log as a MESSAGE entry.
+// The host's documents with their owner, the owner's options and user, the
+// message pack of its environment and the workset's settings, for runs
+// without the host. Each COM object stands for a portable host object:
+// the print world's document named by VEMRA_DOCUMENT_NAME, or else a bare
+// document of that name whose owner's "ShowRevisionMessages" option comes
+// from VEMRA_SHOW_REVISION_MESSAGES. Every completed message-pack entry goes
+// to the trace log as a MESSAGE entry.
 #include "hostkit/com/DocumentObjects.h"
 
+#include <memory>
 #include <string>
-#include <variant>
 
 #include "comkit/Bstr.h"
 #include "comkit/ComPtr.h"
 #include "comkit/Object.h"
 #include "comkit/Variant.h"
+#include "host/portable/Documents.h"
 #include "hostkit/com/HostObjects.h"
+#include "hostkit/com/PrintWorldObjects.h"
 #include "hostkit/core/Environment.h"
 #include "hostkit/core/Settings.h"
 
@@ -23,6 +26,7 @@ namespace {
 using comkit::ComPtr;
 using comkit::Utf8;
 using comkit::Variant;
+namespace portable = host::portable;
 
 HRESULT HandOut(const ComPtr<IDispatch>& object, IDispatch** out) {
   if (out == nullptr) return E_POINTER;
@@ -39,6 +43,31 @@ HRESULT HandOut(const std::string& text, BSTR* out) {
   });
 }
 
+// Makes a T as an IDispatch.
+template <class T, class... Args>
+ComPtr<IDispatch> Make(Args&&... args) {
+  ComPtr<IDispatch> object;
+  const HRESULT hr =
+      comkit::CreateObject<T>(IID_IDispatch, object.PutVoid(), std::forward<Args>(args)...);
+  if (FAILED(hr)) throw RunTimeError(hr, "cannot create the document's objects");
+  return object;
+}
+
+HRESULT ToVariant(const kestrivon::Variant& value, VARIANT* result) {
+  if (result == nullptr) return S_OK;
+  return comkit::Answered([&] {
+    Variant converted;
+    if (const auto* truth = std::get_if<bool>(&value)) {
+      converted = Variant::Bool(*truth);
+    } else if (const auto* number = std::get_if<int32_t>(&value)) {
+      converted = Variant::Long(*number);
+    } else {
+      converted = Variant::Text(VariantToString(value));
+    }
+    return ::VariantCopy(result, &converted.Get());
+  });
+}
+
 // An object reached only late-bound, answering objects by name.
 class LateBound : public comkit::NamedObject {
  protected:
@@ -48,18 +77,34 @@ class LateBound : public comkit::NamedObject {
     V_VT(result) = VT_DISPATCH;
     return HandOut(object, &V_DISPATCH(result));
   }
+  // Exist(name) answers whether the name is there, the value members its
+  // value (E_INVALIDARG for a name that is not).
+  template <class Read>
+  static HRESULT ExistOrValue(bool askingExist, bool exists, Read&& read, VARIANT* result) {
+    if (askingExist) {
+      if (result != nullptr) {
+        V_VT(result) = VT_BOOL;
+        V_BOOL(result) = exists ? VARIANT_TRUE : VARIANT_FALSE;
+      }
+      return S_OK;
+    }
+    return exists ? ToVariant(read(), result) : E_INVALIDARG;
+  }
+  static HRESULT TextArgument(const DISPPARAMS& params, std::string& text) {
+    if (params.cArgs != 1) return DISP_E_BADPARAMCOUNT;
+    Variant value;
+    if (FAILED(::VariantChangeType(value.Put(), &params.rgvarg[0], 0, VT_BSTR))) {
+      return DISP_E_TYPEMISMATCH;
+    }
+    text = Utf8(V_BSTR(&value.Get()));
+    return S_OK;
+  }
 };
-
-std::string NameOf(const ComPtr<IDispatch>& object) {
-  ComPtr<IVemraObject> vemra;
-  comkit::Bstr name;
-  if (FAILED(object.As(vemra)) || FAILED(vemra->get_Name(name.Put()))) return {};
-  return name.Utf8();
-}
 
 class MessageEntryObject final : public LateBound {
  public:
-  MessageEntryObject() : LateBound({L"VemraObject", L"Description"}) {}
+  explicit MessageEntryObject(std::shared_ptr<host::MessageEntry> entry)
+      : LateBound({L"VemraObject", L"Description"}), entry_(std::move(entry)) {}
 
  protected:
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
@@ -70,13 +115,14 @@ class MessageEntryObject final : public LateBound {
                                      id == 1 ? VT_DISPATCH : VT_BSTR))) {
         return DISP_E_TYPEMISMATCH;
       }
-      if (id == 1) {
-        object_ = ComPtr<IDispatch>::Share(V_DISPATCH(&value.Get()));
-        return S_OK;
-      }
       return comkit::Answered([&] {
-        description_ = Utf8(V_BSTR(&value.Get()));
-        Kit().log->Append("MESSAGE", {description_, NameOf(object_)});
+        if (id == 1) {
+          object_ = ComPtr<IDispatch>::Share(V_DISPATCH(&value.Get()));
+          entry_->SetVemraObject(HeldObject(object_.Get()));
+        } else {
+          description_ = Utf8(V_BSTR(&value.Get()));
+          entry_->SetDescription(description_);
+        }
         return S_OK;
       });
     }
@@ -88,13 +134,15 @@ class MessageEntryObject final : public LateBound {
   }
 
  private:
+  std::shared_ptr<host::MessageEntry> entry_;
   ComPtr<IDispatch> object_;
   std::string description_;
 };
 
 class MessagePackObject final : public LateBound {
  public:
-  MessagePackObject() : LateBound({L"AddNew", L"Count"}) {}
+  explicit MessagePackObject(std::shared_ptr<portable::MessagePackObject> pack)
+      : LateBound({L"AddNew", L"Count"}), pack_(std::move(pack)) {}
 
  protected:
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS&, VARIANT* result) override {
@@ -102,19 +150,16 @@ class MessagePackObject final : public LateBound {
     if (id == 2) {
       if (result != nullptr) {
         V_VT(result) = VT_I4;
-        V_I4(result) = count_;
+        V_I4(result) = static_cast<LONG>(pack_->entries.size());
       }
       return S_OK;
     }
-    ComPtr<IDispatch> entry;
-    const HRESULT hr = comkit::CreateObject<MessageEntryObject>(IID_IDispatch, entry.PutVoid());
-    if (FAILED(hr)) return hr;
-    ++count_;
-    return ReturnObject(entry, result);
+    return comkit::Answered(
+        [&] { return ReturnObject(Make<MessageEntryObject>(pack_->AddNew()), result); });
   }
 
  private:
-  LONG count_ = 0;
+  std::shared_ptr<portable::MessagePackObject> pack_;
 };
 
 // Holds one object and answers it for one member name.
@@ -137,45 +182,41 @@ class Holder final : public LateBound {
 // default member Item(name).
 class OptionSetObject final : public LateBound {
  public:
-  OptionSetObject() : LateBound({L"Exist", L"ShowRevisionMessages", L"Item"}) {
-    const auto option = ShowRevisionMessagesOption();
-    if (!option) return;
-    defined_ = true;
-    if (const auto* truth = std::get_if<bool>(&*option)) {
-      value_ = Variant::Bool(*truth);
-    } else if (const auto* number = std::get_if<int32_t>(&*option)) {
-      value_ = Variant::Long(*number);
-    } else if (const auto* text = std::get_if<std::string>(&*option)) {
-      value_ = Variant::Text(*text);
-    }
-  }
+  explicit OptionSetObject(std::shared_ptr<portable::OptionSetObject> options)
+      : LateBound({L"Exist", L"ShowRevisionMessages", L"Item"}), options_(std::move(options)) {}
 
  protected:
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
     if (!Getting(flags)) return DISP_E_MEMBERNOTFOUND;
-    bool known = true;
-    if (id == 1 || id == 3) {
-      if (params.cArgs != 1) return DISP_E_BADPARAMCOUNT;
-      Variant name;
-      if (FAILED(::VariantChangeType(name.Put(), &params.rgvarg[0], 0, VT_BSTR))) {
-        return DISP_E_TYPEMISMATCH;
-      }
-      known = _wcsicmp(V_BSTR(&name.Get()), L"ShowRevisionMessages") == 0;
+    std::string name = "ShowRevisionMessages";
+    if (id != 2) {
+      if (const HRESULT hr = TextArgument(params, name); FAILED(hr)) return hr;
     }
-    if (id == 1) {
-      if (result != nullptr) {
-        V_VT(result) = VT_BOOL;
-        V_BOOL(result) = known && defined_ ? VARIANT_TRUE : VARIANT_FALSE;
-      }
-      return S_OK;
-    }
-    if (!known || !defined_) return E_INVALIDARG;
-    return result == nullptr ? S_OK : ::VariantCopy(result, &value_.Get());
+    return ExistOrValue(
+        id == 1, options_->Exist(name), [&] { return options_->Option(name); }, result);
   }
 
  private:
-  bool defined_ = false;
-  Variant value_;
+  std::shared_ptr<portable::OptionSetObject> options_;
+};
+
+// Workset.Settings: Exist(name) and the default member Item(name).
+class SettingsObject final : public LateBound {
+ public:
+  explicit SettingsObject(std::shared_ptr<portable::SettingsObject> settings)
+      : LateBound({L"Exist", L"Item"}, 2), settings_(std::move(settings)) {}
+
+ protected:
+  HRESULT Call(DISPID id, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
+    if (!Getting(flags)) return DISP_E_MEMBERNOTFOUND;
+    std::string name;
+    if (const HRESULT hr = TextArgument(params, name); FAILED(hr)) return hr;
+    return ExistOrValue(
+        id == 1, settings_->Exist(name), [&] { return settings_->Item(name); }, result);
+  }
+
+ private:
+  std::shared_ptr<portable::SettingsObject> settings_;
 };
 
 // Slots of the host's interfaces that the host kit does not serve.
@@ -193,19 +234,29 @@ class OptionSetObject final : public LateBound {
   RESERVED(t##8)      \
   RESERVED(t##9)
 
-template <class Interface>
-using DualObject = comkit::DualObject<Interface, kHostServicesLib>;
+template <class Interface, class... Others>
+using DualObject = comkit::DualObject<Interface, kHostServicesLib, Others...>;
+
+ComPtr<IDispatch> WrapVemraObject(const std::shared_ptr<portable::DocumentObject>& object);
 
 class OwnerObject final : public DualObject<IVemraOwner> {
  public:
-  OwnerObject(ComPtr<IDispatch> options, ComPtr<IDispatch> environment)
-      : options_(std::move(options)), environment_(std::move(environment)) {}
+  explicit OwnerObject(const std::shared_ptr<portable::OwnerObject>& owner)
+      : owner_(owner),
+        options_(Make<OptionSetObject>(owner->options)),
+        environment_(Make<Holder>(
+            L"Device", Make<Holder>(L"CurrentMessagePack",
+                                    Make<MessagePackObject>(owner->environment->messagePack)))),
+        user_(WrapVemraObject(
+            std::dynamic_pointer_cast<portable::DocumentObject>(owner->currentUser))) {
+    HoldObject(static_cast<IVemraOwner*>(this), owner_);
+  }
+  ~OwnerObject() override { DropObject(static_cast<IVemraOwner*>(this)); }
   HRESULT STDMETHODCALLTYPE get_Environment(IDispatch** environment) override {
     return HandOut(environment_, environment);
   }
   HRESULT STDMETHODCALLTYPE get_CurrentUser(IDispatch** user) override {
-    if (user != nullptr) *user = nullptr;
-    return E_NOTIMPL;
+    return HandOut(user_, user);
   }
   HRESULT STDMETHODCALLTYPE get_Options(IDispatch** options) override {
     return HandOut(options_, options);
@@ -241,59 +292,136 @@ class OwnerObject final : public DualObject<IVemraOwner> {
   RESERVED(82)
 
  private:
+  std::shared_ptr<portable::OwnerObject> owner_;
   ComPtr<IDispatch> options_;
   ComPtr<IDispatch> environment_;
+  ComPtr<IDispatch> user_;
 };
 
-class DocumentObject final : public DualObject<IVemraObject> {
+// Members reached by name beside the base interface's.
+constexpr DISPID kWorksetId = 1000;
+constexpr DISPID kPrintSettingsId = 1001;
+
+// A document, a document type or a user: the base interface, and for a
+// document the document interface (its type object) and the late-bound
+// Workset (Nothing without settings) and PrintSettings (Empty).
+class DocumentObject final : public DualObject<IVemraObject, IVemraDocument> {
  public:
-  DocumentObject(std::string name, ComPtr<IDispatch> owner)
-      : name_(std::move(name)), owner_(std::move(owner)) {}
-  HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) override { return HandOut(name_, name); }
-  HRESULT STDMETHODCALLTYPE get_Title(BSTR* title) override { return HandOut(name_, title); }
-  HRESULT STDMETHODCALLTYPE get_Owner(IDispatch** owner) override { return HandOut(owner_, owner); }
-  HRESULT STDMETHODCALLTYPE get_DocumentName(BSTR* name) override { return HandOut(name_, name); }
+  explicit DocumentObject(std::shared_ptr<portable::DocumentObject> document)
+      : document_(std::move(document)) {
+    HoldObject(Identity(), document_);
+  }
+  ~DocumentObject() override { DropObject(Identity()); }
+
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID lcid,
+                                          DISPID* ids) override {
+    if (count == 1 && names != nullptr && ids != nullptr) {
+      if (_wcsicmp(names[0], L"Workset") == 0) return *ids = kWorksetId, S_OK;
+      if (_wcsicmp(names[0], L"PrintSettings") == 0) return *ids = kPrintSettingsId, S_OK;
+    }
+    return DualObject::GetIDsOfNames(riid, names, count, lcid, ids);
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID riid, LCID lcid, WORD flags,
+                                   DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception,
+                                   UINT* argError) override {
+    if (id == kPrintSettingsId) return S_OK;  // Empty
+    if (id != kWorksetId) {
+      return DualObject::Invoke(id, riid, lcid, flags, params, result, exception, argError);
+    }
+    if (result == nullptr) return S_OK;
+    V_VT(result) = VT_DISPATCH;
+    V_DISPATCH(result) = nullptr;
+    if (!document_->settings) return S_OK;
+    return comkit::Answered([&] {
+      return HandOut(Make<Holder>(L"Settings", Make<SettingsObject>(document_->settings)),
+                     &V_DISPATCH(result));
+    });
+  }
+
+  HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) override { return HandOut(document_->name, name); }
+  HRESULT STDMETHODCALLTYPE get_Title(BSTR* title) override {
+    return HandOut(document_->title, title);
+  }
+  HRESULT STDMETHODCALLTYPE get_Owner(IDispatch** owner) override {
+    if (owner == nullptr) return E_POINTER;
+    *owner = nullptr;
+    return comkit::Answered([&] {
+      const auto portableOwner = std::dynamic_pointer_cast<portable::OwnerObject>(document_->owner);
+      if (portableOwner && !owner_) owner_ = Make<OwnerObject>(portableOwner);
+      return HandOut(owner_, owner);
+    });
+  }
+  HRESULT STDMETHODCALLTYPE get_DocumentName(BSTR* name) override {
+    return HandOut(document_->documentName, name);
+  }
   HRESULT STDMETHODCALLTYPE get_SystemType(long* systemType) override {
     if (systemType == nullptr) return E_POINTER;
-    *systemType = kDocumentSystemType;
+    *systemType = document_->systemType;
     return S_OK;
   }
-  HRESULT STDMETHODCALLTYPE get_Number(BSTR* number) override { return HandOut(name_, number); }
+  HRESULT STDMETHODCALLTYPE get_Number(BSTR* number) override {
+    return HandOut(document_->number, number);
+  }
+  HRESULT STDMETHODCALLTYPE get_TypeObject(IDispatch** type) override {
+    if (type == nullptr) return E_POINTER;
+    *type = nullptr;
+    return comkit::Answered([&] {
+      return HandOut(WrapVemraObject(std::dynamic_pointer_cast<portable::DocumentObject>(
+                         document_->typeObject)),
+                     type);
+    });
+  }
+  RESERVED(7)
   RESERVED(8)
-  RESERVED(10)
-  RESERVED(11)
-  RESERVED(12)
-  RESERVED(13)
-  RESERVED(14)
-  RESERVED(15)
-  RESERVED(16)
-  RESERVED(18)
+  RESERVED(9)
+  RESERVED10(1)
   RESERVED10(2)
-  RESERVED(30)
-  RESERVED(31)
-  RESERVED(32)
-  RESERVED(34)
-  RESERVED(35)
-  RESERVED(36)
-  RESERVED(37)
+  RESERVED10(3)
+  RESERVED10(4)
+  RESERVED10(5)
+  RESERVED10(6)
+  RESERVED10(7)
+  RESERVED10(8)
+  RESERVED10(9)
+  RESERVED10(10)
+  RESERVED10(11)
+  RESERVED10(12)
+  RESERVED10(13)
+  RESERVED10(14)
+  RESERVED10(15)
+  RESERVED10(16)
+  RESERVED10(17)
+  RESERVED(180)
+  RESERVED(181)
+  RESERVED(182)
+  RESERVED(183)
+  RESERVED(184)
+  RESERVED(185)
+  RESERVED(186)
+  RESERVED(187)
 
  private:
-  static constexpr long kDocumentSystemType = 29;
-  std::string name_;
+  IUnknown* Identity() { return static_cast<IVemraObject*>(this); }
+  std::shared_ptr<portable::DocumentObject> document_;
   ComPtr<IDispatch> owner_;
 };
 
 #undef RESERVED10
 #undef RESERVED
 
-// Makes a T as an IDispatch.
-template <class T, class... Args>
-ComPtr<IDispatch> Make(Args&&... args) {
-  ComPtr<IDispatch> object;
-  const HRESULT hr =
-      comkit::CreateObject<T>(IID_IDispatch, object.PutVoid(), std::forward<Args>(args)...);
-  if (FAILED(hr)) throw RunTimeError(hr, "cannot create the document's objects");
-  return object;
+ComPtr<IDispatch> WrapVemraObject(const std::shared_ptr<portable::DocumentObject>& object) {
+  return object ? Make<DocumentObject>(object) : ComPtr<IDispatch>();
+}
+
+// The document named by the environment: the world's, else a bare one
+// whose texts are all its name.
+std::shared_ptr<portable::DocumentObject> NamedDocument() {
+  const std::string name = GetEnvironment(kDocumentNameVariable).value_or("Document");
+  if (auto described = World().Document(name)) return described;
+  auto document = std::make_shared<portable::DocumentObject>(
+      name, NewLoggedOwner(Kit().log, ShowRevisionMessagesOption()));
+  document->title = document->number = document->documentName = name;
+  return document;
 }
 
 }  // namespace
@@ -301,13 +429,8 @@ ComPtr<IDispatch> Make(Args&&... args) {
 HRESULT CreateDocument(REFIID riid, void** object) {
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
-  return comkit::Answered([&] {
-    const std::string name = GetEnvironment(kDocumentNameVariable).value_or("Document");
-    auto device = Make<Holder>(L"CurrentMessagePack", Make<MessagePackObject>());
-    auto owner =
-        Make<OwnerObject>(Make<OptionSetObject>(), Make<Holder>(L"Device", std::move(device)));
-    return Make<DocumentObject>(name, std::move(owner))->QueryInterface(riid, object);
-  });
+  return comkit::Answered(
+      [&] { return Make<DocumentObject>(NamedDocument())->QueryInterface(riid, object); });
 }
 
 }  // namespace kestrivon::hostkit::com

@@ -139,6 +139,18 @@ class Parser {
       Number(key, value, printer.delayMs);
     } else if (EqualNoCase(key, "Growth")) {
       Number(key, value, printer.growthMs);
+    } else if (EqualNoCase(key, "Family")) {
+      const auto family = ParseDriverFamily(value);
+      if (!family)
+        return Problem("Family is adobe-pdf, distiller, pdfwriter or pdffactory1 to 4, not '" +
+                       value + "'");
+      printer.family = *family;
+    } else if (EqualNoCase(key, "Wrong")) {
+      std::istringstream names(value);
+      for (std::string name; std::getline(names, name, ',');) {
+        name = Trim(name);
+        if (!name.empty()) printer.wrong.insert(name);
+      }
     } else if (EqualNoCase(key, "Mode")) {
       static const std::pair<const char*, DriverMode> kModes[] = {{"pdf", DriverMode::kPdf},
                                                                   {"none", DriverMode::kNone},

@@ -4,8 +4,11 @@
 #include <filesystem>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
+
+#include "core/DriverFamilies.h"
 
 namespace kestrivon::hostkit {
 
@@ -26,6 +29,10 @@ struct WorldPrinter {
   uint32_t delayMs = 0;   // before the file appears
   uint32_t growthMs = 0;  // the file is held open this long
   DriverMode mode = DriverMode::kPdf;
+  // A driver of a family writes where its family's settings say, and
+  // refuses where they would make it wait for a user.
+  DriverFamily family = DriverFamily::kNone;
+  std::set<std::string> wrong;  // settings the world sets up wrongly
 };
 
 struct WorldDocument {

@@ -1,25 +1,21 @@
 #include "core/PrintWorldHost.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
-
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <map>
 #include <mutex>
-#include <qpdf/QPDF.hh>
-#include <qpdf/QPDFPageDocumentHelper.hh>
-#include <qpdf/QPDFWriter.hh>
 #include <thread>
 
+#include "core/DriverFamilies.h"
 #include "core/Environment.h"
 #include "core/FileCopy.h"
+#include "core/HostFiles.h"
 #include "core/Settings.h"
 #include "host/portable/Printing.h"
-#include "platform/portable/FileSystem.h"
+#ifndef _WIN32
 #include "platform/portable/Spooler.h"
+#endif
 #include "runtime/ErrorHandler.h"
 #include "runtime/Text.h"
 
@@ -49,31 +45,6 @@ std::string NameOf(const HostObjectRef& object) {
 
 void SleepMs(uint32_t milliseconds) {
   std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
-}
-
-QPDFObjectHandle Name(const char* name) { return QPDFObjectHandle::newName(name); }
-
-// One Letter page that shows the text in Helvetica.
-void AddTextPage(QPDF& pdf, const std::string& text) {
-  auto font = QPDFObjectHandle::newDictionary();
-  font.replaceKey("/Type", Name("/Font"));
-  font.replaceKey("/Subtype", Name("/Type1"));
-  font.replaceKey("/BaseFont", Name("/Helvetica"));
-  auto fonts = QPDFObjectHandle::newDictionary();
-  fonts.replaceKey("/F1", pdf.makeIndirectObject(font));
-  auto resources = QPDFObjectHandle::newDictionary();
-  resources.replaceKey("/Font", fonts);
-  const std::string content =
-      "BT /F1 18 Tf 72 720 Td " + QPDFObjectHandle::newString(text).unparse() + " Tj ET\n";
-  auto page = QPDFObjectHandle::newDictionary();
-  page.replaceKey("/Type", Name("/Page"));
-  page.replaceKey("/MediaBox",
-                  QPDFObjectHandle::newArray(std::vector<QPDFObjectHandle>{
-                      QPDFObjectHandle::newInteger(0), QPDFObjectHandle::newInteger(0),
-                      QPDFObjectHandle::newInteger(612), QPDFObjectHandle::newInteger(792)}));
-  page.replaceKey("/Resources", resources);
-  page.replaceKey("/Contents", QPDFObjectHandle::newStream(&pdf, content));
-  QPDFPageDocumentHelper(pdf).addPage(QPDFPageObjectHelper(pdf.makeIndirectObject(page)), false);
 }
 
 // Each member the component calls leaves one entry: the member, the
@@ -174,10 +145,23 @@ struct InstalledPrintWorld::State {
     }
     const std::string name = document ? document->name : NameOf(documentRef);
     const std::string source = document ? document->file : std::string();
-    const std::string& folder = driver.outputFolder;
-    const bool windows = folder.find('\\') != std::string::npos || folder[1] == ':';
-    const std::string file = folder + (windows ? "\\" : "/") + name +
-                             (driver.mode == DriverMode::kTmp ? ".PDF.tmp" : ".pdf");
+    std::string file;
+    if (driver.family != DriverFamily::kNone) {
+      // The family's own convention names the file, or the driver would
+      // wait for a user: then it writes nothing.
+      const DriverTarget target =
+          FindDriverTarget(driver.family, driver.name, name, ProgramFileName());
+      if (target.file.empty()) {
+        Driver(driver.name, "refuses: " + target.refusal, "");
+        return true;
+      }
+      file = target.file;
+    } else {
+      const std::string& folder = driver.outputFolder;
+      const bool windows = folder.find('\\') != std::string::npos || folder[1] == ':';
+      file = folder + (windows ? "\\" : "/") + name +
+             (driver.mode == DriverMode::kTmp ? ".PDF.tmp" : ".pdf");
+    }
     std::lock_guard lock(mutex);
     drivers.emplace_back(
         [this, &driver, name, source, file] { Write(driver, name, source, file); });
@@ -190,20 +174,16 @@ struct InstalledPrintWorld::State {
              const std::string& file) {
     SleepMs(driver.delayMs);
     const std::string bytes = MakeDriverPdf(source, name);
-    const std::string host = platform::portable::HostPath(file);
-    const int fd =
-        bytes.empty() ? -1 : ::open(host.c_str(), O_CREAT | O_WRONLY | O_TRUNC | O_CLOEXEC, 0644);
-    if (fd < 0 || ::flock(fd, LOCK_EX) != 0) {
-      if (fd >= 0) ::close(fd);
+    HeldFile held;
+    if (bytes.empty() || !held.Create(file)) {
       return Driver(driver.name, bytes.empty() ? "no PDF could be made" : "cannot write", file);
     }
     const size_t half = bytes.size() / 2;
-    bool written = ::write(fd, bytes.data(), half) == static_cast<ssize_t>(half);
+    bool written = held.Write(bytes.data(), half);
     Driver(driver.name, "growing", file);
     SleepMs(driver.growthMs);
-    written = written && ::write(fd, bytes.data() + half, bytes.size() - half) ==
-                             static_cast<ssize_t>(bytes.size() - half);
-    ::close(fd);
+    written = held.Write(bytes.data() + half, bytes.size() - half) && written;
+    held.Close();
     Driver(driver.name, written ? "written" : "cannot write", file);
   }
 
@@ -273,7 +253,7 @@ class WorldPrint : public InWorld<portable::DocFctDistObject> {
 class WorldFileHelper : public InWorld<portable::DocumentFileHelperObject> {
  public:
   explicit WorldFileHelper(std::shared_ptr<State> state) : InWorld(std::move(state)) {
-    tempFolder = platform::portable::WindowsPath(std::filesystem::temp_directory_path().string());
+    tempFolder = WindowsFileName(PathToUtf8(std::filesystem::temp_directory_path()));
   }
   std::string FileName(const HostObjectRef& document) override {
     const WorldDocument* described = state_->Described(document);
@@ -335,35 +315,6 @@ std::shared_ptr<portable::OwnerObject> NewLoggedOwner(
   return owner;
 }
 
-std::string MakeDriverPdf(const std::string& sourceFile, const std::string& documentName) {
-  std::string bytes;
-  Attempt([&] {
-    QPDF pdf;
-    pdf.emptyPDF();
-    QPDF source;
-    source.setSuppressWarnings(true);
-    bool isPdf = false;
-    if (!sourceFile.empty()) {
-      isPdf = !Attempt([&] {
-                 source.processFile(platform::portable::HostPath(sourceFile).c_str());
-               }).has_value();
-    }
-    if (isPdf) {
-      for (auto& page : QPDFPageDocumentHelper(source).getAllPages()) {
-        QPDFPageDocumentHelper(pdf).addPage(page, false);
-      }
-    } else {
-      AddTextPage(pdf, documentName);
-    }
-    QPDFWriter writer(pdf);
-    writer.setOutputMemory();
-    writer.write();
-    const auto buffer = writer.getBufferSharedPointer();
-    bytes.assign(reinterpret_cast<const char*>(buffer->getBuffer()), buffer->getSize());
-  });
-  return bytes;
-}
-
 InstalledPrintWorld::InstalledPrintWorld(PrintWorld world, std::shared_ptr<TraceLog> log)
     : state_(std::make_shared<State>()) {
   State& state = *state_;
@@ -375,9 +326,27 @@ InstalledPrintWorld::InstalledPrintWorld(PrintWorld world, std::shared_ptr<Trace
                     std::to_string(state.world.documents.size()) + " documents"});
     for (const auto& problem : state.world.problems) state.log->Append("HOSTKIT", {problem});
   });
+#ifndef _WIN32
+  // On Windows the spooler is the system's own.
   platform::portable::ClearPrinters();
+#endif
   for (const WorldPrinter& printer : state.world.printers) {
+#ifndef _WIN32
     platform::portable::DefinePrinter(printer.name, {printer.status, printer.jobs});
+    // Natively the world sets its drivers up in the portable registry; on
+    // Windows the system's registry keeps what vemra-revise setup wrote.
+    if (printer.family != DriverFamily::kNone) {
+      IgnoreErrors([&] {
+        const auto unknown = SetUpDriver(SystemDriverSettings(), printer.family, printer.name,
+                                         WindowsFileName(printer.outputFolder), printer.wrong);
+        for (const auto& name : unknown) {
+          state.log->Append("HOSTKIT",
+                            {"print world: printer '" + printer.name + "' (" +
+                             DriverFamilyName(printer.family) + ") has no setting '" + name + "'"});
+        }
+      });
+    }
+#endif
     state.printers.push_back(std::make_shared<LoggedPrinter>(printer, state.log));
   }
   const auto& option = state.world.showRevisionMessages;

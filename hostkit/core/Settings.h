@@ -22,8 +22,10 @@ inline constexpr const char* kShowRevisionMessagesVariable = "VEMRA_SHOW_REVISIO
 // The host's configuration directory (Workset.Globals.ConfigDirectory),
 // where HARP.ini lies; unset, the workset has none.
 inline constexpr const char* kConfigDirectoryVariable = "VEMRA_CONFIG_DIRECTORY";
-// The print world file (printworld.ini), natively only.
+// The print world file (printworld.ini).
 inline constexpr const char* kPrintWorldVariable = "VEMRA_PRINT_WORLD";
+// The qpdf program of the Windows host kit (a Linux path under Wine).
+inline constexpr const char* kQpdfVariable = "VEMRA_QPDF";
 
 // The host's ordinary level: traces without the debug-only lines.
 inline constexpr int32_t kDefaultLevel = 2;

@@ -85,6 +85,7 @@ std::string UsageText(std::string_view program) {
   std::string text = "Usage: ";
   text += program;
   text += R"( <class> --folder <revision folder> --name <file name> [options]
+       vemra-revise setup <family> --name <printer> --output <folder> [--wrong <setting>]...
 
 Runs one revision the way the host does: creates the revision printer <class>
 (a ProgID such as VemraKestrivon.NoFile, or the bare class name NoFile), calls

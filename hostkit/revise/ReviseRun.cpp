@@ -10,6 +10,7 @@
 #include "core/Environment.h"
 #include "core/Settings.h"
 #include "core/TraceLog.h"
+#include "revise/ReviseSetup.h"
 #include "runtime/ErrorHandler.h"
 
 namespace kestrivon::hostkit::revise {
@@ -157,6 +158,7 @@ void ListMessages(std::ostream& out, const std::filesystem::path& path, std::uin
 
 int ReviseMain(std::string_view program, const std::vector<std::string>& args,
                ReviseBackend& backend, std::ostream& out, std::ostream& err) {
+  if (!args.empty() && args.front() == "setup") return SetupMain(program, args, out, err);
   const ParseResult parsed = ParseArguments(args);
   if (std::holds_alternative<HelpRequest>(parsed)) {
     out << UsageText(program);

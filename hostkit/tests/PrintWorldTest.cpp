@@ -35,6 +35,9 @@ TEST(PrintWorld, ProblemsAreNamedAndSkipped) {
       {"[Printer P]\nMode = fail\nDelay = 1s\nStatus = 0x4G",
        {"print world line 3: Delay needs a number (decimal or 0x...), not '1s'",
         "print world line 4: Status needs a number (decimal or 0x...), not '0x4G'"}},
+      {"[Printer P]\nOutput = /o\nFamily = fax",
+       {"print world line 3: Family is adobe-pdf, distiller, pdfwriter or pdffactory1 to 4, "
+        "not 'fax'"}},
       {"[Printer P]\nMode = fax",
        {"print world line 2: Mode is pdf, none, tmp or fail, not 'fax'",
         "print world: printer 'P' has no Output folder, its driver "

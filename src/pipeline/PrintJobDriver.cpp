@@ -129,7 +129,9 @@ bool CheckAndCopyPDF(const host::HostObjectRef& document, const std::string& tar
 bool IRevisionPrinterDoPrint(const host::HostObjectRef& document, const std::string& printerName,
                              const host::HostObjectRef& printerObject) {
   return Procedure(kGlobalsLabel, "IRevisioPrinterDoPrint").Guard(false, [&] {
-    host::VemraObject& object = Required(host::AsVemraObject(document));
+    // The view is kept: on the COM side it is an object of its own.
+    const auto view = host::AsVemraObject(document);
+    host::VemraObject& object = Required(view);
     const std::string prompt =
         "||Print Revision of " + object.Number() + " " + object.Title() + " to " + printerName;
     WriteTrace("VemraKestrivon::Globals.IRevisionPrinterDoPrint(): UserPrompt: " + prompt);
@@ -148,7 +150,8 @@ std::string GetAdobeRevisionFile(const std::string& folder,
                                  const host::HostObjectRef& printerObject) {
   return Procedure(kGlobalsLabel, "Function GetAdobeRevisionFile").Guard(std::string(), [&] {
     const auto sleeper = static_cast<uint32_t>(GetRevisionSleeper());
-    host::Printer& printer = Required(host::AsPrinter(printerObject));
+    const auto view = host::AsPrinter(printerObject);
+    host::Printer& printer = Required(view);
     while ((printer.CurrentStatus() & kStatusPrinting) != 0) platform::Sleep(sleeper);
     WriteTrace(
         "VemraKestrivon::Globals::GetAdobeRevisionFile(): Printer has finished printing -> "

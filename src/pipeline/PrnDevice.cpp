@@ -25,8 +25,12 @@ constexpr int32_t kCannotPrintMask = 0x609683;
 constexpr int32_t kAnswerYes = 6;
 constexpr uint32_t kMaxListedJobs = 5;
 
-host::Printer& PrinterOf(const host::HostObjectRef& printer) {
-  return Required(host::AsPrinter(printer));
+// The printer's view, kept by the caller for the call: on the COM side it is
+// an object of its own.
+std::shared_ptr<host::Printer> PrinterOf(const host::HostObjectRef& printer) {
+  auto view = host::AsPrinter(printer);
+  Required(view);
+  return view;
 }
 
 const char* BoolText(bool value) { return value ? "True" : "False"; }
@@ -51,7 +55,7 @@ bool PrnDevice::SetFilePrinterByName(const std::string& name) {
   return Procedure(kClassLabel, "SetFilePrinterByName").Guard(false, [&] {
     // The printer selected already is kept as it is.
     if (printer_ && name != name_) {
-      PrinterOf(printer_).ReleasePrinter();
+      PrinterOf(printer_)->ReleasePrinter();
       printer_.reset();
     }
     if (!printer_) printer_ = Required(PrinterManager()).GetPrinter(name);
@@ -87,7 +91,7 @@ std::string PrnDevice::Name() {
 void PrnDevice::Shutdown() {
   Procedure(kClassLabel, "Shutdown").Guard([&] {
     if (printer_) {
-      PrinterOf(printer_).ReleasePrinter();
+      PrinterOf(printer_)->ReleasePrinter();
       printer_.reset();
       name_.clear();
     }
@@ -110,7 +114,7 @@ bool PrnDevice::IsPrinterAvailable(const host::HostObjectRef& context) {
       }
       return false;
     }
-    const int32_t status = PrinterOf(printer_).CurrentStatus();
+    const int32_t status = PrinterOf(printer_)->CurrentStatus();
     WriteTrace(prefix + ": vemra_printlib.IPrinter.CurrentStatus: '" + std::to_string(status) +
                "'");
     const bool ready = (status & kNotReadyMask) == 0;
@@ -133,7 +137,7 @@ bool PrnDevice::IsPrinterAvailable(const host::HostObjectRef& context) {
 bool PrnDevice::IsPrinterReady() {
   return Procedure(kClassLabel, "Public Function 'IsPrinterReady'").Guard(false, [&] {
     if (!printer_) return false;
-    const int32_t status = PrinterOf(printer_).CurrentStatus();
+    const int32_t status = PrinterOf(printer_)->CurrentStatus();
     // The status goes into a 16-bit Integer: the narrowing overflows from
     // 0x8000 on, and that ends the check with False.
     if (status > std::numeric_limits<int16_t>::max() ||
@@ -157,7 +161,7 @@ bool PrnDevice::InitializeDevMode(const host::HostObjectRef& document, const std
                "starting to initialize the VemraPrinter.Printer's DEVMODE...");
     const bool notHostDocument = !IsVemraDoc(document);
     const host::HostObjectRef settings = Required(host::AsDocument(document)).PrintSettings();
-    if (PrinterOf(printer_).PrepareDevMode(notHostDocument, 0, settings, text)) {
+    if (PrinterOf(printer_)->PrepareDevMode(notHostDocument, 0, settings, text)) {
       WriteTrace(kLabel + "::InitializeDevMode(): " + "print job started.");
     }
     return true;
@@ -167,7 +171,10 @@ bool PrnDevice::InitializeDevMode(const host::HostObjectRef& document, const std
 bool PrnDevice::IsPrinterQueueEmpty(const host::HostObjectRef& context) {
   return Procedure(kClassLabel, "Function IsPrinterQueueEmpty").Guard(false, [&] {
     if (IsPrinterQueueEmptyPriv(false)) return true;
-    auto& settings = Required(Required(host::AsDocument(context)).WorksetSettings());
+    // The views are kept: on the COM side each is an object of its own.
+    const auto document = host::AsDocument(context);
+    const auto worksetSettings = Required(document).WorksetSettings();
+    auto& settings = Required(worksetSettings);
     if (!settings.Exist(kShowRevisionMessages)) return false;
     if (VariantEqualsFalse(settings.Item(kShowRevisionMessages))) {
       WriteTrace(kLabel + "::IsPrinterQueueEmpty(): " + "printer queue is not empty.");

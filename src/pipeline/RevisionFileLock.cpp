@@ -20,7 +20,6 @@
 namespace kestrivon {
 namespace {
 
-
 constexpr const char* kLockClass = labels::kRevisionFileLock;
 constexpr const char* kLockExtension = ".RLCK";
 constexpr int32_t kCriticalOk = 16;
@@ -130,13 +129,34 @@ std::string RevisionFileLock::LockFileName(const host::HostObjectRef& document) 
   });
 }
 
+RevisionLockFile ReadRevisionLock(const std::string& path) {
+  const std::vector<std::string> lines = platform::ReadAnsiTextLines(path, 3);
+  RevisionLockFile lock{lines[0], lines[1], lines[2]};
+  lock.created = platform::FileDateCreated(path);
+  lock.ageSeconds = pipeline::SecondsBetween(lock.created, platform::Now());
+  return lock;
+}
+
+LockAge JudgeLockAge(int64_t ageSeconds) {
+  if (ageSeconds < kNewLockSeconds) return LockAge::kNew;
+  return ageSeconds >= kStaleLockSeconds ? LockAge::kStale : LockAge::kLive;
+}
+
+std::vector<std::string> FindRevisionLocks(const std::string& folder) {
+  std::vector<std::string> paths;
+  // A folder that cannot be searched holds no lock either.
+  if (const auto locks = platform::FindFiles(folder + "\\*" + kLockExtension)) {
+    for (const auto& entry : *locks) paths.push_back(folder + "\\" + entry.name);
+  }
+  return paths;
+}
+
 std::optional<bool> CheckDeleteLockFile(const std::string& folder,
                                         const host::HostObjectRef& document) {
   return Procedure(kGlobalsLabel, "CheckDeleteLockFile").Guard(std::optional<bool>(), [&] {
-    // A folder that cannot be searched holds no lock either.
-    const auto locks = platform::FindFiles(folder + "\\*" + kLockExtension);
-    if (!locks || locks->empty()) return std::optional<bool>(true);
-    const std::string path = folder + "\\" + locks->front().name;
+    const std::vector<std::string> locks = FindRevisionLocks(folder);
+    if (locks.empty()) return std::optional<bool>(true);
+    const std::string& path = locks.front();
     if (IsRevisionFileLocked(path, document)) {
       WriteTrace(
           "VemraKestrivon::Globals::CheckDeleteLockFile(): output directory is locked -> "
@@ -151,13 +171,13 @@ std::optional<bool> CheckDeleteLockFile(const std::string& folder,
 
 bool IsRevisionFileLocked(const std::string& path, const host::HostObjectRef& document) {
   return Procedure(kGlobalsLabel, "IsRevisionFileLocked").Guard(true, [&](bool& locked) {
-    const std::vector<std::string> lines = platform::ReadAnsiTextLines(path, 3);
-    const std::string& writtenAt = lines[0];
-    const std::string& computer = lines[1];
-    const std::string& user = lines[2];
-    const double created = platform::FileDateCreated(path);
-    const int64_t age = pipeline::SecondsBetween(created, platform::Now());
-    if (age < kNewLockSeconds) {
+    const RevisionLockFile lock = ReadRevisionLock(path);
+    const std::string& writtenAt = lock.writtenAt;
+    const std::string& computer = lock.computer;
+    const std::string& user = lock.user;
+    const double created = lock.created;
+    const LockAge age = JudgeLockAge(lock.ageSeconds);
+    if (age == LockAge::kNew) {
       Debug(
           "VemraKestrivon::Globals::IsRevisionFileLocked(): Lock-file is newly created -> "
           "waiting for 2 seconds...");
@@ -166,7 +186,7 @@ bool IsRevisionFileLocked(const std::string& path, const host::HostObjectRef& do
         locked = false;
         return;
       }
-    } else if (age >= kStaleLockSeconds) {
+    } else if (age == LockAge::kStale) {
       Debug("VemraKestrivon::Globals::IsRevisionFileLocked(): old lock-file found ('" + path +
             "') -> ignoring...");
       locked = false;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/HostObject.h"
 
@@ -35,6 +37,29 @@ class RevisionFileLock {
 
   std::string outputDirectory_;
 };
+
+// A lock file as the check reads it: its three lines and its age, by its
+// creation time. Raises when it cannot be read (gone, fewer than three
+// lines), which the check counts as live.
+struct RevisionLockFile {
+  std::string writtenAt;
+  std::string computer;
+  std::string user;
+  double created = 0;  // the creation time as a date
+  int64_t ageSeconds = 0;
+};
+RevisionLockFile ReadRevisionLock(const std::string& path);
+
+// How the check judges a lock by its age: new (below 2 s, a run just
+// starting: the check waits 2 s and judges a lock still there as live),
+// live, or stale (1000 hours or more: deleted, printing goes on).
+enum class LockAge { kNew, kLive, kStale };
+LockAge JudgeLockAge(int64_t ageSeconds);
+
+// The lock files of folder (without trailing "\"), full names in the
+// search's order; the check judges only the first. Empty when the folder
+// cannot be searched.
+std::vector<std::string> FindRevisionLocks(const std::string& folder);
 
 // Before printing into folder (without trailing "\"): judges the first lock
 // file there and deletes it when it is stale. True: printing may go on;

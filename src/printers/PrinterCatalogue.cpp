@@ -20,12 +20,12 @@ std::unique_ptr<RevisionPrinter> Make() {
 }
 
 constexpr std::array kClasses{
-    PrinterClass{"VemraTiff", &Make<VemraTiff>},
-    PrinterClass{"AcrobatDistiller", &Make<AcrobatDistiller>},
+    PrinterClass{"VemraTiff", &Make<VemraTiff>, VemraTiff::kPrinterNames},
+    PrinterClass{"AcrobatDistiller", &Make<AcrobatDistiller>, AcrobatDistiller::kPrinterNames},
     PrinterClass{"AcrobatWriter", &Make<AcrobatWriter>},
-    PrinterClass{"PDFFactory", &Make<PDFFactory>},
+    PrinterClass{"PDFFactory", &Make<PDFFactory>, PDFFactory::kPrinterNames},
     PrinterClass{"NoFile", &Make<NoFile>},
-    PrinterClass{"AdobePDF", &Make<AdobePDF>},
+    PrinterClass{"AdobePDF", &Make<AdobePDF>, AdobePDF::kPrinterNames},
     PrinterClass{"VemraHARP", &Make<VemraHARP>},
 };
 

@@ -16,6 +16,9 @@ inline constexpr std::string_view kLibraryName = "VemraKestrivon";
 struct PrinterClass {
   std::string_view name;  // "NoFile"
   std::unique_ptr<RevisionPrinter> (*create)();
+  // The printers it looks for by name, in order; none for a class that
+  // selects no printer by name (or, as the HARP printer, by its HARP.ini).
+  std::span<const char* const> printerNames = {};
 };
 
 // The seven creatable classes in registration order.

@@ -1,10 +1,10 @@
 #include "services/RegistrySettings.h"
 
-#include "runtime/ErrorHandler.h"
 #include "frame/trace/Trace.h"
 #include "platform/AnsiText.h"
 #include "platform/ProfileFiles.h"
 #include "platform/Registry.h"
+#include "runtime/ErrorHandler.h"
 
 namespace kestrivon {
 namespace {
@@ -18,6 +18,12 @@ constexpr const char* kSleeperValue = "RevisionSleeper";
 int32_t& SleeperCache() {
   static int32_t milliseconds = 0;
   return milliseconds;
+}
+
+// Where the cached value came from, for tools that explain it.
+std::string& SleeperOrigin() {
+  static std::string origin;
+  return origin;
 }
 
 platform::HKey Hive(int32_t hive) { return platform::HiveHandle(hive); }
@@ -118,15 +124,21 @@ int32_t GetRevisionSleeper() {
     int32_t& cache = SleeperCache();
     if (cache < 1) {
       Variant sleeper;
+      std::string& origin = SleeperOrigin();
+      const std::string value = std::string(kSleeperKey) + "\\" + kSleeperValue;
       GetValue(kHKeyLocalMachine, kSleeperKey, kSleeperValue, sleeper);
       if (VariantLength(sleeper) == 0) {
+        origin = "HKEY_CURRENT_USER\\" + value;
         if (!GetValue(kHKeyCurrentUser, kSleeperKey, kSleeperValue, sleeper)) {
           sleeper = int16_t{2};
+          origin = "default (no " + value + " in either hive)";
         }
       } else {
+        origin = "HKEY_LOCAL_MACHINE\\" + value;
         sleeper = TrimNull(VariantToString(sleeper));
       }
       if (!IsNumeric(sleeper)) {
+        origin = "default (" + origin + " is not a number)";
         WriteTrace(std::string("VemraKestrivon::Globals") + "::GetRevisionSleeper(): " +
                    "RevisionSleeper is invalid -> using default value (" + "2" + ")...");
         sleeper = int16_t{2};
@@ -158,5 +170,7 @@ std::string TrimNull(const std::string& text) {
 }
 
 void ResetRevisionSleeperForReload() { SleeperCache() = 0; }
+
+std::string RevisionSleeperOrigin() { return SleeperOrigin(); }
 
 }  // namespace kestrivon

@@ -32,6 +32,10 @@ bool SetValue(int32_t hive, const std::string& keyPath, const std::string& value
 // Software\HALDRIM\VEMRA (machine, then user), read once per process.
 int32_t GetRevisionSleeper();
 
+// Where the last read of the revision sleeper took it from: a value with
+// its hive, or the default and why; empty before the first read.
+std::string RevisionSleeperOrigin();
+
 // Writes one key of a profile file.
 void SetIniSetting(const std::string& iniFile, const std::string& section, const std::string& key,
                    const std::string& value);

@@ -17,6 +17,7 @@
 #include "host/portable/HostActivation.h"
 #include "platform/portable/DebugOutput.h"
 #include "printers/PrinterCatalogue.h"
+#include "revise/Doctor.h"
 #include "revise/ReviseRun.h"
 #include "revise/native/HostKitDocument.h"
 
@@ -122,5 +123,10 @@ class NativeBackend final : public revise::ReviseBackend {
 int main(int argc, char** argv) {
   const std::vector<std::string> args(argv + 1, argv + argc);
   NativeBackend backend;
+  // The classes are linked in: nothing to find in a registry.
+  if (const auto status = revise::SubcommandMain(args, backend, revise::ClassRegistration::Linked,
+                                                 std::cout, std::cerr)) {
+    return *status;
+  }
   return revise::ReviseMain("vemra-revise", args, backend, std::cout, std::cerr);
 }

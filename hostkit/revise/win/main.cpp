@@ -16,6 +16,7 @@
 #include "VemraVBInterface.h"
 #include "core/Environment.h"
 #include "core/Settings.h"
+#include "revise/Doctor.h"
 #include "revise/ReviseRun.h"
 
 namespace {
@@ -222,7 +223,10 @@ int main() {
   int status = 0;
   {
     ComBackend backend;
-    status = revise::ReviseMain("vemra-revise", args, backend, std::cout, std::cerr);
+    const auto subcommand =
+        revise::SubcommandMain(args, backend, revise::ReadRegistration, std::cout, std::cerr);
+    status = subcommand ? *subcommand
+                        : revise::ReviseMain("vemra-revise", args, backend, std::cout, std::cerr);
   }
   std::cout.flush();
   return status;

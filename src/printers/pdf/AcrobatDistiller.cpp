@@ -31,8 +31,8 @@ bool AcrobatDistiller::InitPrnSettings() {
   return Procedure(kClassLabel, " Function IRevisionPrinter_InitPrnSettings").Guard(false, [&] {
     if (!device_.Name().empty()) return true;
     if (!IsAcrbVer5()) return false;
-    if (!device_.SetFilePrinterByName("Vemra Acrobat Distiller")) {
-      device_.SetFilePrinterByName("Acrobat Distiller");
+    for (const char* name : kPrinterNames) {
+      if (device_.SetFilePrinterByName(name)) break;
     }
     return true;
   });

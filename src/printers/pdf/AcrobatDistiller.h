@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 #include "frame/trace/ClassLabels.h"
 #include "printers/pdf/PdfRevisionPrinter.h"
 
@@ -11,6 +13,9 @@ namespace kestrivon {
 class AcrobatDistiller final : public AcrobatPrinter {
  public:
   static constexpr const char* kClassLabel = labels::kAcrobatDistiller;
+  // The printers InitPrnSettings looks for, in order.
+  static constexpr std::array<const char*, 2> kPrinterNames{"Vemra Acrobat Distiller",
+                                                            "Acrobat Distiller"};
 
   AcrobatDistiller();
   ~AcrobatDistiller() override;

@@ -1,5 +1,7 @@
 #include "printers/pdf/AcrobatSettings.h"
 
+#include <optional>
+
 #include "frame/trace/Trace.h"
 #include "host/HostObject.h"
 #include "platform/AnsiText.h"
@@ -67,6 +69,35 @@ constexpr Flag kFlags[] = {
      "Ask before replacing existing file is activates <-> should be deactivated", messages::k02836},
 };
 
+// Settings 1 to 3 as read: wrong unless the value is 0.
+bool FlagWrong(const std::string& key, const Flag& flag, Variant& value) {
+  value = int16_t{-999};
+  GetValue(kHKeyLocalMachine, key + kDriverData, flag.value, value);
+  return VariantToLong(value) != 0;
+}
+
+// The folder the check derives from a port; none when the port is too short
+// to name one.
+std::optional<std::string> CheckedPortFolder(const std::string& port) {
+  if (port.size() <= kPatternLength) return std::nullopt;
+  std::string folder = vb::Left(port, static_cast<long long>(port.size() - kPatternLength));
+  if (vb::InStr(1, folder, kAllUsers) == 0) return DocumentsFolderRule(folder);
+  if (const std::string user = GetCurrentUserName(); !user.empty()) {
+    return ReplaceAll(folder, kAllUsers, user);
+  }
+  return folder;
+}
+
+constexpr const char* kDsSpooler = "\\DsSpooler";
+constexpr const char* kKeepJobs = "printKeepPrintedJobs";
+
+// Setting 6: none when it cannot be read, else the value as text.
+std::optional<std::string> KeepJobsValue(const std::string& key) {
+  Variant keepJobs = std::string();
+  if (!GetValue(kHKeyLocalMachine, key + kDsSpooler, kKeepJobs, keepJobs)) return std::nullopt;
+  return VariantToString(keepJobs);
+}
+
 void LookingUp(const std::string& key, const std::string& value) {
   WriteTrace(kC + "looking up '" + key + kDriverData + "' '" + value + "'...");
 }
@@ -80,10 +111,10 @@ std::string CheckAcrobatPRN(const std::string& printerName) {
     WriteTrace(kC + "Adobe Registry Key: '" + key + "'");
     for (const Flag& flag : kFlags) {
       LookingUp(key, flag.value);
-      Variant value = int16_t{-999};
-      GetValue(kHKeyLocalMachine, key + kDriverData, flag.value, value);
+      Variant value;
+      const bool wrong = FlagWrong(key, flag, value);
       WriteTrace(kC + flag.label + VariantToString(value) + "'");
-      if (VariantToLong(value) != 0) {
+      if (wrong) {
         WriteTrace(kC + flag.wrongTrace);
         summary += Resolved(messages::k02824) + Resolved(flag.item) + kCrLf + kCrLf;
       }
@@ -92,13 +123,8 @@ std::string CheckAcrobatPRN(const std::string& printerName) {
     LookingUp(key, "Port");
     const std::string port = ReadPort(key);
     WriteTrace(kC + "Output is set to '" + port + "'");
-    if (port.size() > kPatternLength) {
-      std::string folder = vb::Left(port, static_cast<long long>(port.size() - kPatternLength));
-      if (vb::InStr(1, folder, kAllUsers) == 0) {
-        folder = DocumentsFolderRule(folder);
-      } else if (const std::string user = GetCurrentUserName(); !user.empty()) {
-        folder = ReplaceAll(folder, kAllUsers, user);
-      }
+    if (const auto checked = CheckedPortFolder(port)) {
+      const std::string& folder = *checked;
       if (!platform::FolderExists(folder)) {
         WriteTrace(kC + "the port definition is wrong");
         summary += Resolved(messages::k02828) + " " + Resolved(messages::k02827) + kCrLf;
@@ -122,11 +148,11 @@ std::string CheckAcrobatPRN(const std::string& printerName) {
       }
     }
 
-    Variant keepJobs = std::string();
-    if (!GetValue(kHKeyLocalMachine, key + "\\DsSpooler", "printKeepPrintedJobs", keepJobs)) {
-      WriteTrace(kC + "unable to find 'HKEY_LOCAL_MACHINE\\" + key + "\\DsSpooler" + ": " +
-                 "printKeepPrintedJobs" + "'");
-    } else if (VariantToString(keepJobs) != "0") {
+    const auto keepJobs = KeepJobsValue(key);
+    if (!keepJobs) {
+      WriteTrace(kC + "unable to find 'HKEY_LOCAL_MACHINE\\" + key + kDsSpooler + ": " + kKeepJobs +
+                 "'");
+    } else if (*keepJobs != "0") {
       WriteTrace(kC + "'Keep printed documents' is enabled -> disable");
       summary += Resolved(messages::k02824) + Resolved(messages::k05626) + kCrLf + kCrLf;
     }
@@ -140,6 +166,35 @@ std::string CheckAcrobatPRN(const std::string& printerName) {
                "Incorrect printer settings summary:" + kCrLf + summary + kCrLf + rule + kCrLf);
     return Resolved(messages::k0282b) + kCrLf + kCrLf + summary;
   });
+}
+
+std::vector<SettingFinding> AcrobatSettingFindings(const std::string& printerName) {
+  return Procedure(kGlobalsLabel, "Function CheckAcrobatPRN")
+      .Guard(std::vector<SettingFinding>(), [&] {
+        const std::string key = PrinterKey(printerName);
+        const std::string machine = "HKEY_LOCAL_MACHINE\\";
+        std::vector<SettingFinding> findings;
+        for (const Flag& flag : kFlags) {
+          Variant value;
+          if (FlagWrong(key, flag, value)) {
+            // The default a missing value reads.
+            const std::string found =
+                VariantToLong(value) == -999 ? kMissingSetting : VariantToString(value);
+            findings.push_back({machine + key + kDriverData, flag.value, found, "0"});
+          }
+        }
+        const std::string port = ReadPort(key);
+        if (const auto folder = CheckedPortFolder(port);
+            folder && !platform::FolderExists(*folder)) {
+          findings.push_back(
+              {machine + key + kDriverData, "Port", port,
+               "an existing folder followed by *.pdf (folder '" + *folder + "' does not exist)"});
+        }
+        if (const auto keepJobs = KeepJobsValue(key); keepJobs && *keepJobs != "0") {
+          findings.push_back({machine + key + kDsSpooler, kKeepJobs, *keepJobs, "0"});
+        }
+        return findings;
+      });
 }
 
 std::string GetArcobatPrnOutputDirectory(const std::string& printerName) {

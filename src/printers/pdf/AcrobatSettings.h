@@ -1,6 +1,9 @@
 #pragma once
 
 #include <string>
+#include <vector>
+
+#include "printers/SettingFinding.h"
 
 namespace kestrivon {
 
@@ -11,6 +14,10 @@ namespace kestrivon {
 // Every setting that keeps the printer from printing unattended into its
 // folder, as the text to show; empty when all is well.
 std::string CheckAcrobatPRN(const std::string& printerName);
+
+// The same settings, one finding per wrong one (in the check's order, the
+// inactive one left out); empty when the check would answer empty.
+std::vector<SettingFinding> AcrobatSettingFindings(const std::string& printerName);
 
 // The folder the printer writes into, from its port ("<folder>*.pdf"),
 // ending in a backslash as the port gives it; empty when the port names

@@ -42,8 +42,9 @@ AdobePDF::~AdobePDF() {
 bool AdobePDF::InitPrnSettings() {
   return Procedure(kClassLabel, " Function IRevisionPrinter_InitPrnSettings").Guard(false, [&] {
     if (device_.Name().empty()) {
-      if (device_.SetFilePrinterByName("Vemra Adobe PDF")) return true;
-      if (device_.SetFilePrinterByName("Adobe PDF")) return true;
+      for (const char* name : kPrinterNames) {
+        if (device_.SetFilePrinterByName(name)) return true;
+      }
     }
     return device_.IPrinter() != nullptr;
   });

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 #include "frame/trace/ClassLabels.h"
 #include "printers/pdf/PdfRevisionPrinter.h"
 
@@ -11,6 +13,8 @@ namespace kestrivon {
 class AdobePDF final : public AcrobatPrinter {
  public:
   static constexpr const char* kClassLabel = labels::kAdobePDF;
+  // The printers InitPrnSettings looks for, in order.
+  static constexpr std::array<const char*, 2> kPrinterNames{"Vemra Adobe PDF", "Adobe PDF"};
 
   AdobePDF();
   ~AdobePDF() override;

@@ -33,11 +33,22 @@ std::string AllSettingsWrong() {
          Resolved(messages::k033d1);
 }
 
-// The value reads the number; a value that cannot be read keeps -999.
-bool Reads(const std::string& key, const char* name, int32_t number) {
+constexpr const char* kShowDlg = "ShowDlg";
+constexpr const char* kPdfAction = "PdfAction";
+
+// The value as read; one that cannot be read keeps -999.
+Variant ReadNumber(const std::string& key, const char* name) {
   Variant value = int16_t{-999};
   GetValue(kHKeyCurrentUser, key, name, value);
-  return VariantToDouble(value) == number;
+  return value;
+}
+
+bool Reads(const std::string& key, const char* name, int32_t number) {
+  return VariantToDouble(ReadNumber(key, name)) == number;
+}
+
+std::string ProductKey(int16_t version) {
+  return version > 1 ? kUnnumbered + std::to_string(version) : kUnnumbered;
 }
 
 // A settings check that answers a fixed text after an error.
@@ -70,7 +81,7 @@ PDFFactory::~PDFFactory() {
 bool PDFFactory::InitPrnSettings() {
   return Procedure(kClassLabel, "Function IRevisionPrinter_InitPrnSettings").Guard(false, [&] {
     if (!device_.IPrinter()) {
-      for (const char* name : {"Vemra glibus", "glibus", "Vemra pdfFactory", "pdfFactory"}) {
+      for (const char* name : kPrinterNames) {
         if (device_.SetFilePrinterByName(name)) break;
       }
     }
@@ -81,17 +92,56 @@ bool PDFFactory::InitPrnSettings() {
   });
 }
 
+PdfFactoryNeeds PdfFactoryRequired(int16_t version) {
+  return version == 1 ? PdfFactoryNeeds{4, 1} : PdfFactoryNeeds{2, 0};
+}
+
+int16_t FindPdfFactoryVersion() {
+  for (int16_t n = 4; n >= 2; --n) {
+    if (ExistKey(kHKeyCurrentUser, kVendorKey + ProductKey(n))) return n;
+  }
+  return ExistKey(kHKeyCurrentUser, kVendorKey + ProductKey(1)) ? int16_t{1} : int16_t{-1};
+}
+
+std::string PdfFactorySettingsKey(int16_t version, const std::string& printerName) {
+  return kVendorKey + ProductKey(version) + "\\FinePrinters\\" + printerName +
+         "\\PrinterDriverData";
+}
+
+std::vector<SettingFinding> PdfFactorySettingFindings(const std::string& printerName) {
+  return Procedure(kLabel.c_str(), "Function CheckPDFFactorySettings()")
+      .Guard(std::vector<SettingFinding>(), [&] {
+        const std::string user = "HKEY_CURRENT_USER\\";
+        const int16_t version = FindPdfFactoryVersion();
+        const PdfFactoryNeeds needs = PdfFactoryRequired(version);
+        const std::string needed = std::string(kShowDlg) + " " + std::to_string(needs.showDlg) +
+                                   ", " + kPdfAction + " " + std::to_string(needs.pdfAction);
+        if (version < 0) {
+          return std::vector<SettingFinding>{{user + kVendorKey + kUnnumbered + "<version>",
+                                              "(key)", kMissingSetting,
+                                              "the key of an installed version, with " + needed}};
+        }
+        const std::string key = PdfFactorySettingsKey(version, printerName);
+        if (version > 1 && !ExistKey(kHKeyCurrentUser, key)) {
+          return std::vector<SettingFinding>{{user + key, "(key)", kMissingSetting, needed}};
+        }
+        std::vector<SettingFinding> findings;
+        for (const auto& [name, number] :
+             {std::pair{kShowDlg, needs.showDlg}, std::pair{kPdfAction, needs.pdfAction}}) {
+          const Variant value = ReadNumber(key, name);
+          if (VariantToDouble(value) == number) continue;
+          findings.push_back(
+              {user + key, name,
+               VariantToLong(value) == -999 ? kMissingSetting : VariantToString(value),
+               std::to_string(number)});
+        }
+        return findings;
+      });
+}
+
 int16_t PDFFactory::GetPdfFactoryVersion() {
   return Procedure(kClassLabel, "Function GetPdfFactoryVersion()").Guard(int16_t{0}, [&] {
-    int16_t version = -1;
-    for (int16_t n = 4; n >= 2 && version < 0; --n) {
-      if (ExistKey(kHKeyCurrentUser, kVendorKey + std::string(kUnnumbered) + std::to_string(n))) {
-        version = n;
-      }
-    }
-    if (version < 0 && ExistKey(kHKeyCurrentUser, kVendorKey + std::string(kUnnumbered))) {
-      version = 1;
-    }
+    const int16_t version = FindPdfFactoryVersion();
     WriteTrace(kLabel + "::GetPdfFactoryVersion(): " + "pdfFactory version is v" +
                std::to_string(version));
     return version;
@@ -115,9 +165,8 @@ std::string PDFFactory::CheckPDFFactorySettings() {
       WriteTrace(c + kWrongSettings);
       return AllSettingsWrong();
     }
-    productKey_ = version > 1 ? kUnnumbered + std::to_string(version) : kUnnumbered;
-    const std::string key =
-        kVendorKey + productKey_ + "\\FinePrinters\\" + printer + "\\PrinterDriverData";
+    productKey_ = ProductKey(version);
+    const std::string key = PdfFactorySettingsKey(version, printer);
     WriteTrace(c + "checking settings in 'HKCU\\" + key + "'...");
     return version == 1 ? CheckPdfFactory1xSettings(key) : CheckPdfFactory2UpSettings(key, version);
   });
@@ -125,7 +174,10 @@ std::string PDFFactory::CheckPDFFactorySettings() {
 
 std::string PDFFactory::CheckPdfFactory1xSettings(const std::string& key) {
   return CheckWithFallback("Function CheckPdfFactory1xSettings()", messages::k033d0, [&] {
-    if (Reads(key, "ShowDlg", 4) && Reads(key, "PdfAction", 1)) return std::string();
+    const PdfFactoryNeeds needs = PdfFactoryRequired(1);
+    if (Reads(key, kShowDlg, needs.showDlg) && Reads(key, kPdfAction, needs.pdfAction)) {
+      return std::string();
+    }
     // Both texts are resolved twice over.
     return Resolved(messages::k0282b) + kCrLf + Resolved(Resolved(messages::k033ce)) + " " +
            Resolved(Resolved(messages::k033cf));
@@ -147,8 +199,9 @@ std::string PDFFactory::CheckPdfFactory2UpSettings(const std::string& key, int16
       return Resolved(messages::k05790) + kCrLf + Resolved(messages::k02833) + kCrLf +
              Resolved(messages::k033d1) + kCrLf + Resolved(messages::k05791);
     }
-    const bool dialogRight = Reads(key, "ShowDlg", 2);
-    const bool saveRight = Reads(key, "PdfAction", 0);
+    const PdfFactoryNeeds needs = PdfFactoryRequired(version);
+    const bool dialogRight = Reads(key, kShowDlg, needs.showDlg);
+    const bool saveRight = Reads(key, kPdfAction, needs.pdfAction);
     if (dialogRight && saveRight) return std::string();
     std::string text;
     if (!dialogRight) {

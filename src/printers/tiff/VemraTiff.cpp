@@ -47,8 +47,10 @@ PrnDevice& VemraTiff::Device() {
 
 bool VemraTiff::InitPrnSettings() {
   return Procedure(kClassLabel, "InitPrnSettings").Guard(false, [&] {
-    if (Device().Name().empty() && !Device().SetFilePrinterByName("Revision Vemra Tiff")) {
-      Device().SetFilePrinterByName("Vemra Tiff");
+    if (Device().Name().empty()) {
+      for (const char* name : kPrinterNames) {
+        if (Device().SetFilePrinterByName(name)) break;
+      }
     }
     return !Device().Name().empty();
   });

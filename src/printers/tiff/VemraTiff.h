@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <memory>
 
 #include "frame/RevisionPrinter.h"
@@ -15,6 +16,8 @@ namespace kestrivon {
 class VemraTiff final : public RevisionPrinterFrame {
  public:
   static constexpr const char* kClassLabel = labels::kVemraTiff;
+  // The printers InitPrnSettings looks for, in order.
+  static constexpr std::array<const char*, 2> kPrinterNames{"Revision Vemra Tiff", "Vemra Tiff"};
 
   VemraTiff();
   ~VemraTiff() override;

@@ -1,0 +1,369 @@
+// The print world's host classes through COM: the print function, the
+// print library's manager and printers, the document file helper, the UI
+// policy and the PDF merge. Each stands for an object of the portable
+// world (hostkit/core/PrintWorldHost), which does the work and logs it.
+#include "hostkit/com/PrintWorldObjects.h"
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "comkit/Bstr.h"
+#include "comkit/Object.h"
+#include "comkit/Variant.h"
+#include "host/portable/HostActivation.h"
+#include "hostkit/com/HostObjects.h"
+#include "hostkit/core/Environment.h"
+#include "hostkit/core/PdfMerge.h"
+#include "hostkit/core/Settings.h"
+
+namespace kestrivon::hostkit::com {
+namespace {
+
+using comkit::ComPtr;
+using comkit::NewBstr;
+using comkit::Utf8;
+using comkit::Variant;
+
+struct Holdings {
+  std::mutex mutex;
+  std::map<IUnknown*, host::HostObjectRef> held;
+};
+
+Holdings& Held() {
+  static auto* holdings = new Holdings;  // outlives every object
+  return *holdings;
+}
+
+host::portable::HostFactories& Factories() {
+  static auto* factories = [] {
+    auto* made = new host::portable::HostFactories;
+    World().AddFactories(*made);
+    return made;
+  }();
+  return *factories;
+}
+
+// An object handed in: the world's own, or a stand-in for another's.
+host::HostObjectRef Argument(IUnknown* object) {
+  if (object == nullptr) return nullptr;
+  host::HostObjectRef held = HeldObject(object);
+  return held ? held : std::make_shared<host::HostObject>();
+}
+
+// The world's objects are host objects too.
+template <class T>
+host::HostObjectRef AsHeld(const std::shared_ptr<T>& object) {
+  return std::dynamic_pointer_cast<host::HostObject>(object);
+}
+
+VARIANT_BOOL Bool(bool value) { return value ? VARIANT_TRUE : VARIANT_FALSE; }
+
+// A dual object of the host's library standing for one portable object.
+template <class Interface, class Portable>
+class Standing : public comkit::DualObject<Interface, kHostServicesLib, ISupportErrorInfo> {
+ public:
+  HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID riid) override {
+    return IsEqualIID(riid, __uuidof(Interface)) ? S_OK : S_FALSE;
+  }
+
+ protected:
+  explicit Standing(host::HostObjectRef held)
+      : held_(std::move(held)), portable_(std::dynamic_pointer_cast<Portable>(held_)) {
+    if (!portable_) throw RunTimeError(vb_error::kCantCreateObject, "no such object in the world");
+    HoldObject(Identity(), held_);
+  }
+  ~Standing() override { DropObject(Identity()); }
+  IUnknown* Identity() { return static_cast<Interface*>(this); }
+  template <class Body>
+  static HRESULT Answer(Body&& body) noexcept {
+    return comkit::Answer(__uuidof(Interface), L"VemraHostKit", std::forward<Body>(body));
+  }
+  host::HostObjectRef held_;
+  std::shared_ptr<Portable> portable_;
+};
+
+#define RESERVED(n) \
+  HRESULT STDMETHODCALLTYPE Reserved##n() override { return E_NOTIMPL; }
+
+class PrinterObject final : public Standing<IPrinter, host::Printer> {
+ public:
+  explicit PrinterObject(host::HostObjectRef printer) : Standing(std::move(printer)) {}
+  HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) override {
+    if (name == nullptr) return E_POINTER;
+    *name = nullptr;
+    return Answer([&] { *name = NewBstr(portable_->Name()); });
+  }
+  HRESULT STDMETHODCALLTYPE ReleasePrinter() override {
+    return Answer([&] { portable_->ReleasePrinter(); });
+  }
+  HRESULT STDMETHODCALLTYPE PrepareDevMode(VARIANT_BOOL notHostDocument, LONG reserved,
+                                           VARIANT settings, BSTR text,
+                                           VARIANT_BOOL* jobStarted) override {
+    return Answer([&] {
+      const host::HostObjectRef held =
+          V_VT(&settings) == VT_DISPATCH ? Argument(V_DISPATCH(&settings)) : nullptr;
+      const bool started =
+          portable_->PrepareDevMode(notHostDocument != VARIANT_FALSE, reserved, held, Utf8(text));
+      if (jobStarted != nullptr) *jobStarted = Bool(started);
+    });
+  }
+  HRESULT STDMETHODCALLTYPE EndJob(LONG* result) override {
+    if (result == nullptr) return E_POINTER;
+    return Answer([&] { *result = portable_->EndJob(); });
+  }
+  HRESULT STDMETHODCALLTYPE get_CurrentStatus(LONG* status) override {
+    if (status == nullptr) return E_POINTER;
+    return Answer([&] { *status = portable_->CurrentStatus(); });
+  }
+  RESERVED(10)
+  RESERVED(11)
+  RESERVED(12)
+  RESERVED(13)
+  RESERVED(14)
+  RESERVED(15)
+};
+
+class DocFctDistObject final : public Standing<IDocFctDist, host::DocFctDist> {
+ public:
+  DocFctDistObject() : Standing(AsHeld(Factories().docFctDist())) {}
+  HRESULT STDMETHODCALLTYPE SetDocument(IDispatch** document) override {
+    if (document == nullptr) return E_POINTER;
+    return Answer([&] { portable_->SetDocument(Argument(*document)); });
+  }
+  HRESULT STDMETHODCALLTYPE ReleaseDocument() override {
+    return Answer([&] { portable_->ReleaseDocument(); });
+  }
+  HRESULT STDMETHODCALLTYPE Printdirect(IDispatch* printer, VARIANT_BOOL* printed) override {
+    if (printed == nullptr) return E_POINTER;
+    return Answer([&] { *printed = Bool(portable_->Printdirect(Argument(printer))); });
+  }
+  RESERVED(7)
+  RESERVED(8)
+  RESERVED(10)
+};
+
+class FileHelperObject final : public Standing<IDocumentFileHelper, host::DocumentFileHelper> {
+ public:
+  FileHelperObject() : Standing(AsHeld(Factories().documentFileHelper())) {}
+  HRESULT STDMETHODCALLTYPE FileName(IDispatch* document, BSTR* fileName) override {
+    return Text(fileName, [&] { return portable_->FileName(Argument(document)); });
+  }
+  HRESULT STDMETHODCALLTYPE TempOutputName(BSTR extension, BSTR* fileName) override {
+    return Text(fileName, [&] { return portable_->TempOutputName(Utf8(extension)); });
+  }
+  HRESULT STDMETHODCALLTYPE MustFetch(BSTR fileName, VARIANT_BOOL* mustFetch) override {
+    if (mustFetch == nullptr) return E_POINTER;
+    return Answer([&] { *mustFetch = Bool(portable_->MustFetch(Utf8(fileName))); });
+  }
+  HRESULT STDMETHODCALLTYPE FetchFile(IDispatch* document, BSTR purpose, BSTR* localPath) override {
+    return Text(localPath, [&] { return portable_->FetchFile(Argument(document), Utf8(purpose)); });
+  }
+  RESERVED(9)
+
+ private:
+  template <class Body>
+  HRESULT Text(BSTR* out, Body&& body) {
+    if (out == nullptr) return E_POINTER;
+    *out = nullptr;
+    return Answer([&] { *out = NewBstr(body()); });
+  }
+};
+
+#undef RESERVED
+
+// Late-bound objects: the arguments in call order, each read through its
+// reference.
+class LateBound : public comkit::NamedObject {
+ protected:
+  using NamedObject::NamedObject;
+  static const VARIANT& Arg(const DISPPARAMS& params, UINT index) {
+    const VARIANT& raw = params.rgvarg[params.cArgs - 1 - index];
+    return V_VT(&raw) == (VT_BYREF | VT_VARIANT) ? *V_VARIANTREF(&raw) : raw;
+  }
+  static std::string TextArg(const DISPPARAMS& params, UINT index) {
+    Variant text;
+    // VariantChangeType only reads its source; its declaration lacks the const.
+    if (FAILED(::VariantChangeType(text.Put(), const_cast<VARIANT*>(&Arg(params, index)), 0,
+                                   VT_BSTR))) {
+      throw RunTimeError(vb_error::kTypeMismatch, "a text was expected");
+    }
+    return Utf8(V_BSTR(&text.Get()));
+  }
+  static IUnknown* ObjectArg(const DISPPARAMS& params, UINT index) {
+    const VARIANT& value = Arg(params, index);
+    if (V_VT(&value) == VT_DISPATCH || V_VT(&value) == VT_UNKNOWN) return V_UNKNOWN(&value);
+    if (V_VT(&value) == (VT_BYREF | VT_DISPATCH)) return *V_DISPATCHREF(&value);
+    return nullptr;
+  }
+  static void ReturnBool(bool value, VARIANT* result) {
+    if (result == nullptr) return;
+    V_VT(result) = VT_BOOL;
+    V_BOOL(result) = Bool(value);
+  }
+  static HRESULT Run(UINT count, const DISPPARAMS& params, const std::function<void()>& body) {
+    if (params.cArgs != count) return DISP_E_BADPARAMCOUNT;
+    return comkit::Answered([&] {
+      body();
+      return S_OK;
+    });
+  }
+};
+
+class PrinterManagerObject final : public LateBound {
+ public:
+  PrinterManagerObject()
+      : LateBound({L"GetPrinter", L"Shutdown"}), manager_(Factories().printerManager()) {}
+
+ protected:
+  HRESULT Call(DISPID id, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
+    if (!Getting(flags)) return DISP_E_MEMBERNOTFOUND;
+    if (id == 2) return Run(0, params, [&] { manager_->Shutdown(); });
+    return Run(1, params, [&] {
+      ComPtr<IDispatch> printer = WrapPrinter(manager_->GetPrinter(TextArg(params, 0)));
+      if (result == nullptr) return;
+      V_VT(result) = VT_DISPATCH;
+      V_DISPATCH(result) = printer.Detach();
+    });
+  }
+
+ private:
+  std::shared_ptr<host::PrinterManager> manager_;
+};
+
+class UIPolicyObject final : public LateBound {
+ public:
+  UIPolicyObject() : LateBound({L"IsSilent"}), policy_(Factories().uiPolicy()) {}
+
+ protected:
+  HRESULT Call(DISPID, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
+    if (!Getting(flags)) return DISP_E_MEMBERNOTFOUND;
+    return Run(1, params,
+               [&] { ReturnBool(policy_->IsSilent(Argument(ObjectArg(params, 0))), result); });
+  }
+
+ private:
+  std::shared_ptr<host::UIPolicy> policy_;
+};
+
+// The file list as the run time passes a String array: an array of
+// strings or of variants, possibly by reference.
+std::vector<std::string> TextList(const VARIANT& value) {
+  SAFEARRAY* array = nullptr;
+  if ((V_VT(&value) & VT_ARRAY) != 0) {
+    array = (V_VT(&value) & VT_BYREF) != 0 ? *V_ARRAYREF(&value) : V_ARRAY(&value);
+  }
+  if (array == nullptr || ::SafeArrayGetDim(array) != 1) {
+    throw RunTimeError(vb_error::kTypeMismatch, "the files are no list of names");
+  }
+  LONG low = 0;
+  LONG high = -1;
+  ::SafeArrayGetLBound(array, 1, &low);
+  ::SafeArrayGetUBound(array, 1, &high);
+  std::vector<std::string> texts;
+  for (LONG i = low; i <= high; ++i) {
+    Variant element;
+    VARTYPE type = VT_EMPTY;
+    ::SafeArrayGetVartype(array, &type);
+    if (type == VT_BSTR) {
+      BSTR text = nullptr;
+      ::SafeArrayGetElement(array, &i, &text);
+      texts.push_back(Utf8(text));
+      ::SysFreeString(text);
+      continue;
+    }
+    Variant converted;
+    if (FAILED(::SafeArrayGetElement(array, &i, element.Put())) ||
+        FAILED(::VariantChangeType(converted.Put(), &element.Get(), 0, VT_BSTR))) {
+      throw RunTimeError(vb_error::kTypeMismatch, "a file name is no text");
+    }
+    texts.push_back(Utf8(V_BSTR(&converted.Get())));
+  }
+  return texts;
+}
+
+// Merge(options, files, target): the pages of the files, in list order,
+// into the target; a MERGE entry tells what was asked and answered.
+class PdfMergeObject final : public LateBound {
+ public:
+  PdfMergeObject() : LateBound({L"Merge"}) {}
+
+ protected:
+  HRESULT Call(DISPID, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
+    if (!Getting(flags)) return DISP_E_MEMBERNOTFOUND;
+    return Run(3, params, [&] {
+      const std::vector<std::string> files = TextList(Arg(params, 1));
+      const std::string target = TextArg(params, 2);
+      const bool merged = merge_.Merge(TextArg(params, 0), files, target);
+      std::vector<std::string> fields{"Merge", target, merged ? "True" : "False"};
+      fields.insert(fields.end(), files.begin(), files.end());
+      Kit().log->Append("MERGE", fields);
+      ReturnBool(merged, result);
+    });
+  }
+
+ private:
+  PdfMerge merge_;
+};
+
+template <class Object>
+HRESULT Create(REFIID riid, void** object) {
+  if (const auto error = Attempt([] { World(); })) return HResultOf(*error);
+  return comkit::CreateObject<Object>(riid, object);
+}
+
+}  // namespace
+
+InstalledPrintWorld& World() {
+  static InstalledPrintWorld* world = [] {
+    const auto file = GetEnvironment(kPrintWorldVariable);
+    PrintWorld described = file ? LoadPrintWorld(PathFromUtf8(*file)) : PrintWorld{};
+    return new InstalledPrintWorld(std::move(described), Kit().log);
+  }();
+  return *world;
+}
+
+host::HostObjectRef HeldObject(IUnknown* object) {
+  if (object == nullptr) return nullptr;
+  ComPtr<IUnknown> identity;
+  if (FAILED(object->QueryInterface(IID_IUnknown, identity.PutVoid()))) return nullptr;
+  Holdings& holdings = Held();
+  std::lock_guard lock(holdings.mutex);
+  const auto found = holdings.held.find(identity.Get());
+  return found == holdings.held.end() ? nullptr : found->second;
+}
+
+void HoldObject(IUnknown* identity, host::HostObjectRef held) {
+  Holdings& holdings = Held();
+  std::lock_guard lock(holdings.mutex);
+  holdings.held[identity] = std::move(held);
+}
+
+void DropObject(IUnknown* identity) {
+  Holdings& holdings = Held();
+  std::lock_guard lock(holdings.mutex);
+  holdings.held.erase(identity);
+}
+
+ComPtr<IDispatch> WrapPrinter(const host::HostObjectRef& printer) {
+  ComPtr<IDispatch> object;
+  if (!printer) return object;
+  const HRESULT hr = comkit::CreateObject<PrinterObject>(IID_IDispatch, object.PutVoid(), printer);
+  if (FAILED(hr)) throw RunTimeError(hr, "cannot make the printer's object");
+  return object;
+}
+
+HRESULT CreateDocFctDist(REFIID riid, void** object) {
+  return Create<DocFctDistObject>(riid, object);
+}
+HRESULT CreateDocumentFileHelper(REFIID riid, void** object) {
+  return Create<FileHelperObject>(riid, object);
+}
+HRESULT CreatePrinterManager(REFIID riid, void** object) {
+  return Create<PrinterManagerObject>(riid, object);
+}
+HRESULT CreateUIPolicy(REFIID riid, void** object) { return Create<UIPolicyObject>(riid, object); }
+HRESULT CreatePdfMerge(REFIID riid, void** object) { return Create<PdfMergeObject>(riid, object); }
+
+}  // namespace kestrivon::hostkit::com

@@ -1,0 +1,79 @@
+#include "core/HostFiles.h"
+
+#ifdef _WIN32
+#include <windows.h>
+
+#include "platform/win/Text.h"
+#else
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include "platform/portable/FileSystem.h"
+#endif
+
+namespace kestrivon::hostkit {
+
+#ifdef _WIN32
+
+std::string HostFileName(const std::string& windowsName) { return windowsName; }
+std::string WindowsFileName(const std::string& hostName) { return hostName; }
+
+bool HeldFile::Create(const std::string& windowsName) {
+  Close();
+  const std::wstring wide = platform::win::ToWide(windowsName);
+  HANDLE file = ::CreateFileW(wide.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                              FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return false;
+  handle_ = file;
+  return true;
+}
+
+bool HeldFile::Write(const char* data, size_t size) {
+  DWORD written = 0;
+  return handle_ != nullptr &&
+         ::WriteFile(handle_, data, static_cast<DWORD>(size), &written, nullptr) != FALSE &&
+         written == size;
+}
+
+void HeldFile::Close() {
+  if (handle_ != nullptr) ::CloseHandle(handle_);
+  handle_ = nullptr;
+}
+
+#else
+
+std::string HostFileName(const std::string& windowsName) {
+  return platform::portable::HostPath(windowsName);
+}
+std::string WindowsFileName(const std::string& hostName) {
+  return platform::portable::WindowsPath(hostName);
+}
+
+bool HeldFile::Create(const std::string& windowsName) {
+  Close();
+  const std::string host = HostFileName(windowsName);
+  const int fd = ::open(host.c_str(), O_CREAT | O_WRONLY | O_TRUNC | O_CLOEXEC, 0644);
+  if (fd < 0) return false;
+  if (::flock(fd, LOCK_EX) != 0) {
+    ::close(fd);
+    return false;
+  }
+  fd_ = fd;
+  return true;
+}
+
+bool HeldFile::Write(const char* data, size_t size) {
+  return fd_ >= 0 && ::write(fd_, data, size) == static_cast<ssize_t>(size);
+}
+
+void HeldFile::Close() {
+  if (fd_ >= 0) ::close(fd_);
+  fd_ = -1;
+}
+
+#endif
+
+HeldFile::~HeldFile() { Close(); }
+
+}  // namespace kestrivon::hostkit

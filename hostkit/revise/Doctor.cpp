@@ -1,0 +1,339 @@
+#include "revise/Doctor.h"
+
+#include <algorithm>
+#include <fstream>
+#include <memory>
+#include <span>
+
+#include "pipeline/PrnDevice.h"
+#include "pipeline/RevisionFileLock.h"
+#include "platform/Environment.h"
+#include "platform/FileSystem.h"
+#include "platform/Registry.h"
+#include "printers/PrinterCatalogue.h"
+#include "printers/harp/HARPConfiguration.h"
+#include "printers/pdf/AcrobatSettings.h"
+#include "printers/pdf/PDFFactory.h"
+#include "runtime/ErrorHandler.h"
+#include "runtime/Text.h"
+#include "services/RegistrySettings.h"
+#include "services/WorksetAccess.h"
+
+namespace kestrivon::hostkit::revise {
+namespace {
+
+constexpr uint32_t kReadAccess = 0x19;
+
+// The default value (empty name) or a named string value of a key under
+// HKEY_CLASSES_ROOT; nullopt when there is none.
+std::optional<std::string> ClassesRootString(const std::string& key, const std::string& name) {
+  platform::OwnedKey handle;
+  if (platform::RegOpenKeyExA(platform::kHKeyClassesRoot, key, 0, kReadAccess, handle.Put()) !=
+      platform::kErrorSuccess) {
+    return std::nullopt;
+  }
+  uint32_t type = 0;
+  uint32_t size = 0;
+  if (platform::RegQueryValueExA(handle.Get(), name, &type, nullptr, &size) !=
+          platform::kErrorSuccess ||
+      (type != platform::kRegSz && type != platform::kRegExpandSz)) {
+    return std::nullopt;
+  }
+  std::string text(size, '\0');
+  if (platform::RegQueryValueExA(handle.Get(), name, nullptr, text.data(), &size) !=
+      platform::kErrorSuccess) {
+    return std::nullopt;
+  }
+  text.resize(std::min<size_t>(size, text.size()));
+  return text.substr(0, text.find('\0'));
+}
+
+// The machine a DLL was built for, from its PE header.
+std::string Bitness(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) return "unknown (the file cannot be read)";
+  const auto read = [&](std::streamoff at, size_t bytes) {
+    uint32_t value = 0;
+    file.seekg(at);
+    file.read(reinterpret_cast<char*>(&value), static_cast<std::streamsize>(bytes));
+    return file ? value : 0u;
+  };
+  const uint32_t pe = read(0x3C, 4);
+  if (pe == 0 || read(pe, 4) != 0x00004550) return "unknown (no PE file)";
+  switch (read(pe + 4, 2)) {
+    case 0x8664:
+      return "64-bit";
+    case 0x014C:
+      return "32-bit";
+    default:
+      return "unknown machine";
+  }
+}
+
+std::string HostBitness() { return sizeof(void*) == 8 ? "64-bit" : "32-bit"; }
+
+std::string WithoutTrailingSeparator(std::string folder) {
+  while (folder.size() > 1 && (folder.back() == '\\' || folder.back() == '/')) folder.pop_back();
+  return folder;
+}
+
+std::string FolderOf(const std::string& file) {
+  const size_t slash = file.find_last_of("\\/");
+  return slash == std::string::npos ? std::string() : file.substr(0, slash);
+}
+
+std::string FirstLine(const std::string& text) {
+  std::string line = text.substr(0, text.find_first_of("\r\n"));
+  return line.empty() ? text : line;
+}
+
+// The first of the class's printer names the print library knows.
+std::string SelectedPrinter(std::span<const char* const> names) {
+  PrnDevice device;
+  for (const char* name : names) {
+    if (device.SetFilePrinterByName(name)) return device.Name();
+  }
+  return {};
+}
+
+enum class Family { kNone, kAdobe, kWriter, kFactory, kTiff, kHarp };
+
+Family FamilyOf(std::string_view name) {
+  if (name == "AdobePDF" || name == "AcrobatDistiller") return Family::kAdobe;
+  if (name == "AcrobatWriter") return Family::kWriter;
+  if (name == "PDFFactory") return Family::kFactory;
+  if (name == "VemraTiff") return Family::kTiff;
+  if (name == "VemraHARP") return Family::kHarp;
+  return Family::kNone;
+}
+
+HarpSummary ReadHarpSummary() {
+  HarpSummary harp;
+  IgnoreErrors([&] {
+    const auto globals = WorksetGlobals();
+    harp.configDirectory = globals->Exist("ConfigDirectory");
+    if (!harp.configDirectory) return;
+    harp.iniFile = globals->ConfigDirectory() + "HARP.ini";
+    harp.iniFileExists = platform::FileExists(harp.iniFile);
+    // Only with a configuration directory: without one, creation would
+    // show a message box.
+    HARPConfiguration configuration;
+    harp.loaded = configuration.ConfigFileLoaded();
+    harp.printerName = configuration.PrinterName();
+    harp.printerRedirection = configuration.PrinterRedirection();
+    harp.revisionExtension = configuration.RevisionExtension();
+    harp.timeOutSeconds = configuration.ConvertCommandExecuteSynchronTimeOut();
+    harp.revisionSleeper = configuration.ConvertCommandRevisionSleeper();
+    harp.errorSummary = configuration.PrinterSettingsErrorSummary();
+    const std::string section = harp.iniFile + " [Default]";
+    if (!harp.iniFileExists) {
+      harp.findings.push_back({harp.iniFile, "(file)", kMissingSetting, "HARP.ini"});
+      return;
+    }
+    if (harp.printerName.empty()) {
+      harp.findings.push_back({section, "PrinterName", "", "the name of an installed printer"});
+    }
+    if (!configuration.IsValidRevisionArchive(harp.revisionExtension)) {
+      harp.findings.push_back(
+          {section, "RevisionExtension", harp.revisionExtension, ".PDF or .TIF"});
+    }
+    const StringDictionary* parameters = configuration.ParameterDictionary();
+    if (!harp.loaded && (parameters == nullptr || parameters->Count() == 0)) {
+      harp.findings.push_back({harp.iniFile + " [ConvertCommand Parameters]", "(section)",
+                               kMissingSetting, "one key=value line or more"});
+    }
+  });
+  return harp;
+}
+
+void ExamineFolder(ClassReport& report, const std::string& folder, bool needed) {
+  report.outputFolder = folder;
+  report.outputFolderExists = !folder.empty() && platform::FolderExists(folder);
+  if (!report.outputFolderExists) {
+    if (needed) {
+      report.problems.push_back(folder.empty() ? "the driver names no output folder"
+                                               : "output folder '" + folder + "' does not exist");
+    }
+    return;
+  }
+  report.locks = ReadLocks(WithoutTrailingSeparator(folder));
+  if (!report.locks.empty() && report.locks.front().state != "stale") {
+    report.problems.push_back("lock file '" + report.locks.front().path + "' (" +
+                              report.locks.front().state + ") refuses every print");
+  }
+}
+
+// What the doctor reads beside the class's own answers.
+void ExamineDriver(ClassReport& report, const PrinterClass& cls, const HarpSummary& harp) {
+  const Family family = FamilyOf(cls.name);
+  report.printer = family == Family::kHarp ? harp.printerName : SelectedPrinter(cls.printerNames);
+  if (family == Family::kHarp && !report.printer.empty()) {
+    PrnDevice device;
+    if (!device.SetFilePrinterByName(report.printer)) report.printer.clear();
+  }
+  switch (family) {
+    case Family::kAdobe:
+      if (report.printer.empty()) break;
+      report.findings = AcrobatSettingFindings(report.printer);
+      ExamineFolder(report, GetArcobatPrnOutputDirectory(report.printer), true);
+      break;
+    case Family::kFactory:
+      if (report.printer.empty()) break;
+      report.findings = PdfFactorySettingFindings(report.printer);
+      ExamineFolder(report, platform::EnvironmentVariable("TEMP").value_or(""), true);
+      break;
+    case Family::kHarp:
+      if (!harp.findings.empty()) {
+        report.problems.push_back(std::to_string(harp.findings.size()) +
+                                  " wrong HARP.ini key(s), listed under HARP.ini");
+      }
+      if (!harp.configDirectory) {
+        report.outputFolderNote = "no configuration directory";
+      } else {
+        ExamineFolder(report, FolderOf(harp.printerRedirection), true);
+      }
+      report.problems.push_back("DoPrint is refused by this class: it makes no archive");
+      break;
+    case Family::kTiff:
+      report.outputFolderNote = "none: DoPrint is refused by this class";
+      report.problems.push_back("DoPrint is refused by this class: it makes no archive");
+      break;
+    case Family::kWriter:
+      report.outputFolderNote = "none: the class searches a folder it never sets";
+      break;
+    case Family::kNone:
+      report.outputFolderNote = "none: the class writes no file";
+      break;
+  }
+  if (!report.findings.empty()) {
+    report.problems.push_back(std::to_string(report.findings.size()) +
+                              " wrong setting(s), each named with its fix");
+  }
+}
+
+ClassReport ExamineClass(ReviseBackend& backend, const RegistrationReader& registration,
+                         const PrinterClass& cls, const HarpSummary& harp) {
+  ClassReport report;
+  report.name = std::string(cls.name);
+  report.progId = std::string(kLibraryName) + "." + report.name;
+  report.registration = registration(report.progId);
+  if (!report.registration.linked && !report.registration.registered) {
+    report.problems.push_back("not registered: regsvr32 VemraKestrivon.dll");
+  }
+  for (const std::string& problem : report.registration.problems)
+    report.problems.push_back(problem);
+  if (FamilyOf(cls.name) == Family::kHarp && !harp.configDirectory) {
+    report.createFailure =
+        "not created: the workset has no ConfigDirectory, so creation would show the box "
+        "'Retrieving configuration path failed.'";
+  } else if (report.registration.linked || report.registration.registered) {
+    ReviseBackend::Created created = backend.Create(report.progId);
+    report.created = created.session != nullptr;
+    report.createFailure = created.reason;
+    if (created.session) {
+      PrinterSession& session = *created.session;
+      // An answer the host cannot get stays empty and counts against the class.
+      IgnoreErrors([&] { report.initPrnSettings = session.InitPrnSettings(); });
+      IgnoreErrors([&] { report.checkPrnSettings = session.CheckPrnSettings(); });
+      IgnoreErrors([&] { report.isPrinterAvailable = session.IsPrinterAvailable(); });
+    }
+  }
+  if (!report.created) {
+    report.problems.push_back(report.createFailure.empty() ? "not created" : report.createFailure);
+  } else {
+    if (report.initPrnSettings != true) report.problems.push_back("InitPrnSettings is not True");
+    if (!report.checkPrnSettings || !report.checkPrnSettings->empty()) {
+      report.problems.push_back("CheckPrnSettings: " +
+                                FirstLine(report.checkPrnSettings.value_or("the call failed")));
+    }
+    if (report.isPrinterAvailable != true)
+      report.problems.push_back("IsPrinterAvailable is not True");
+  }
+  ExamineDriver(report, cls, harp);
+  return report;
+}
+
+}  // namespace
+
+ClassRegistration ReadRegistration(const std::string& progId) {
+  ClassRegistration r;
+  const auto clsid = ClassesRootString(progId + "\\CLSID", "");
+  if (!clsid) {
+    r.problems.push_back("ProgID " + progId + " is not registered");
+    return r;
+  }
+  r.clsid = *clsid;
+  const std::string key = "CLSID\\" + r.clsid;
+  const auto server = ClassesRootString(key + "\\InprocServer32", "");
+  r.registered = server.has_value();
+  if (!server) {
+    r.problems.push_back("CLSID " + r.clsid + " has no InprocServer32");
+    return r;
+  }
+  r.server = *server;
+  r.serverBitness = Bitness(r.server);
+  if (r.serverBitness != HostBitness()) {
+    r.problems.push_back("InprocServer32 '" + r.server + "' is " + r.serverBitness +
+                         ", this host is " + HostBitness());
+  }
+  r.threadingModel = ClassesRootString(key + "\\InprocServer32", "ThreadingModel").value_or("");
+  if (r.threadingModel != "Apartment") {
+    r.problems.push_back("ThreadingModel is '" + r.threadingModel + "', needs Apartment");
+  }
+  r.typeLib = ClassesRootString(key + "\\TypeLib", "").value_or("");
+  if (r.typeLib.empty()) r.problems.push_back("CLSID " + r.clsid + " names no TypeLib");
+  return r;
+}
+
+std::vector<LockReport> ReadLocks(const std::string& folder) {
+  std::vector<LockReport> locks;
+  for (const std::string& path : FindRevisionLocks(folder)) {
+    LockReport lock;
+    lock.path = path;
+    lock.state = "unreadable";
+    if (const auto error = Attempt([&] {
+          const RevisionLockFile file = ReadRevisionLock(path);
+          lock.writtenAt = file.writtenAt;
+          lock.computer = file.computer;
+          lock.user = file.user;
+          lock.ageSeconds = file.ageSeconds;
+          switch (JudgeLockAge(file.ageSeconds)) {
+            case LockAge::kNew:
+              lock.state = "new";
+              break;
+            case LockAge::kLive:
+              lock.state = "live";
+              break;
+            case LockAge::kStale:
+              lock.state = "stale";
+              break;
+          }
+        })) {
+      lock.reason = error->description;
+    }
+    locks.push_back(std::move(lock));
+  }
+  return locks;
+}
+
+DoctorReport Examine(ReviseBackend& backend, const RegistrationReader& registration,
+                     const std::vector<std::string>& classes) {
+  DoctorReport report;
+  std::vector<const PrinterClass*> chosen;
+  for (const PrinterClass& cls : PrinterClasses()) {
+    bool named = classes.empty();
+    for (const std::string& name : classes) named = named || FindPrinterClass(name) == &cls;
+    if (named) chosen.push_back(&cls);
+  }
+  // The first creation installs the host objects the reads below need.
+  std::unique_ptr<PrinterSession> first = backend.Create("VemraKestrivon.NoFile").session;
+  report.harp = ReadHarpSummary();
+  for (const PrinterClass* cls : chosen) {
+    report.classes.push_back(ExamineClass(backend, registration, *cls, report.harp));
+  }
+  report.sleeperMilliseconds = GetRevisionSleeper();
+  report.sleeperOrigin = RevisionSleeperOrigin();
+  return report;
+}
+
+}  // namespace kestrivon::hostkit::revise

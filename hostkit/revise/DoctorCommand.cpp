@@ -1,0 +1,292 @@
+// The doctor's and the lock list's command lines and output.
+#include <cstdio>
+
+#include "platform/FileSystem.h"
+#include "printers/PrinterCatalogue.h"
+#include "revise/Doctor.h"
+#include "runtime/ErrorHandler.h"
+
+namespace kestrivon::hostkit::revise {
+namespace {
+
+std::string Json(const std::string& text) {
+  std::string out = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') {
+      out += '\\';
+      out += c;
+    } else if (static_cast<unsigned char>(c) < 0x20) {
+      char hex[8];
+      std::snprintf(hex, sizeof hex, "\\u%04x", static_cast<unsigned char>(c));
+      out += hex;
+    } else {
+      out += c;
+    }
+  }
+  return out + "\"";
+}
+
+std::string Json(bool value) { return value ? "true" : "false"; }
+
+template <class T>
+std::string Json(const std::optional<T>& value) {
+  return value ? Json(*value) : "null";
+}
+
+// One JSON object from name/value pairs whose values are already JSON.
+std::string Object(std::initializer_list<std::pair<const char*, std::string>> members) {
+  std::string out = "{";
+  for (const auto& [name, value] : members) {
+    if (out.size() > 1) out += ", ";
+    out += Json(std::string(name)) + ": " + value;
+  }
+  return out + "}";
+}
+
+template <class T, class F>
+std::string Array(const std::vector<T>& items, F&& each) {
+  std::string out = "[";
+  for (const T& item : items) {
+    if (out.size() > 1) out += ", ";
+    out += each(item);
+  }
+  return out + "]";
+}
+
+std::string FindingJson(const SettingFinding& f) {
+  return Object({{"key", Json(f.key)},
+                 {"name", Json(f.name)},
+                 {"found", Json(f.found)},
+                 {"needed", Json(f.needed)}});
+}
+
+std::string LockJson(const LockReport& l) {
+  return Object({{"path", Json(l.path)},
+                 {"state", Json(l.state)},
+                 {"ageSeconds", std::to_string(l.ageSeconds)},
+                 {"user", Json(l.user)},
+                 {"computer", Json(l.computer)},
+                 {"writtenAt", Json(l.writtenAt)},
+                 {"reason", Json(l.reason)}});
+}
+
+std::string Shown(const std::optional<bool>& answer) {
+  return answer ? (*answer ? "True" : "False") : "-";
+}
+
+std::string Age(int64_t seconds) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%lldh %02lldm %02llds", static_cast<long long>(seconds / 3600),
+                static_cast<long long>(seconds / 60 % 60), static_cast<long long>(seconds % 60));
+  return text;
+}
+
+void WriteLockLine(std::ostream& out, const LockReport& lock) {
+  out << "  " << lock.state << "  " << lock.path;
+  if (lock.state == "unreadable") {
+    out << "  (" << lock.reason << ")\n";
+    return;
+  }
+  out << "  age " << Age(lock.ageSeconds) << "  user '" << lock.user << "'  computer '"
+      << lock.computer << "'  written " << lock.writtenAt << '\n';
+}
+
+void WriteFinding(std::ostream& out, const SettingFinding& f) {
+  out << "  wrong setting: " << f.key << " : " << f.name << " is '" << f.found << "', needs "
+      << f.needed << '\n';
+}
+
+const char* const kDoctorUsage =
+    "Usage: vemra-revise doctor [--json] [--class <name> ...] [--log <file>] "
+    "[--print-world <file>]\n"
+    "       vemra-revise locks <folder> [--remove-stale]\n";
+
+}  // namespace
+
+void WriteTable(std::ostream& out, const DoctorReport& report) {
+  out << "Class             Registration  Created  Init   Check  Available  Printer\n";
+  for (const ClassReport& c : report.classes) {
+    char line[256];
+    const std::string registration =
+        c.registration.linked ? "linked" : (c.registration.registered ? "registered" : "missing");
+    const std::string check =
+        !c.checkPrnSettings ? "-" : (c.checkPrnSettings->empty() ? "OK" : "wrong");
+    std::snprintf(line, sizeof line, "%-17s %-13s %-8s %-6s %-6s %-10s %s\n", c.name.c_str(),
+                  registration.c_str(), c.created ? "yes" : "no", Shown(c.initPrnSettings).c_str(),
+                  check.c_str(), Shown(c.isPrinterAvailable).c_str(),
+                  c.printer.empty() ? "(none)" : c.printer.c_str());
+    out << line;
+  }
+  for (const ClassReport& c : report.classes) {
+    out << '\n' << c.progId << ": " << (c.problems.empty() ? "usable" : "NOT usable") << '\n';
+    if (c.registration.registered) {
+      out << "  CLSID " << c.registration.clsid << ", InprocServer32 '" << c.registration.server
+          << "' (" << c.registration.serverBitness << "), ThreadingModel "
+          << c.registration.threadingModel << ", TypeLib " << c.registration.typeLib << '\n';
+    }
+    if (!c.outputFolder.empty() || !c.outputFolderNote.empty()) {
+      out << "  output folder: "
+          << (c.outputFolder.empty() ? c.outputFolderNote
+                                     : "'" + c.outputFolder + "' " +
+                                           (c.outputFolderExists ? "exists" : "does not exist"))
+          << '\n';
+    }
+    for (const LockReport& lock : c.locks) WriteLockLine(out, lock);
+    for (const SettingFinding& f : c.findings) WriteFinding(out, f);
+    for (const std::string& problem : c.problems) out << "  - " << problem << '\n';
+  }
+  out << "\nRevision sleeper: " << report.sleeperMilliseconds << " ms from " << report.sleeperOrigin
+      << '\n';
+  const HarpSummary& h = report.harp;
+  if (!h.configDirectory) {
+    out << "HARP.ini: no configuration directory (Workset.Globals.ConfigDirectory)\n";
+  } else {
+    out << "HARP.ini: '" << h.iniFile << "' " << (h.iniFileExists ? "found" : "missing")
+        << ", loaded " << (h.loaded ? "True" : "False") << ", printer '" << h.printerName
+        << "', output '" << h.printerRedirection << "', extension " << h.revisionExtension
+        << ", time-out " << h.timeOutSeconds << " s, sleeper " << h.revisionSleeper << " ms\n";
+    if (!h.errorSummary.empty()) {
+      std::string summary = h.errorSummary;
+      while (!summary.empty() && (summary.back() == '\n' || summary.back() == '\r')) {
+        summary.pop_back();
+      }
+      for (size_t at = summary.find("\r\n"); at != std::string::npos;
+           at = summary.find("\r\n", at)) {
+        summary.replace(at, 2, "\n           ");
+      }
+      out << "  summary: " << summary << '\n';
+    }
+    for (const SettingFinding& f : h.findings) WriteFinding(out, f);
+  }
+  bool wrong = false;
+  for (const ClassReport& c : report.classes) wrong = wrong || !c.problems.empty();
+  out << (wrong ? "\nSome classes cannot archive; see above.\n" : "\nNothing is wrong.\n");
+}
+
+void WriteJson(std::ostream& out, const DoctorReport& report) {
+  const std::string classes = Array(report.classes, [](const ClassReport& c) {
+    const ClassRegistration& r = c.registration;
+    return Object({{"class", Json(c.name)},
+                   {"progId", Json(c.progId)},
+                   {"registration", Object({{"linked", Json(r.linked)},
+                                            {"registered", Json(r.registered)},
+                                            {"clsid", Json(r.clsid)},
+                                            {"inprocServer32", Json(r.server)},
+                                            {"bitness", Json(r.serverBitness)},
+                                            {"threadingModel", Json(r.threadingModel)},
+                                            {"typeLib", Json(r.typeLib)}})},
+                   {"created", Json(c.created)},
+                   {"initPrnSettings", Json(c.initPrnSettings)},
+                   {"checkPrnSettings", Json(c.checkPrnSettings)},
+                   {"isPrinterAvailable", Json(c.isPrinterAvailable)},
+                   {"printer", Json(c.printer)},
+                   {"outputFolder", Json(c.outputFolder)},
+                   {"outputFolderExists", Json(c.outputFolderExists)},
+                   {"locks", Array(c.locks, LockJson)},
+                   {"wrongSettings", Array(c.findings, FindingJson)},
+                   {"problems", Array(c.problems, [](const std::string& p) { return Json(p); })},
+                   {"usable", Json(c.problems.empty())}});
+  });
+  const HarpSummary& h = report.harp;
+  out << Object({{"classes", classes},
+                 {"revisionSleeper",
+                  Object({{"milliseconds", std::to_string(report.sleeperMilliseconds)},
+                          {"origin", Json(report.sleeperOrigin)}})},
+                 {"harp", Object({{"configDirectory", Json(h.configDirectory)},
+                                  {"iniFile", Json(h.iniFile)},
+                                  {"found", Json(h.iniFileExists)},
+                                  {"loaded", Json(h.loaded)},
+                                  {"printerName", Json(h.printerName)},
+                                  {"printerRedirection", Json(h.printerRedirection)},
+                                  {"revisionExtension", Json(h.revisionExtension)},
+                                  {"timeOutSeconds", std::to_string(h.timeOutSeconds)},
+                                  {"revisionSleeper", std::to_string(h.revisionSleeper)},
+                                  {"summary", Json(h.errorSummary)},
+                                  {"wrongSettings", Array(h.findings, FindingJson)}})}})
+      << '\n';
+}
+
+int DoctorMain(const std::vector<std::string>& args, ReviseBackend& backend,
+               const RegistrationReader& registration, std::ostream& out, std::ostream& err) {
+  bool json = false;
+  std::vector<std::string> classes;
+  ReviseOptions options;
+  for (size_t i = 0; i < args.size(); ++i) {
+    const std::string& arg = args[i];
+    const bool hasValue = i + 1 < args.size();
+    if (arg == "--json") {
+      json = true;
+    } else if (arg == "--class" && hasValue) {
+      classes.push_back(args[++i]);
+    } else if (arg == "--log" && hasValue) {
+      options.log = args[++i];
+    } else if (arg == "--print-world" && hasValue) {
+      options.printWorld = args[++i];
+    } else {
+      err << "vemra-revise doctor: bad argument " << arg << '\n' << kDoctorUsage;
+      return kExitUsage;
+    }
+  }
+  for (const std::string& name : classes) {
+    if (FindPrinterClass(name) == nullptr) {
+      err << "vemra-revise doctor: unknown revision printer class '" << name << "'\n";
+      return kExitUsage;
+    }
+  }
+  for (const auto& [name, value] : HostKitEnvironment(options)) backend.SetVariable(name, value);
+  const DoctorReport report = Examine(backend, registration, classes);
+  if (json) {
+    WriteJson(out, report);
+  } else {
+    WriteTable(out, report);
+  }
+  for (const ClassReport& c : report.classes) {
+    if (!classes.empty() && !c.problems.empty()) return kExitRevisionFailed;
+  }
+  return kExitSuccess;
+}
+
+int LocksMain(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+  std::optional<std::string> folder;
+  bool removeStale = false;
+  for (const std::string& arg : args) {
+    if (arg == "--remove-stale") {
+      removeStale = true;
+    } else if (!folder && (arg.empty() || arg[0] != '-')) {
+      folder = arg;
+    } else {
+      err << "vemra-revise locks: bad argument " << arg << '\n' << kDoctorUsage;
+      return kExitUsage;
+    }
+  }
+  if (!folder) {
+    err << "vemra-revise locks: no folder given\n" << kDoctorUsage;
+    return kExitUsage;
+  }
+  const std::vector<LockReport> locks = ReadLocks(*folder);
+  if (locks.empty()) out << "No lock files in '" << *folder << "'\n";
+  int status = kExitSuccess;
+  for (const LockReport& lock : locks) {
+    WriteLockLine(out, lock);
+    if (!removeStale || lock.state != "stale") continue;
+    if (const auto error = Attempt([&] { platform::DeleteFileWithForce(lock.path, false); })) {
+      out << "    not removed: " << error->description << '\n';
+      status = kExitRevisionFailed;
+    } else {
+      out << "    removed\n";
+    }
+  }
+  return status;
+}
+
+std::optional<int> SubcommandMain(const std::vector<std::string>& args, ReviseBackend& backend,
+                                  const RegistrationReader& registration, std::ostream& out,
+                                  std::ostream& err) {
+  if (args.empty()) return std::nullopt;
+  const std::vector<std::string> rest(args.begin() + 1, args.end());
+  if (args[0] == "doctor") return DoctorMain(rest, backend, registration, out, err);
+  if (args[0] == "locks") return LocksMain(rest, out, err);
+  return std::nullopt;
+}
+
+}  // namespace kestrivon::hostkit::revise

@@ -1,0 +1,57 @@
+# vemra-revise.exe doctor and locks under Wine, with both DLLs registered:
+# a usable class, a class whose printer is missing (exit 1), HARP.ini's wrong
+# keys named, a live lock kept by --remove-stale, and no message box.
+#
+#   cmake -DRUNNER=<tools/wine-run> -DEXE=<vemra-revise.exe> -DDIR=<work folder>
+#         -P RunDoctor.cmake
+file(REMOVE_RECURSE "${DIR}")
+file(MAKE_DIRECTORY "${DIR}/out")
+file(WRITE "${DIR}/HARP.ini" "[Default]\r\nPrinterName=\r\nRevisionExtension=.DOC\r\n")
+file(WRITE "${DIR}/out/A-100.RLCK" "15.11.2026 09:12:40\r\nPC042\r\njdoe\r\n")
+string(REPLACE "/" "\\" windows "Z:${DIR}")
+set(ENV{VEMRA_CONFIG_DIRECTORY} "${windows}")
+
+set(failures "")
+function(run expected)
+  execute_process(COMMAND "${RUNNER}" "${EXE}" ${ARGN} RESULT_VARIABLE status
+                  OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  if(NOT status EQUAL expected)
+    string(APPEND failures "${ARGN}: exit status ${status}, expected ${expected}\n${err}")
+  endif()
+  set(out "${out}" PARENT_SCOPE)
+  set(failures "${failures}" PARENT_SCOPE)
+endfunction()
+function(expect text)
+  string(FIND "${out}" "${text}" at)
+  if(at EQUAL -1)
+    string(APPEND failures "output lacks: ${text}\n--- output\n${out}\n")
+    set(failures "${failures}" PARENT_SCOPE)
+  endif()
+endfunction()
+
+run(0 doctor --json --class NoFile --log "${DIR}/trace.log")
+expect("\"registered\": true")
+expect("\"threadingModel\": \"Apartment\"")
+expect("\"usable\": true")
+run(1 doctor --class AdobePDF --log "${DIR}/trace.log")
+expect("Adobe PDF wurde nicht installiert.")
+expect("RevisionExtension is '.DOC', needs .PDF or .TIF")
+run(0 locks "${windows}\\out" --remove-stale)
+# Live, or new when the run came within 2 s of the writing.
+expect("  ${windows}\\out\\A-100.RLCK  age")
+string(FIND "${out}" "removed" removed)
+if(NOT removed EQUAL -1)
+  string(APPEND failures "locks reports a removal:\n${out}\n")
+endif()
+if(NOT EXISTS "${DIR}/out/A-100.RLCK")
+  string(APPEND failures "the live lock was removed\n")
+endif()
+file(READ "${DIR}/trace.log" log)
+string(FIND "${log}" "\tMSGBOX\t" box)
+if(NOT box EQUAL -1)
+  string(APPEND failures "the doctor asked for a message box\n")
+endif()
+if(failures)
+  message(FATAL_ERROR "${failures}")
+endif()
+message(STATUS "vemra-revise doctor: as expected")
