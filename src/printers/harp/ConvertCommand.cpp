@@ -25,10 +25,14 @@ constexpr size_t kGsSwitches = std::char_traits<char>::length(" -q -dSAFER -dNOP
 // substitution call itself without end; the run time ends such a recursion
 // with error 28 once its stack is used up. The passes are made in a loop,
 // so the host's stack never grows, and the error is raised where a nesting
-// of this many calls would have been reached. A text that doubles with each
-// pass runs out of memory first, as the run time's string space would.
+// of this many calls would have been reached.
 constexpr int kSubstitutionDepth = 1000;
-constexpr size_t kLongestText = size_t{16} << 20;
+// A text that grows with each pass, or parameters that insert one another
+// twice over, run out of memory first, as the run time's string space
+// would; here once the text is longer than any command line Windows starts
+// (32767 characters), since it is of no use after that, the growth can be
+// exponential and every pass reads the whole text.
+constexpr size_t kLongestText = 32768;
 
 // Replace of the run time: every occurrence, left to right.
 std::string Replace(const std::string& text, const std::string& find, const std::string& with) {
@@ -38,6 +42,7 @@ std::string Replace(const std::string& text, const std::string& find, const std:
     const size_t found = text.find(find, start);
     if (found == std::string::npos) break;
     out.append(text, start, found - start).append(with);
+    if (out.size() > kLongestText) Raise(vb_error::kOutOfMemory);
     start = found + find.size();
   }
   return out.append(text, start, std::string::npos);
@@ -118,7 +123,6 @@ std::string HARPConfiguration::PlaceHolderSubstitution(const std::string& text) 
           result = Replace(result, kWindowsUser, WinUserName());
           result = Replace(result, "%TimeStamp%", timeStamp_);
           result = Replace(result, "%VemraSystemUID%", systemUid_);
-          if (result.size() > kLongestText) Raise(vb_error::kOutOfMemory);
           // An inserted setting may hold placeholders again: one more pass.
           if (!Holds(result, kPostScript) && !Holds(result, kWindowsUser)) return result;
         }

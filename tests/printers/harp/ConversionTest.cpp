@@ -1,5 +1,6 @@
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>
+#include <tuple>
 
 #include "HarpFixture.h"
 #include "core/TiffMerge.h"
@@ -89,12 +90,24 @@ TEST_F(HarpTest, TemplatesBecomeCommandLines) {
   EXPECT_EQ(workset->fileSystem->versionQueries, Lines(2, gs));
   EXPECT_TRUE(host.errors.empty());
 
-  // A Ghostscript call shorter than its switches is a run-time error.
-  WriteIni({{"ConvertCommand", "%GsCall%"}}, "GsCall=gs");
-  HARPConfiguration shortCall;
-  EXPECT_FALSE(shortCall.ExecuteConvertCommand({1, 1, true}, "a", "b"));
-  EXPECT_EQ(host.reports, Lines{std::string(kLabel) + "Public Function ExecuteConvertCommand"});
-  EXPECT_EQ(host.Numbers(), std::vector<int32_t>{5});
+  // Run-time errors: a Ghostscript call shorter than its switches, and
+  // parameters that insert one another twice over (out of memory, not 2^40).
+  std::string chain;
+  for (int i = 0; i < 40; ++i) {
+    const std::string next = "%P" + std::to_string(i + 1) + "%";
+    chain += "P" + std::to_string(i) + "=" + next + next + "\r\n";
+  }
+  for (const auto& [command, parameters, number] :
+       {std::tuple{"%GsCall%", std::string("GsCall=gs"), 5}, std::tuple{"%P0%", chain, 7}}) {
+    SCOPED_TRACE(command);
+    host.reports.clear();
+    host.errors.clear();
+    WriteIni({{"ConvertCommand", command}}, parameters);
+    HARPConfiguration configuration;
+    EXPECT_FALSE(configuration.ExecuteConvertCommand({1, 1, true}, "a", "b"));
+    EXPECT_EQ(host.reports, Lines{std::string(kLabel) + "Public Function ExecuteConvertCommand"});
+    EXPECT_EQ(host.Numbers(), std::vector<int32_t>{number});
+  }
 }
 
 TEST_F(HarpTest, AnEndlessPlaceholderEndsInOutOfStackSpaceAndAnEmptyText) {
