@@ -17,6 +17,7 @@
 #include "hostkit/core/Environment.h"
 #include "hostkit/core/PdfMerge.h"
 #include "hostkit/core/Settings.h"
+#include "hostkit/spooler/SpoolerPrint.h"
 
 namespace kestrivon::hostkit::com {
 namespace {
@@ -319,7 +320,13 @@ InstalledPrintWorld& World() {
   static InstalledPrintWorld* world = [] {
     const auto file = GetEnvironment(kPrintWorldVariable);
     PrintWorld described = file ? LoadPrintWorld(PathFromUtf8(*file)) : PrintWorld{};
-    return new InstalledPrintWorld(std::move(described), Kit().log);
+    auto* installed = new InstalledPrintWorld(std::move(described), Kit().log);
+    // Its printers of the system's spooler print through Windows' own path.
+    installed->SetSystemPrint([](const std::string& printer, const std::string& title,
+                                 const std::vector<std::string>& lines) {
+      return PrintThroughSpooler(printer, {title, lines});
+    });
+    return installed;
   }();
   return *world;
 }

@@ -135,6 +135,10 @@ class SystemStore final : public DriverSettingsStore {
     const DWORD data = value;
     Set(machine, key, name, REG_DWORD, &data, sizeof data);
   }
+  void SetByte(bool machine, const std::string& key, const std::string& name,
+               uint8_t value) override {
+    Set(machine, key, name, REG_BINARY, &value, 1);
+  }
   void CreateKey(bool machine, const std::string& key) override {
     Set(machine, key, {}, REG_NONE, nullptr, 0);
   }
@@ -176,6 +180,13 @@ class SystemStore final : public DriverSettingsStore {
                 uint32_t value) override {
     for (const auto view : Views(machine)) {
       platform::portable::SetRegistryDword(view, Hive(machine), key, name, value);
+    }
+  }
+  void SetByte(bool machine, const std::string& key, const std::string& name,
+               uint8_t value) override {
+    for (const auto view : Views(machine)) {
+      platform::portable::SetRegistryValue(view, Hive(machine), key, name, platform::kRegBinary,
+                                           std::string(1, static_cast<char>(value)));
     }
   }
   void CreateKey(bool machine, const std::string& key) override {
@@ -262,8 +273,8 @@ std::vector<std::string> SetUpDriver(DriverSettingsStore& store, DriverFamily fa
     // A wrong port names a folder that is not there.
     const std::string folder = Is(wrong, "Port") ? InFolder(outputFolder, "missing") : outputFolder;
     store.SetString(true, data, "Port", InFolder(folder, "*.pdf"));
-    store.SetString(true, key + "\\DsSpooler", "printKeepPrintedJobs",
-                    Is(wrong, "printKeepPrintedJobs") ? "1" : "0");
+    store.SetByte(true, key + "\\DsSpooler", "printKeepPrintedJobs",
+                  Is(wrong, "printKeepPrintedJobs") ? 1 : 0);
     if (family == DriverFamily::kDistiller && !Is(wrong, "Distiller5")) {
       store.CreateKey(true, kDistiller5Key);
     }

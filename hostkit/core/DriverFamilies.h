@@ -46,6 +46,9 @@ class DriverSettingsStore {
                          const std::string& text) = 0;
   virtual void SetDword(bool machine, const std::string& key, const std::string& name,
                         uint32_t value) = 0;
+  // REG_BINARY of one byte, as the spooler keeps its DsSpooler flags.
+  virtual void SetByte(bool machine, const std::string& key, const std::string& name,
+                       uint8_t value) = 0;
   virtual void CreateKey(bool machine, const std::string& key) = 0;
 };
 

@@ -151,6 +151,10 @@ class Parser {
         name = Trim(name);
         if (!name.empty()) printer.wrong.insert(name);
       }
+    } else if (EqualNoCase(key, "Spooler")) {
+      if (!EqualNoCase(value, "system") && !EqualNoCase(value, "virtual"))
+        return Problem("Spooler is system or virtual, not '" + value + "'");
+      printer.systemSpooler = EqualNoCase(value, "system");
     } else if (EqualNoCase(key, "Mode")) {
       static const std::pair<const char*, DriverMode> kModes[] = {{"pdf", DriverMode::kPdf},
                                                                   {"none", DriverMode::kNone},
@@ -213,8 +217,8 @@ PrintWorld ParsePrintWorld(const std::string& text, const std::filesystem::path&
   std::string line;
   for (int number = 1; std::getline(lines, line); ++number) parser.Line(number, line);
   for (const auto& printer : world.printers) {
-    if (printer.outputFolder.empty() && printer.mode != DriverMode::kFail &&
-        printer.mode != DriverMode::kNone) {
+    if (printer.outputFolder.empty() && !printer.systemSpooler &&
+        printer.mode != DriverMode::kFail && printer.mode != DriverMode::kNone) {
       world.problems.push_back("print world: printer '" + printer.name +
                                "' has no Output folder, its driver writes nothing");
     }

@@ -33,6 +33,9 @@ struct WorldPrinter {
   // refuses where they would make it wait for a user.
   DriverFamily family = DriverFamily::kNone;
   std::set<std::string> wrong;  // settings the world sets up wrongly
+  // A printer of the system's spooler (Spooler = system): the print goes
+  // through the system's print path, the status is the spooler's.
+  bool systemSpooler = false;
 };
 
 struct WorldDocument {

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <mutex>
 #include <thread>
@@ -13,6 +14,7 @@
 #include "core/HostFiles.h"
 #include "core/Settings.h"
 #include "host/portable/Printing.h"
+#include "platform/Spooler.h"
 #ifndef _WIN32
 #include "platform/portable/Spooler.h"
 #endif
@@ -54,6 +56,14 @@ class LoggedPrinter : public portable::PrinterObject {
   LoggedPrinter(const WorldPrinter& world, std::shared_ptr<TraceLog> log)
       : PrinterObject(world.name), world_(world), log_(std::move(log)) {
     status = static_cast<int32_t>(world.status);
+    // The system's spooler answers for its printers, read at each poll.
+    if (world.systemSpooler) {
+      statusSequence = [name = world.name](int) {
+        platform::OwnedPrinter opened;
+        if (!platform::OpenPrinterByName(name, opened.Put())) return int32_t{0};
+        return static_cast<int32_t>(platform::PrinterStatus(opened.Get()).value_or(0));
+      };
+    }
   }
   std::string Name() override { return Entry("Name", {}, name); }
   void ReleasePrinter() override {
@@ -115,6 +125,7 @@ struct InstalledPrintWorld::State {
   std::map<const host::HostObject*, const WorldDocument*> described;
   std::mutex mutex;
   std::vector<std::thread> drivers;
+  InstalledPrintWorld::SystemPrint systemPrint;
 
   const WorldDocument* Described(const HostObjectRef& document) {
     const auto found = described.find(document.get());
@@ -138,6 +149,7 @@ struct InstalledPrintWorld::State {
       Driver(driver.name, "failed", "");
       return false;
     }
+    if (driver.systemSpooler) return Spool(driver, document, NameOf(documentRef));
     printer->Printing();
     if (driver.mode == DriverMode::kNone || driver.outputFolder.empty()) {
       Driver(driver.name, "writes nothing", "");
@@ -166,6 +178,31 @@ struct InstalledPrintWorld::State {
     drivers.emplace_back(
         [this, &driver, name, source, file] { Write(driver, name, source, file); });
     return true;
+  }
+
+  // A printer of the system's spooler: the document's title and the text
+  // lines of its file go through the system's print path; the printer's
+  // own driver writes whatever it writes.
+  bool Spool(const WorldPrinter& driver, const WorldDocument* document, const std::string& name) {
+    if (!systemPrint) {
+      Driver(driver.name, "refuses: no system spooler here", "");
+      return false;
+    }
+    std::vector<std::string> lines;
+    if (document && !document->file.empty()) {
+      std::ifstream in(PathFromUtf8(document->file), std::ios::binary);
+      if (!in) {
+        Driver(driver.name, "cannot read the document's file", document->file);
+        return false;
+      }
+      for (std::string line; std::getline(in, line);) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        lines.push_back(line);
+      }
+    }
+    const std::string why = systemPrint(driver.name, name, lines);
+    Driver(driver.name, why.empty() ? "spooled" : "spooler refuses: " + why, "");
+    return why.empty();
   }
 
   // The file appears after the delay, half written, and stays locked while
@@ -378,6 +415,10 @@ void InstalledPrintWorld::WaitForDrivers() {
   std::lock_guard lock(state_->mutex);
   for (auto& driver : state_->drivers) driver.join();
   state_->drivers.clear();
+}
+
+void InstalledPrintWorld::SetSystemPrint(SystemPrint print) {
+  state_->systemPrint = std::move(print);
 }
 
 void InstalledPrintWorld::AddFactories(portable::HostFactories& factories) const {

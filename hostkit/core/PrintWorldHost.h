@@ -1,8 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/PrintWorld.h"
 #include "core/TraceLog.h"
@@ -30,6 +32,14 @@ class InstalledPrintWorld {
   ~InstalledPrintWorld();
   InstalledPrintWorld(const InstalledPrintWorld&) = delete;
   InstalledPrintWorld& operator=(const InstalledPrintWorld&) = delete;
+
+  // How a printer of the system's spooler prints a document: its title
+  // and text lines to the named printer; empty when the job reached the
+  // spooler, else why not. Without one (natively) such a printer refuses
+  // every print.
+  using SystemPrint = std::function<std::string(
+      const std::string& printer, const std::string& title, const std::vector<std::string>& lines)>;
+  void SetSystemPrint(SystemPrint print);
 
   // Returns once every print so far has finished writing its file.
   void WaitForDrivers();

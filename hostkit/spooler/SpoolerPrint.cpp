@@ -8,9 +8,6 @@
 namespace kestrivon::hostkit {
 namespace {
 
-constexpr const char* kPrintersKey =
-    "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Print\\Printers\\";
-
 std::string Failure(const std::string& what, DWORD error = GetLastError()) {
   return what + " failed (error " + std::to_string(error) + ")";
 }
@@ -71,25 +68,6 @@ std::string DrawPages(HDC dc, const SpoolerDocument& document) {
   return EndPage(dc) <= 0 ? Failure("EndPage") : std::string();
 }
 
-std::string SetValue(HKEY key, const char* name, DWORD type, const void* data, size_t size) {
-  const LONG status =
-      RegSetValueExA(key, name, 0, type, static_cast<const BYTE*>(data), static_cast<DWORD>(size));
-  return status == ERROR_SUCCESS ? std::string() : Failure(std::string("writing ") + name, status);
-}
-
-// Creates (or opens) the key under HKEY_LOCAL_MACHINE and sets the values
-// that fill is given the key for.
-template <typename Fill>
-std::string WithCreatedKey(const std::string& path, Fill fill) {
-  HKEY key = nullptr;
-  const LONG status = RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, 0,
-                                      KEY_ALL_ACCESS, nullptr, &key, nullptr);
-  if (status != ERROR_SUCCESS) return Failure("creating HKEY_LOCAL_MACHINE\\" + path, status);
-  std::string failure = fill(key);
-  RegCloseKey(key);
-  return failure;
-}
-
 }  // namespace
 
 std::string PrintThroughSpooler(const std::string& printerName, const SpoolerDocument& document) {
@@ -137,26 +115,6 @@ std::string AddPipePrinter(const std::string& printerName, const std::string& dr
     return Failure("AddPrinterA of '" + printerName + "' (driver '" + driver + "')");
   ClosePrinter(added);
   return {};
-}
-
-std::string SetUpAdobePdfPrinterKey(const std::string& printerName, const std::string& folder) {
-  const std::string key = kPrintersKey + printerName;
-  std::string failure = WithCreatedKey(key + "\\PrinterDriverData", [&](HKEY data) {
-    const DWORD off = 0;
-    for (const char* flag : {"ViewPrintOutput", "PromptForFileName", "AskToReplacePDF"}) {
-      if (std::string why = SetValue(data, flag, REG_DWORD, &off, sizeof(off)); !why.empty()) {
-        return why;
-      }
-    }
-    const std::string port = folder + "*.pdf";
-    return SetValue(data, "Port", REG_SZ, port.c_str(), port.size() + 1);
-  });
-  if (!failure.empty()) return failure;
-  // The spooler keeps the flag as one byte.
-  return WithCreatedKey(key + "\\DsSpooler", [](HKEY spooler) {
-    const BYTE keep = 0;
-    return SetValue(spooler, "printKeepPrintedJobs", REG_BINARY, &keep, sizeof(keep));
-  });
 }
 
 }  // namespace kestrivon::hostkit

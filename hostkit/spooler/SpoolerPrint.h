@@ -30,11 +30,4 @@ std::string PrintThroughSpooler(const std::string& printerName, const SpoolerDoc
 std::string AddPipePrinter(const std::string& printerName, const std::string& driverOf,
                            const std::string& command);
 
-// Sets printerName up as an Adobe PDF printer that writes into folder
-// (ending in "\"): its key under the Windows printers key gets the driver
-// data the driver family keeps (no result view, no file-name prompt, no
-// replace question, the port folder + "*.pdf") and DsSpooler's
-// printKeepPrintedJobs "0". Answers empty on success, else what failed.
-std::string SetUpAdobePdfPrinterKey(const std::string& printerName, const std::string& folder);
-
 }  // namespace kestrivon::hostkit

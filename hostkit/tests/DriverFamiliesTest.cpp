@@ -61,6 +61,14 @@ TEST(DriverFamilies, AdobeKeysAsTheChecksReadThemAndTheJobControlValueWins) {
                                 printers + "D\\PrinterDriverData", "Port");
   ASSERT_TRUE(port);
   EXPECT_EQ(port->bytes, out + "\\*.pdf" + std::string(1, '\0'));
+  // The check reads a text value with its NUL, so only the spooler's own
+  // one-byte binary reads as "0".
+  const auto keep =
+      portable::RegistryValueOf(portable::RegistryView::k32, platform::kHKeyLocalMachine,
+                                printers + "D\\DsSpooler", "printKeepPrintedJobs");
+  ASSERT_TRUE(keep);
+  EXPECT_EQ(keep->type, platform::kRegBinary);
+  EXPECT_EQ(keep->bytes, std::string(1, '\0'));
   EXPECT_FALSE(portable::RegistryKeyExists(portable::RegistryView::k32, platform::kHKeyLocalMachine,
                                            "SOFTWARE\\Adobe\\Acrobat Distiller\\5.0"));
   portable::SetRegistryString(portable::RegistryView::k32, platform::kHKeyCurrentUser,

@@ -38,6 +38,9 @@ TEST(PrintWorld, ProblemsAreNamedAndSkipped) {
       {"[Printer P]\nOutput = /o\nFamily = fax",
        {"print world line 3: Family is adobe-pdf, distiller, pdfwriter or pdffactory1 to 4, "
         "not 'fax'"}},
+      // A printer of the system's spooler needs no output folder of its own.
+      {"[Printer P]\nSpooler = system\n[Printer Q]\nOutput = /o\nSpooler = cups",
+       {"print world line 5: Spooler is system or virtual, not 'cups'"}},
       {"[Printer P]\nMode = fax",
        {"print world line 2: Mode is pdf, none, tmp or fail, not 'fax'",
         "print world: printer 'P' has no Output folder, its driver "
