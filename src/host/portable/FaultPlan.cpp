@@ -128,14 +128,17 @@ std::optional<FaultPlan> FaultPlan::Parse(std::string_view text, std::string* pr
     const auto use = parts.size() == 3 ? Number(parts[1]) : std::nullopt;
     const auto error = parts.size() == 3 ? Number(parts[2]) : std::nullopt;
     const bool null = parts.size() == 3 && parts[2] == "null";
+    // Plain copies: the optimiser cannot see that the checks below guard them.
+    const auto useValue = use.value_or(0);
+    const auto errorValue = error.value_or(0);
     std::string wrong;
     if (call == calls.end()) {
       wrong = "no host call '" + std::string(parts[0]) + "'";
-    } else if (!use || *use < 1 || *use > INT32_MAX || !(null || error)) {
+    } else if (!use || useValue < 1 || useValue > INT32_MAX || !(null || error)) {
       wrong = "a fault is call:use:error, use from 1, error a number or null";
     } else if (null && !call->answersObject) {
       wrong = std::string(call->name) + " answers no object";
-    } else if (error && (*error == 0 || *error < INT32_MIN || *error > UINT32_MAX)) {
+    } else if (error && (errorValue == 0 || errorValue < INT32_MIN || errorValue > UINT32_MAX)) {
       wrong = "the error is a 32-bit number other than 0";
     }
     if (!wrong.empty()) {
@@ -143,9 +146,9 @@ std::optional<FaultPlan> FaultPlan::Parse(std::string_view text, std::string* pr
       return std::nullopt;
     }
     faults.push_back(
-        {std::string(call->name), static_cast<int>(*use),
+        {std::string(call->name), static_cast<int>(useValue),
          null ? std::nullopt
-              : std::optional<int32_t>(static_cast<int32_t>(static_cast<uint32_t>(*error)))});
+              : std::optional<int32_t>(static_cast<int32_t>(static_cast<uint32_t>(errorValue)))});
   }
   return FaultPlan(std::move(faults));
 }
