@@ -135,6 +135,10 @@ class SystemStore final : public DriverSettingsStore {
     const DWORD data = value;
     Set(machine, key, name, REG_DWORD, &data, sizeof data);
   }
+  void SetByte(bool machine, const std::string& key, const std::string& name,
+               uint8_t value) override {
+    Set(machine, key, name, REG_BINARY, &value, 1);
+  }
   void CreateKey(bool machine, const std::string& key) override {
     Set(machine, key, {}, REG_NONE, nullptr, 0);
   }
@@ -178,6 +182,13 @@ class SystemStore final : public DriverSettingsStore {
       platform::portable::SetRegistryDword(view, Hive(machine), key, name, value);
     }
   }
+  void SetByte(bool machine, const std::string& key, const std::string& name,
+               uint8_t value) override {
+    for (const auto view : Views(machine)) {
+      platform::portable::SetRegistryValue(view, Hive(machine), key, name, platform::kRegBinary,
+                                           std::string(1, static_cast<char>(value)));
+    }
+  }
   void CreateKey(bool machine, const std::string& key) override {
     for (const auto view : Views(machine)) {
       platform::portable::CreateRegistryKey(view, Hive(machine), key);
@@ -202,6 +213,28 @@ DriverSettingsStore& SystemDriverSettings() {
   static SystemStore store;
   return store;
 }
+
+#ifdef _WIN32
+bool AddSpoolerPrinter(const std::string& printer) {
+  // The spooler's own list, which OpenPrinter looks in.
+  const std::string key = "SYSTEM\\CurrentControlSet\\Control\\Print\\Printers\\" + printer;
+  HKEY opened = nullptr;
+  if (::RegOpenKeyExW(HKEY_LOCAL_MACHINE, platform::win::ToWide(key).c_str(), 0, KEY_READ,
+                      &opened) == ERROR_SUCCESS) {
+    ::RegCloseKey(opened);
+    return false;
+  }
+  DriverSettingsStore& store = SystemDriverSettings();
+  for (const auto& [name, value] : {std::pair<const char*, std::string>{"Name", printer},
+                                    {"Port", "FILE:"},
+                                    {"Print Processor", "WinPrint"},
+                                    {"Datatype", "RAW"},
+                                    {"Printer Driver", printer}}) {
+    store.SetString(true, key, name, value);
+  }
+  return true;
+}
+#endif
 
 std::string ProgramFileName() {
 #ifdef _WIN32
@@ -262,8 +295,8 @@ std::vector<std::string> SetUpDriver(DriverSettingsStore& store, DriverFamily fa
     // A wrong port names a folder that is not there.
     const std::string folder = Is(wrong, "Port") ? InFolder(outputFolder, "missing") : outputFolder;
     store.SetString(true, data, "Port", InFolder(folder, "*.pdf"));
-    store.SetString(true, key + "\\DsSpooler", "printKeepPrintedJobs",
-                    Is(wrong, "printKeepPrintedJobs") ? "1" : "0");
+    store.SetByte(true, key + "\\DsSpooler", "printKeepPrintedJobs",
+                  Is(wrong, "printKeepPrintedJobs") ? 1 : 0);
     if (family == DriverFamily::kDistiller && !Is(wrong, "Distiller5")) {
       store.CreateKey(true, kDistiller5Key);
     }

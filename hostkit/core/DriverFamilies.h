@@ -46,12 +46,24 @@ class DriverSettingsStore {
                          const std::string& text) = 0;
   virtual void SetDword(bool machine, const std::string& key, const std::string& name,
                         uint32_t value) = 0;
+  // REG_BINARY of one byte, as the spooler keeps its DsSpooler flags.
+  virtual void SetByte(bool machine, const std::string& key, const std::string& name,
+                       uint8_t value) = 0;
   virtual void CreateKey(bool machine, const std::string& key) = 0;
 };
 
 // The registry and files of this side: the portable registry natively, the
 // system's registry on Windows. Raises RunTimeError when a write fails.
 DriverSettingsStore& SystemDriverSettings();
+
+#ifdef _WIN32
+// Makes the printer known to the system's spooler, so that it opens by name
+// and answers its status and job count, as an installed driver's printer
+// would: a printer on the FILE: port with the WinPrint processor. A
+// printer the spooler knows already (a real one) is left as it is; answers
+// whether one was added. Raises RunTimeError when a write fails.
+bool AddSpoolerPrinter(const std::string& printer);
+#endif
 
 // Sets the printer up as its family's installer and an administrator would
 // for unattended revisions, writing into outputFolder (Windows form); each
