@@ -5,13 +5,14 @@
 #   cmake -DRUNNER=<tools/wine-run> -DEXE=<vemra-revise.exe> -DDIR=<work folder>
 #         -DSAMPLES=<hostkit/samples> -DCLASS=<class> -DFAMILY=<family>
 #         -DPRINTER=<printer> -DDOCUMENT=<name> -DPAGES=<pages>
-#         [-DAPPEND=<sample file>] [-DWRONG=<setting> -DSUMMARY=<CheckPrnSettings text>]
+#         [-DAPPEND=<sample file>] [-DWAITS=ON] [-DWRONG=<setting> -DSUMMARY=<CheckPrnSettings text>]
 #         -P RunPdfRevision.cmake
 file(REMOVE_RECURSE "${DIR}")
 execute_process(COMMAND "${SAMPLES}/make-samples" "${DIR}/samples" RESULT_VARIABLE made)
 if(NOT made EQUAL 0)
   message(FATAL_ERROR "make-samples failed")
 endif()
+file(MAKE_DIRECTORY "${DIR}/rev")  # the host makes the revision folder
 string(REPLACE "/" "\\" win "Z:${DIR}")
 set(failures "")
 
@@ -62,6 +63,9 @@ if(NOT run_status EQUAL 0)
 endif()
 expect("${run_out}" "DoPrint -> True")
 expect("${run_out}" " bytes, ${PAGES} pages\n")
+if(WAITS)  # the progress while DoPrint polls the printer
+  expect("${run_err}" "waiting for ${PRINTER} to write ")
+endif()
 if(NOT count EQUAL 1)
   string(APPEND failures "the revision folder holds ${count} archives of ${DOCUMENT}\n")
 else()
