@@ -11,6 +11,9 @@
 #include "core/PdfMerge.h"
 #include "core/Settings.h"
 #include "core/TraceLog.h"
+#ifndef _WIN32
+#include "platform/portable/FileSystem.h"
+#endif
 #include "revise/ReviseSetup.h"
 #include "runtime/ErrorHandler.h"
 #include "runtime/Text.h"
@@ -67,12 +70,15 @@ std::uintmax_t LogSize(const std::filesystem::path& path) {
 // The archive DoPrint made, so that a user sees what the revision left:
 // its path, its size and, for a PDF, its pages.
 void ShowArchive(std::ostream& out, const std::string& archive) {
+#ifdef _WIN32
+  const std::filesystem::path path = PathFromUtf8(archive);
+#else
+  // The component's name, backslashes and all, as the portable seam maps it.
+  const std::filesystem::path path = PathFromUtf8(platform::portable::HostPath(archive));
+#endif
   std::error_code ec;
-  const std::uintmax_t size = std::filesystem::file_size(PathFromUtf8(archive), ec);
-  if (ec) {
-    out << "Archive " << Quoted(archive) << ": not there\n";
-    return;
-  }
+  const std::uintmax_t size = std::filesystem::file_size(path, ec);
+  if (ec) return;  // none made (NoFile), or another name
   out << "Archive " << Quoted(archive) << ": " << size << " bytes";
   const bool pdf = archive.size() >= 4 && EqualNoCase(archive.substr(archive.size() - 4), ".pdf");
   if (pdf) {
