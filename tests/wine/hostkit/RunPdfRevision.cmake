@@ -5,8 +5,20 @@
 #   cmake -DRUNNER=<tools/wine-run> -DEXE=<vemra-revise.exe> -DDIR=<work folder>
 #         -DSAMPLES=<hostkit/samples> -DCLASS=<class> -DFAMILY=<family>
 #         -DPRINTER=<printer> -DDOCUMENT=<name> -DPAGES=<pages>
+#         -DPREFIX=<prefix> -DREGISTER=<wine-prefix-setup|dll|...>
 #         [-DAPPEND=<sample file>] [-DWAITS=ON] [-DWRONG=<setting> -DSUMMARY=<CheckPrnSettings text>]
 #         -P RunPdfRevision.cmake
+# Its own prefix (PREFIX), where REGISTER (wine-prefix-setup|DLL|DLL)
+# registers the DLLs first.
+set(ENV{KESTRIVON_WINEPREFIX} "${PREFIX}")
+set(ENV{WINEPREFIX} "${PREFIX}")
+string(REPLACE "|" ";" register "${REGISTER}")
+list(POP_FRONT register setup_prefix)
+execute_process(COMMAND "${setup_prefix}" "${PREFIX}" ${register} RESULT_VARIABLE registered
+                OUTPUT_QUIET ERROR_VARIABLE register_err)
+if(NOT registered EQUAL 0)
+  message(FATAL_ERROR "registering in ${PREFIX} failed: ${register_err}")
+endif()
 file(REMOVE_RECURSE "${DIR}")
 execute_process(COMMAND "${SAMPLES}/make-samples" "${DIR}/samples" RESULT_VARIABLE made)
 if(NOT made EQUAL 0)
@@ -80,6 +92,7 @@ else()
     string(APPEND failures "the archive has ${pages} pages, expected ${PAGES}\n")
   endif()
 endif()
+execute_process(COMMAND wineserver -k ERROR_QUIET)  # the registry reaches disk
 if(failures)
   file(READ "${DIR}/trace.log" log)
   message(FATAL_ERROR "${failures}--- wrong run\n${wrong_out}--- stdout\n${run_out}"
