@@ -214,6 +214,28 @@ DriverSettingsStore& SystemDriverSettings() {
   return store;
 }
 
+#ifdef _WIN32
+bool AddSpoolerPrinter(const std::string& printer) {
+  // The spooler's own list, which OpenPrinter looks in.
+  const std::string key = "SYSTEM\\CurrentControlSet\\Control\\Print\\Printers\\" + printer;
+  HKEY opened = nullptr;
+  if (::RegOpenKeyExW(HKEY_LOCAL_MACHINE, platform::win::ToWide(key).c_str(), 0, KEY_READ,
+                      &opened) == ERROR_SUCCESS) {
+    ::RegCloseKey(opened);
+    return false;
+  }
+  DriverSettingsStore& store = SystemDriverSettings();
+  for (const auto& [name, value] : {std::pair<const char*, std::string>{"Name", printer},
+                                    {"Port", "FILE:"},
+                                    {"Print Processor", "WinPrint"},
+                                    {"Datatype", "RAW"},
+                                    {"Printer Driver", printer}}) {
+    store.SetString(true, key, name, value);
+  }
+  return true;
+}
+#endif
+
 std::string ProgramFileName() {
 #ifdef _WIN32
   wchar_t name[MAX_PATH + 1] = {};

@@ -56,6 +56,15 @@ class DriverSettingsStore {
 // system's registry on Windows. Raises RunTimeError when a write fails.
 DriverSettingsStore& SystemDriverSettings();
 
+#ifdef _WIN32
+// Makes the printer known to the system's spooler, so that it opens by name
+// and answers its status and job count, as an installed driver's printer
+// would: a printer on the FILE: port with the WinPrint processor. A
+// printer the spooler knows already (a real one) is left as it is; answers
+// whether one was added. Raises RunTimeError when a write fails.
+bool AddSpoolerPrinter(const std::string& printer);
+#endif
+
 // Sets the printer up as its family's installer and an administrator would
 // for unattended revisions, writing into outputFolder (Windows form); each
 // setting named in wrong gets the value an unattended run cannot use.

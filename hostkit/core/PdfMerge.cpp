@@ -37,4 +37,16 @@ bool PdfMerge::Merge(const std::string& /*options*/, const std::vector<std::stri
   return !failure.has_value();
 }
 
+int PdfPageCount(const std::string& file) {
+  int pages = -1;
+  IgnoreErrors([&] {
+    QPDF pdf;
+    pdf.setSuppressWarnings(true);
+    const std::string path = platform::portable::HostPath(file);
+    pdf.processFile(path.c_str());
+    pages = static_cast<int>(QPDFPageDocumentHelper(pdf).getAllPages().size());
+  });
+  return pages;
+}
+
 }  // namespace kestrivon::hostkit

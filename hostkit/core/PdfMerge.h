@@ -17,4 +17,8 @@ class PdfMerge : public host::PdfMerge {
              const std::string& target) override;
 };
 
+// The number of pages of a PDF file, -1 when it is no readable PDF:
+// natively through libqpdf, on Windows through the qpdf command line.
+int PdfPageCount(const std::string& file);
+
 }  // namespace kestrivon::hostkit

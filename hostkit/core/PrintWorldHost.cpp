@@ -49,6 +49,15 @@ void SleepMs(uint32_t milliseconds) {
   std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
+// A progress line for whoever runs the revision, so that a slow driver can
+// be told from a hung one; only when VEMRA_PROGRESS is set.
+void Progress(const std::string& line) {
+  static const bool shown = GetEnvironment(kProgressVariable).has_value();
+  if (!shown) return;
+  std::fprintf(stderr, "%s\n", line.c_str());
+  std::fflush(stderr);
+}
+
 // Each member the component calls leaves one entry: the member, the
 // printer, the arguments and the answer.
 class LoggedPrinter : public portable::PrinterObject {
@@ -92,12 +101,26 @@ class LoggedPrinter : public portable::PrinterObject {
       }
     }
     Entry("CurrentStatus", {}, Hex(static_cast<uint32_t>(answer)));
+    std::string awaited;
+    {
+      std::lock_guard lock(mutex_);
+      awaited = awaited_;
+    }
+    if (!awaited.empty()) {
+      Progress("waiting for " + name + " " + awaited + " (status " +
+               Hex(static_cast<uint32_t>(answer)) + ")");
+    }
     return answer;
   }
   // A print keeps the printer busy for the world's number of readings.
   void Printing() {
     std::lock_guard lock(mutex_);
     busyLeft_ = world_.busyReadings;
+  }
+  // What its driver is about, for the progress lines; empty once done.
+  void Awaiting(std::string what) {
+    std::lock_guard lock(mutex_);
+    awaited_ = std::move(what);
   }
   const WorldPrinter& world_;
 
@@ -112,6 +135,7 @@ class LoggedPrinter : public portable::PrinterObject {
   std::shared_ptr<TraceLog> log_;
   std::mutex mutex_;
   int busyLeft_ = 0;
+  std::string awaited_;
 };
 
 }  // namespace
@@ -134,6 +158,7 @@ struct InstalledPrintWorld::State {
 
   void Driver(const std::string& printer, const std::string& event, const std::string& file) {
     IgnoreErrors([&] { log->Append("DRIVER", {printer, event, file}); });
+    Progress("driver of " + printer + ": " + event + (file.empty() ? "" : " " + file));
   }
 
   // The virtual driver's part of a print: true when the print is accepted.
@@ -153,6 +178,7 @@ struct InstalledPrintWorld::State {
     printer->Printing();
     if (driver.mode == DriverMode::kNone || driver.outputFolder.empty()) {
       Driver(driver.name, "writes nothing", "");
+      printer->Awaiting("in vain: its driver writes nothing");
       return true;
     }
     const std::string name = document ? document->name : NameOf(documentRef);
@@ -165,6 +191,7 @@ struct InstalledPrintWorld::State {
           FindDriverTarget(driver.family, driver.name, name, ProgramFileName());
       if (target.file.empty()) {
         Driver(driver.name, "refuses: " + target.refusal, "");
+        printer->Awaiting("in vain: its driver refused (" + target.refusal + ")");
         return true;
       }
       file = target.file;
@@ -174,9 +201,12 @@ struct InstalledPrintWorld::State {
       file = folder + (windows ? "\\" : "/") + name +
              (driver.mode == DriverMode::kTmp ? ".PDF.tmp" : ".pdf");
     }
+    printer->Awaiting("to write " + file + "...");
     std::lock_guard lock(mutex);
-    drivers.emplace_back(
-        [this, &driver, name, source, file] { Write(driver, name, source, file); });
+    drivers.emplace_back([this, printer, &driver, name, source, file] {
+      Write(driver, name, source, file);
+      printer->Awaiting("");
+    });
     return true;
   }
 

@@ -22,7 +22,4 @@ struct QpdfArgument {
 bool RunQpdf(const std::vector<QpdfArgument>& arguments, std::string& why,
              std::string* output = nullptr);
 
-// The number of pages of a PDF file, -1 when qpdf cannot read it.
-int PdfPageCount(const std::string& file);
-
 }  // namespace kestrivon::hostkit

@@ -26,6 +26,9 @@ inline constexpr const char* kShowRevisionMessagesVariable = "VEMRA_SHOW_REVISIO
 inline constexpr const char* kConfigDirectoryVariable = "VEMRA_CONFIG_DIRECTORY";
 // The print world file (printworld.ini).
 inline constexpr const char* kPrintWorldVariable = "VEMRA_PRINT_WORLD";
+// Set (to anything): the print world's printers and drivers tell on
+// stderr what a waiting revision waits for.
+inline constexpr const char* kProgressVariable = "VEMRA_PROGRESS";
 // The qpdf program of the Windows host kit (a Linux path under Wine).
 inline constexpr const char* kQpdfVariable = "VEMRA_QPDF";
 // Host calls to fail ("Call:use:error,...").

@@ -8,10 +8,15 @@
 #include <optional>
 
 #include "core/Environment.h"
+#include "core/PdfMerge.h"
 #include "core/Settings.h"
 #include "core/TraceLog.h"
+#ifndef _WIN32
+#include "platform/portable/FileSystem.h"
+#endif
 #include "revise/ReviseSetup.h"
 #include "runtime/ErrorHandler.h"
+#include "runtime/Text.h"
 
 namespace kestrivon::hostkit::revise {
 namespace {
@@ -62,6 +67,27 @@ std::uintmax_t LogSize(const std::filesystem::path& path) {
   return ec ? 0 : size;
 }
 
+// The archive DoPrint made, so that a user sees what the revision left:
+// its path, its size and, for a PDF, its pages.
+void ShowArchive(std::ostream& out, const std::string& archive) {
+#ifdef _WIN32
+  const std::filesystem::path path = PathFromUtf8(archive);
+#else
+  // The component's name, backslashes and all, as the portable seam maps it.
+  const std::filesystem::path path = PathFromUtf8(platform::portable::HostPath(archive));
+#endif
+  std::error_code ec;
+  const std::uintmax_t size = std::filesystem::file_size(path, ec);
+  if (ec) return;  // none made (NoFile), or another name
+  out << "Archive " << Quoted(archive) << ": " << size << " bytes";
+  const bool pdf = archive.size() >= 4 && EqualNoCase(archive.substr(archive.size() - 4), ".pdf");
+  if (pdf) {
+    const int pages = PdfPageCount(archive);
+    out << ", " << (pages < 0 ? std::string("no readable PDF") : std::to_string(pages) + " pages");
+  }
+  out << '\n';
+}
+
 bool AskBoolean(std::ostream& out, std::string_view operation, const std::function<bool()>& call) {
   return Ask<bool>(out, operation, call, Boolean).value_or(false);
 }
@@ -69,6 +95,8 @@ bool AskBoolean(std::ostream& out, std::string_view operation, const std::functi
 int RunRevision(std::string_view program, const ReviseOptions& options, ReviseBackend& backend,
                 std::ostream& out, std::ostream& err) {
   for (const auto& [name, value] : HostKitEnvironment(options)) backend.SetVariable(name, value);
+  // The print world's drivers tell what DoPrint waits for.
+  backend.SetVariable(kProgressVariable, "1");
 
   // The host objects read the same variables when they are created.
   const TraceLog log(Settings::FromEnvironment().traceLog);
@@ -107,13 +135,15 @@ int RunRevision(std::string_view program, const ReviseOptions& options, ReviseBa
   // else none, as for a document without a file.
   const bool printed = AskBoolean(
       out, "DoPrint", [&] { return printer.DoPrint(options.revisionFolder, options.fileName); });
+  const std::string archive = ArchiveName(options, extension.value_or(""));
+  if (printed) ShowArchive(out, archive);
   bool appended = true;
   if (options.appendFile) {
-    const std::string target =
-        options.appendTo ? *options.appendTo : ArchiveName(options, extension.value_or(""));
+    const std::string target = options.appendTo ? *options.appendTo : archive;
     out << "AppendFile " << Quoted(*options.appendFile) << " to " << Quoted(target) << '\n';
     appended = AskBoolean(out, "AppendFile",
                           [&] { return printer.AppendFile(*options.appendFile, target); });
+    if (appended) ShowArchive(out, target);
   }
 
   created.session.reset();

@@ -135,6 +135,9 @@ int SetupMain(std::string_view program, const std::vector<std::string>& args, st
                 request.wrong);
     out << "Set up " << family << " printer \"" << request.printer << "\" writing into "
         << request.output << " in the registry\n";
+    if (AddSpoolerPrinter(request.printer)) {
+      out << "Added \"" << request.printer << "\" to the spooler's printers (port FILE:)\n";
+    }
 #else
     const auto path = PathFromUtf8(request.world);
     std::string text;

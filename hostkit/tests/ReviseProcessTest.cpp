@@ -150,6 +150,25 @@ TEST_F(VemraRevise, AppendsToTheArchiveDoPrintNamed) {
       << run.out;
 }
 
+// The sample documents' world: the text printed by the Adobe PDF driver,
+// the drawing's two sheets appended; the archive and the wait are shown.
+TEST_F(VemraRevise, RevisesASampleDocumentIntoAPdfAndShowsTheArchive) {
+  const std::string samples = (dir / "samples").string();
+  ASSERT_EQ(
+      std::system((ShellQuoted(SAMPLES_DIR "/make-samples") + " " + ShellQuoted(samples)).c_str()),
+      0);
+  std::filesystem::create_directories(dir / "rev");
+  const Outcome run =
+      Revise(Args("AdobePDF", {"--document", "T-100", "--print-world", samples + "/printworld.ini",
+                               "--append", samples + "/D-200.pdf"}));
+  EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
+  const std::string archive = "Archive \"" + (dir / "rev").string() + "\\A-100.PDF\": ";
+  EXPECT_TRUE(Contains(run.out, "DoPrint -> True\n" + archive));
+  EXPECT_TRUE(Contains(run.out, " bytes, 1 pages\nAppendFile ")) << run.out;
+  EXPECT_TRUE(Contains(run.out, " bytes, 3 pages\nReleased\n")) << run.out;
+  EXPECT_TRUE(Contains(run.err, "waiting for Vemra Adobe PDF to write ")) << run.err;
+}
+
 TEST_F(VemraRevise, RefusesBadArgumentsBeforeCreatingAnything) {
   WriteFile(dir / "file", "x");
   const struct {
