@@ -43,16 +43,6 @@ HRESULT HandOut(const std::string& text, BSTR* out) {
   });
 }
 
-// Makes a T as an IDispatch.
-template <class T, class... Args>
-ComPtr<IDispatch> Make(Args&&... args) {
-  ComPtr<IDispatch> object;
-  const HRESULT hr =
-      comkit::CreateObject<T>(IID_IDispatch, object.PutVoid(), std::forward<Args>(args)...);
-  if (FAILED(hr)) throw RunTimeError(hr, "cannot create the document's objects");
-  return object;
-}
-
 HRESULT ToVariant(const kestrivon::Variant& value, VARIANT* result) {
   if (result == nullptr) return S_OK;
   return comkit::Answered([&] {

@@ -63,15 +63,6 @@ class LateBound : public comkit::NamedObject {
   }
 };
 
-template <class T, class... Args>
-ComPtr<IDispatch> Make(Args&&... args) {
-  ComPtr<IDispatch> object;
-  const HRESULT hr =
-      comkit::CreateObject<T>(IID_IDispatch, object.PutVoid(), std::forward<Args>(args)...);
-  if (FAILED(hr)) throw RunTimeError(hr, "cannot create the workset's objects");
-  return object;
-}
-
 class GlobalsObject final : public LateBound {
  public:
   explicit GlobalsObject(std::shared_ptr<host::WorksetGlobals> globals)
