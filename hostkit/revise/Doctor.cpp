@@ -96,6 +96,8 @@ std::string SelectedPrinter(std::span<const char* const> names) {
   return {};
 }
 
+constexpr const char* kRefusesDoPrint = "DoPrint is refused by this class: it makes no archive";
+
 enum class Family { kNone, kAdobe, kWriter, kFactory, kTiff, kHarp };
 
 Family FamilyOf(std::string_view name) {
@@ -146,6 +148,19 @@ HarpSummary ReadHarpSummary() {
   return harp;
 }
 
+std::string Hours(int64_t seconds) { return std::to_string((seconds + 3599) / 3600) + " h"; }
+
+// What to do about a lock that a print would judge live.
+std::string LockFix(const LockReport& lock) {
+  if (lock.state == "unreadable") {
+    return "it cannot be read (" + lock.reason +
+           "); delete it once no revision prints into this folder";
+  }
+  return "a revision by '" + lock.user + "' on '" + lock.computer +
+         "' holds it; once none runs there, delete it (it turns stale in " +
+         Hours(kStaleLockSeconds - lock.ageSeconds) + ")";
+}
+
 void ExamineFolder(ClassReport& report, const std::string& folder, bool needed) {
   report.outputFolder = folder;
   report.outputFolderExists = !folder.empty() && platform::FolderExists(folder);
@@ -156,10 +171,20 @@ void ExamineFolder(ClassReport& report, const std::string& folder, bool needed) 
     }
     return;
   }
-  report.locks = ReadLocks(WithoutTrailingSeparator(folder));
-  if (!report.locks.empty() && report.locks.front().state != "stale") {
-    report.problems.push_back("lock file '" + report.locks.front().path + "' (" +
-                              report.locks.front().state + ") refuses every print");
+  const std::string searched = WithoutTrailingSeparator(folder);
+  report.locks = ReadLocks(searched);
+  // A print judges only the first lock and deletes it when stale.
+  for (size_t i = 0; i < report.locks.size(); ++i) {
+    const LockReport& lock = report.locks[i];
+    const std::string named = lock.state + " lock file '" + lock.path + "'";
+    if (lock.state == "stale") {
+      report.warnings.push_back(named + " was left by a run that died: vemra-revise locks \"" +
+                                searched + "\" --remove-stale removes it");
+    } else if (i == 0) {
+      report.problems.push_back(named + " refuses every print: " + LockFix(lock));
+    } else {
+      report.warnings.push_back(named + " (not the one a print judges): " + LockFix(lock));
+    }
   }
 }
 
@@ -173,8 +198,12 @@ void ExamineDriver(ClassReport& report, const PrinterClass& cls, const HarpSumma
   }
   switch (family) {
     case Family::kAdobe:
+      if (cls.name == "AcrobatDistiller") {
+        if (const auto missing = AcrobatDistiller5Finding()) report.findings.push_back(*missing);
+      }
       if (report.printer.empty()) break;
-      report.findings = AcrobatSettingFindings(report.printer);
+      for (SettingFinding& f : AcrobatSettingFindings(report.printer))
+        report.findings.push_back(std::move(f));
       ExamineFolder(report, GetArcobatPrnOutputDirectory(report.printer), true);
       break;
     case Family::kFactory:
@@ -192,14 +221,17 @@ void ExamineDriver(ClassReport& report, const PrinterClass& cls, const HarpSumma
       } else {
         ExamineFolder(report, FolderOf(harp.printerRedirection), true);
       }
-      report.problems.push_back("DoPrint is refused by this class: it makes no archive");
+      report.limits.push_back(kRefusesDoPrint);
       break;
     case Family::kTiff:
       report.outputFolderNote = "none: DoPrint is refused by this class";
-      report.problems.push_back("DoPrint is refused by this class: it makes no archive");
+      report.limits.push_back(kRefusesDoPrint);
       break;
     case Family::kWriter:
       report.outputFolderNote = "none: the class searches a folder it never sets";
+      report.limits.push_back(
+          "InitPrnSettings selects no printer, so IsPrinterAvailable is False: only documents "
+          "that are PDF files already are archived (copied); no driver setting matters");
       break;
     case Family::kNone:
       report.outputFolderNote = "none: the class writes no file";
@@ -211,17 +243,32 @@ void ExamineDriver(ClassReport& report, const PrinterClass& cls, const HarpSumma
   }
 }
 
+// How to register the class: the component's DLL as another class has it
+// registered, with the regsvr32 of this host's bitness.
+std::string RegisterFix(const RegistrationReader& registration) {
+  std::string dll = std::string(kLibraryName) + ".dll (its " + HostBitness() + " build)";
+  for (const PrinterClass& cls : PrinterClasses()) {
+    const ClassRegistration other =
+        registration(std::string(kLibraryName) + "." + std::string(cls.name));
+    if (other.registered && other.serverBitness == HostBitness()) {
+      dll = "\"" + other.server + "\"";
+      break;
+    }
+  }
+  return "register the component: regsvr32 " + dll + " (the " + HostBitness() + " regsvr32)";
+}
+
 ClassReport ExamineClass(ReviseBackend& backend, const RegistrationReader& registration,
                          const PrinterClass& cls, const HarpSummary& harp) {
   ClassReport report;
   report.name = std::string(cls.name);
   report.progId = std::string(kLibraryName) + "." + report.name;
   report.registration = registration(report.progId);
-  if (!report.registration.linked && !report.registration.registered) {
-    report.problems.push_back("not registered: regsvr32 VemraKestrivon.dll");
+  if (!report.registration.problems.empty()) {
+    const std::string fix = RegisterFix(registration);
+    for (const std::string& problem : report.registration.problems)
+      report.problems.push_back(problem + ": " + fix);
   }
-  for (const std::string& problem : report.registration.problems)
-    report.problems.push_back(problem);
   if (FamilyOf(cls.name) == Family::kHarp && !harp.configDirectory) {
     report.createFailure =
         "not created: the workset has no ConfigDirectory, so creation would show the box "
@@ -241,12 +288,15 @@ ClassReport ExamineClass(ReviseBackend& backend, const RegistrationReader& regis
   if (!report.created) {
     report.problems.push_back(report.createFailure.empty() ? "not created" : report.createFailure);
   } else {
-    if (report.initPrnSettings != true) report.problems.push_back("InitPrnSettings is not True");
+    // AcrobatWriter's two False answers are its design (a limit below).
+    const bool selects = FamilyOf(cls.name) != Family::kWriter;
+    if (selects && report.initPrnSettings != true)
+      report.problems.push_back("InitPrnSettings is not True");
     if (!report.checkPrnSettings || !report.checkPrnSettings->empty()) {
       report.problems.push_back("CheckPrnSettings: " +
                                 FirstLine(report.checkPrnSettings.value_or("the call failed")));
     }
-    if (report.isPrinterAvailable != true)
+    if (selects && report.isPrinterAvailable != true)
       report.problems.push_back("IsPrinterAvailable is not True");
   }
   ExamineDriver(report, cls, harp);
@@ -325,8 +375,13 @@ DoctorReport Examine(ReviseBackend& backend, const RegistrationReader& registrat
     for (const std::string& name : classes) named = named || FindPrinterClass(name) == &cls;
     if (named) chosen.push_back(&cls);
   }
-  // The first creation installs the host objects the reads below need.
+  // The first creation installs the host objects the reads below need; any
+  // class does, but not VemraHARP, whose creation may show a box.
   std::unique_ptr<PrinterSession> first = backend.Create("VemraKestrivon.NoFile").session;
+  for (const PrinterClass& cls : PrinterClasses()) {
+    if (first || FamilyOf(cls.name) == Family::kHarp) continue;
+    first = backend.Create(std::string(kLibraryName) + "." + std::string(cls.name)).session;
+  }
   report.harp = ReadHarpSummary();
   for (const PrinterClass* cls : chosen) {
     report.classes.push_back(ExamineClass(backend, registration, *cls, report.harp));
@@ -334,6 +389,12 @@ DoctorReport Examine(ReviseBackend& backend, const RegistrationReader& registrat
   report.sleeperMilliseconds = GetRevisionSleeper();
   report.sleeperOrigin = RevisionSleeperOrigin();
   return report;
+}
+
+size_t DoctorReport::ThingsToFix() const {
+  size_t count = 0;
+  for (const ClassReport& c : classes) count += c.problems.size() + c.warnings.size();
+  return count;
 }
 
 }  // namespace kestrivon::hostkit::revise

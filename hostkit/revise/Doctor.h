@@ -67,7 +67,13 @@ struct ClassReport {
   bool outputFolderExists = false;
   std::vector<LockReport> locks;
   std::vector<SettingFinding> findings;
-  std::vector<std::string> problems;  // empty: usable
+  // Each with its fix. Problems keep the class from archiving; warnings do
+  // not (a stale lock); limits are the class's by design and have none.
+  std::vector<std::string> problems;
+  std::vector<std::string> warnings;
+  std::vector<std::string> limits;
+
+  [[nodiscard]] bool Usable() const { return problems.empty() && limits.empty(); }
 };
 
 struct HarpSummary {
@@ -89,6 +95,9 @@ struct DoctorReport {
   int32_t sleeperMilliseconds = 0;
   std::string sleeperOrigin;
   HarpSummary harp;
+
+  // The problems and warnings of all classes: none means nothing is wrong.
+  [[nodiscard]] size_t ThingsToFix() const;
 };
 
 using RegistrationReader = std::function<ClassRegistration(const std::string& progId)>;
@@ -104,7 +113,7 @@ void WriteJson(std::ostream& out, const DoctorReport& report);
 
 // vemra-revise doctor [--json] [--class <name> ...] [--log <file>]
 //   [--print-world <file>]: 0 when every class named with --class is
-// usable (without --class: always 0 once examined), 1 when one is not,
+// usable (without --class: when nothing is wrong), 1 when one is not,
 // 2 for bad arguments.
 int DoctorMain(const std::vector<std::string>& args, ReviseBackend& backend,
                const RegistrationReader& registration, std::ostream& out, std::ostream& err);

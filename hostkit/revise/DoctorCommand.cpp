@@ -53,6 +53,10 @@ std::string Array(const std::vector<T>& items, F&& each) {
   return out + "]";
 }
 
+std::string Strings(const std::vector<std::string>& texts) {
+  return Array(texts, [](const std::string& text) { return Json(text); });
+}
+
 std::string FindingJson(const SettingFinding& f) {
   return Object({{"key", Json(f.key)},
                  {"name", Json(f.name)},
@@ -118,7 +122,12 @@ void WriteTable(std::ostream& out, const DoctorReport& report) {
     out << line;
   }
   for (const ClassReport& c : report.classes) {
-    out << '\n' << c.progId << ": " << (c.problems.empty() ? "usable" : "NOT usable") << '\n';
+    out << '\n'
+        << c.progId << ": "
+        << (c.Usable()           ? "usable"
+            : c.problems.empty() ? "cannot archive, by design"
+                                 : "NOT usable")
+        << '\n';
     if (c.registration.registered) {
       out << "  CLSID " << c.registration.clsid << ", InprocServer32 '" << c.registration.server
           << "' (" << c.registration.serverBitness << "), ThreadingModel "
@@ -134,6 +143,8 @@ void WriteTable(std::ostream& out, const DoctorReport& report) {
     for (const LockReport& lock : c.locks) WriteLockLine(out, lock);
     for (const SettingFinding& f : c.findings) WriteFinding(out, f);
     for (const std::string& problem : c.problems) out << "  - " << problem << '\n';
+    for (const std::string& warning : c.warnings) out << "  - to clean up: " << warning << '\n';
+    for (const std::string& limit : c.limits) out << "  - by design: " << limit << '\n';
   }
   out << "\nRevision sleeper: " << report.sleeperMilliseconds << " ms from " << report.sleeperOrigin
       << '\n';
@@ -158,9 +169,18 @@ void WriteTable(std::ostream& out, const DoctorReport& report) {
     }
     for (const SettingFinding& f : h.findings) WriteFinding(out, f);
   }
-  bool wrong = false;
-  for (const ClassReport& c : report.classes) wrong = wrong || !c.problems.empty();
-  out << (wrong ? "\nSome classes cannot archive; see above.\n" : "\nNothing is wrong.\n");
+  size_t troubled = 0;
+  for (const ClassReport& c : report.classes)
+    troubled += c.problems.empty() && c.warnings.empty() ? 0 : 1;
+  const std::string examined = std::to_string(report.classes.size());
+  if (const size_t count = report.ThingsToFix(); count == 0) {
+    out << "\nNothing is wrong: " << examined
+        << " class(es) examined, no problem found (limits by design are listed above).\n";
+  } else {
+    out << '\n'
+        << count << " problem(s) in " << troubled << " of " << examined
+        << " class(es), each named above with its fix.\n";
+  }
 }
 
 void WriteJson(std::ostream& out, const DoctorReport& report) {
@@ -184,11 +204,14 @@ void WriteJson(std::ostream& out, const DoctorReport& report) {
                    {"outputFolderExists", Json(c.outputFolderExists)},
                    {"locks", Array(c.locks, LockJson)},
                    {"wrongSettings", Array(c.findings, FindingJson)},
-                   {"problems", Array(c.problems, [](const std::string& p) { return Json(p); })},
-                   {"usable", Json(c.problems.empty())}});
+                   {"problems", Strings(c.problems)},
+                   {"warnings", Strings(c.warnings)},
+                   {"limits", Strings(c.limits)},
+                   {"usable", Json(c.Usable())}});
   });
   const HarpSummary& h = report.harp;
   out << Object({{"classes", classes},
+                 {"thingsToFix", std::to_string(report.ThingsToFix())},
                  {"revisionSleeper",
                   Object({{"milliseconds", std::to_string(report.sleeperMilliseconds)},
                           {"origin", Json(report.sleeperOrigin)}})},
@@ -240,8 +263,9 @@ int DoctorMain(const std::vector<std::string>& args, ReviseBackend& backend,
   } else {
     WriteTable(out, report);
   }
+  if (classes.empty()) return report.ThingsToFix() == 0 ? kExitSuccess : kExitRevisionFailed;
   for (const ClassReport& c : report.classes) {
-    if (!classes.empty() && !c.problems.empty()) return kExitRevisionFailed;
+    if (!c.Usable()) return kExitRevisionFailed;
   }
   return kExitSuccess;
 }
