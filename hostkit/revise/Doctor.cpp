@@ -286,7 +286,11 @@ ClassReport ExamineClass(ReviseBackend& backend, const RegistrationReader& regis
     }
   }
   if (!report.created) {
-    report.problems.push_back(report.createFailure.empty() ? "not created" : report.createFailure);
+    // An unregistered class is not tried: its registration problem says why.
+    if (report.registration.linked || report.registration.registered) {
+      report.problems.push_back(report.createFailure.empty() ? "not created"
+                                                             : report.createFailure);
+    }
   } else {
     // AcrobatWriter's two False answers are its design (a limit below).
     const bool selects = FamilyOf(cls.name) != Family::kWriter;
