@@ -82,9 +82,17 @@ std::string FolderOf(const std::string& file) {
   return slash == std::string::npos ? std::string() : file.substr(0, slash);
 }
 
-std::string FirstLine(const std::string& text) {
-  std::string line = text.substr(0, text.find_first_of("\r\n"));
-  return line.empty() ? text : line;
+// The class's text on one line: the setting it names often follows the
+// first line.
+std::string OneLine(const std::string& text) {
+  std::string line;
+  size_t start = 0;
+  while (start < text.size()) {
+    const size_t end = std::min(text.find_first_of("\r\n", start), text.size());
+    if (end > start) line += (line.empty() ? "" : " ") + text.substr(start, end - start);
+    start = end + 1;
+  }
+  return line;
 }
 
 // The first of the class's printer names the print library knows.
@@ -132,8 +140,9 @@ HarpSummary ReadHarpSummary() {
       harp.findings.push_back({harp.iniFile, "(file)", kMissingSetting, "HARP.ini"});
       return;
     }
-    if (harp.printerName.empty()) {
-      harp.findings.push_back({section, "PrinterName", "", "the name of an installed printer"});
+    if (harp.printerName.empty() || !PrnDevice().SetFilePrinterByName(harp.printerName)) {
+      harp.findings.push_back(
+          {section, "PrinterName", harp.printerName, "the name of an installed printer"});
     }
     if (!configuration.IsValidRevisionArchive(harp.revisionExtension)) {
       harp.findings.push_back(
@@ -150,7 +159,8 @@ HarpSummary ReadHarpSummary() {
 
 std::string Hours(int64_t seconds) { return std::to_string((seconds + 3599) / 3600) + " h"; }
 
-// What to do about a lock that a print would judge live.
+}  // namespace
+
 std::string LockFix(const LockReport& lock) {
   if (lock.state == "unreadable") {
     return "it cannot be read (" + lock.reason +
@@ -161,14 +171,15 @@ std::string LockFix(const LockReport& lock) {
          Hours(kStaleLockSeconds - lock.ageSeconds) + ")";
 }
 
-void ExamineFolder(ClassReport& report, const std::string& folder, bool needed) {
+namespace {
+
+// unnamed: the problem when there is no folder.
+void ExamineFolder(ClassReport& report, const std::string& folder, const char* unnamed) {
   report.outputFolder = folder;
   report.outputFolderExists = !folder.empty() && platform::FolderExists(folder);
   if (!report.outputFolderExists) {
-    if (needed) {
-      report.problems.push_back(folder.empty() ? "the driver names no output folder"
-                                               : "output folder '" + folder + "' does not exist");
-    }
+    report.problems.push_back(folder.empty() ? unnamed
+                                             : "output folder '" + folder + "' does not exist");
     return;
   }
   const std::string searched = WithoutTrailingSeparator(folder);
@@ -204,12 +215,18 @@ void ExamineDriver(ClassReport& report, const PrinterClass& cls, const HarpSumma
       if (report.printer.empty()) break;
       for (SettingFinding& f : AcrobatSettingFindings(report.printer))
         report.findings.push_back(std::move(f));
-      ExamineFolder(report, GetArcobatPrnOutputDirectory(report.printer), true);
+      ExamineFolder(report, GetArcobatPrnOutputDirectory(report.printer),
+                    "the driver's Port names no output folder");
       break;
     case Family::kFactory:
+      if (const int16_t version = FindPdfFactoryVersion(); version > 0) {
+        report.driver = "pdfFactory " + std::to_string(version) +
+                        ", the newest installed: the class reads only its settings";
+      }
       if (report.printer.empty()) break;
       report.findings = PdfFactorySettingFindings(report.printer);
-      ExamineFolder(report, platform::EnvironmentVariable("TEMP").value_or(""), true);
+      ExamineFolder(report, platform::EnvironmentVariable("TEMP").value_or(""),
+                    "TEMP is not set: the class prints with it as the folder its lock guards");
       break;
     case Family::kHarp:
       if (!harp.findings.empty()) {
@@ -219,7 +236,8 @@ void ExamineDriver(ClassReport& report, const PrinterClass& cls, const HarpSumma
       if (!harp.configDirectory) {
         report.outputFolderNote = "no configuration directory";
       } else {
-        ExamineFolder(report, FolderOf(harp.printerRedirection), true);
+        ExamineFolder(report, FolderOf(harp.printerRedirection),
+                      "HARP.ini's PrinterRedirection names no output folder");
       }
       report.limits.push_back(kRefusesDoPrint);
       break;
@@ -298,7 +316,7 @@ ClassReport ExamineClass(ReviseBackend& backend, const RegistrationReader& regis
       report.problems.push_back("InitPrnSettings is not True");
     if (!report.checkPrnSettings || !report.checkPrnSettings->empty()) {
       report.problems.push_back("CheckPrnSettings: " +
-                                FirstLine(report.checkPrnSettings.value_or("the call failed")));
+                                OneLine(report.checkPrnSettings.value_or("the call failed")));
     }
     if (selects && report.isPrinterAvailable != true)
       report.problems.push_back("IsPrinterAvailable is not True");
@@ -341,7 +359,7 @@ ClassRegistration ReadRegistration(const std::string& progId) {
 
 std::vector<LockReport> ReadLocks(const std::string& folder) {
   std::vector<LockReport> locks;
-  for (const std::string& path : FindRevisionLocks(folder)) {
+  for (const std::string& path : FindRevisionLocks(WithoutTrailingSeparator(folder))) {
     LockReport lock;
     lock.path = path;
     lock.state = "unreadable";

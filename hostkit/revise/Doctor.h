@@ -51,6 +51,8 @@ struct LockReport {
 // The lock files of folder, in the search's order (the check judges only
 // the first). Reads only.
 std::vector<LockReport> ReadLocks(const std::string& folder);
+// What to do about a lock that a print judges live (new, live, unreadable).
+std::string LockFix(const LockReport& lock);
 
 struct ClassReport {
   std::string name;
@@ -62,6 +64,7 @@ struct ClassReport {
   std::optional<std::string> checkPrnSettings;
   std::optional<bool> isPrinterAvailable;
   std::string printer;  // the printer the class's names find
+  std::string driver;   // which of the driver's versions is in force
   std::string outputFolder;
   std::string outputFolderNote;  // why there is none
   bool outputFolderExists = false;

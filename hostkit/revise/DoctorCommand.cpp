@@ -133,6 +133,7 @@ void WriteTable(std::ostream& out, const DoctorReport& report) {
           << "' (" << c.registration.serverBitness << "), ThreadingModel "
           << c.registration.threadingModel << ", TypeLib " << c.registration.typeLib << '\n';
     }
+    if (!c.driver.empty()) out << "  driver: " << c.driver << '\n';
     if (!c.outputFolder.empty() || !c.outputFolderNote.empty()) {
       out << "  output folder: "
           << (c.outputFolder.empty() ? c.outputFolderNote
@@ -200,6 +201,7 @@ void WriteJson(std::ostream& out, const DoctorReport& report) {
                    {"checkPrnSettings", Json(c.checkPrnSettings)},
                    {"isPrinterAvailable", Json(c.isPrinterAvailable)},
                    {"printer", Json(c.printer)},
+                   {"driver", Json(c.driver)},
                    {"outputFolder", Json(c.outputFolder)},
                    {"outputFolderExists", Json(c.outputFolderExists)},
                    {"locks", Array(c.locks, LockJson)},
@@ -292,7 +294,14 @@ int LocksMain(const std::vector<std::string>& args, std::ostream& out, std::ostr
   int status = kExitSuccess;
   for (const LockReport& lock : locks) {
     WriteLockLine(out, lock);
-    if (!removeStale || lock.state != "stale") continue;
+    if (lock.state != "stale") {
+      out << "    fix: " << LockFix(lock) << '\n';
+      continue;
+    }
+    if (!removeStale) {
+      out << "    fix: --remove-stale removes it\n";
+      continue;
+    }
     if (const auto error = Attempt([&] { platform::DeleteFileWithForce(lock.path, false); })) {
       out << "    not removed: " << error->description << '\n';
       status = kExitRevisionFailed;
