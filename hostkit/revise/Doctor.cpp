@@ -82,9 +82,17 @@ std::string FolderOf(const std::string& file) {
   return slash == std::string::npos ? std::string() : file.substr(0, slash);
 }
 
-std::string FirstLine(const std::string& text) {
-  std::string line = text.substr(0, text.find_first_of("\r\n"));
-  return line.empty() ? text : line;
+// The class's text on one line: the setting it names often follows the
+// first line.
+std::string OneLine(const std::string& text) {
+  std::string line;
+  size_t start = 0;
+  while (start < text.size()) {
+    const size_t end = std::min(text.find_first_of("\r\n", start), text.size());
+    if (end > start) line += (line.empty() ? "" : " ") + text.substr(start, end - start);
+    start = end + 1;
+  }
+  return line;
 }
 
 // The first of the class's printer names the print library knows.
@@ -95,6 +103,8 @@ std::string SelectedPrinter(std::span<const char* const> names) {
   }
   return {};
 }
+
+constexpr const char* kRefusesDoPrint = "DoPrint is refused by this class: it makes no archive";
 
 enum class Family { kNone, kAdobe, kWriter, kFactory, kTiff, kHarp };
 
@@ -130,8 +140,9 @@ HarpSummary ReadHarpSummary() {
       harp.findings.push_back({harp.iniFile, "(file)", kMissingSetting, "HARP.ini"});
       return;
     }
-    if (harp.printerName.empty()) {
-      harp.findings.push_back({section, "PrinterName", "", "the name of an installed printer"});
+    if (harp.printerName.empty() || !PrnDevice().SetFilePrinterByName(harp.printerName)) {
+      harp.findings.push_back(
+          {section, "PrinterName", harp.printerName, "the name of an installed printer"});
     }
     if (!configuration.IsValidRevisionArchive(harp.revisionExtension)) {
       harp.findings.push_back(
@@ -146,20 +157,45 @@ HarpSummary ReadHarpSummary() {
   return harp;
 }
 
-void ExamineFolder(ClassReport& report, const std::string& folder, bool needed) {
+std::string Hours(int64_t seconds) { return std::to_string((seconds + 3599) / 3600) + " h"; }
+
+}  // namespace
+
+std::string LockFix(const LockReport& lock) {
+  if (lock.state == "unreadable") {
+    return "it cannot be read (" + lock.reason +
+           "); delete it once no revision prints into this folder";
+  }
+  return "a revision by '" + lock.user + "' on '" + lock.computer +
+         "' holds it; once none runs there, delete it (it turns stale in " +
+         Hours(kStaleLockSeconds - lock.ageSeconds) + ")";
+}
+
+namespace {
+
+// unnamed: the problem when there is no folder.
+void ExamineFolder(ClassReport& report, const std::string& folder, const char* unnamed) {
   report.outputFolder = folder;
   report.outputFolderExists = !folder.empty() && platform::FolderExists(folder);
   if (!report.outputFolderExists) {
-    if (needed) {
-      report.problems.push_back(folder.empty() ? "the driver names no output folder"
-                                               : "output folder '" + folder + "' does not exist");
-    }
+    report.problems.push_back(folder.empty() ? unnamed
+                                             : "output folder '" + folder + "' does not exist");
     return;
   }
-  report.locks = ReadLocks(WithoutTrailingSeparator(folder));
-  if (!report.locks.empty() && report.locks.front().state != "stale") {
-    report.problems.push_back("lock file '" + report.locks.front().path + "' (" +
-                              report.locks.front().state + ") refuses every print");
+  const std::string searched = WithoutTrailingSeparator(folder);
+  report.locks = ReadLocks(searched);
+  // A print judges only the first lock and deletes it when stale.
+  for (size_t i = 0; i < report.locks.size(); ++i) {
+    const LockReport& lock = report.locks[i];
+    const std::string named = lock.state + " lock file '" + lock.path + "'";
+    if (lock.state == "stale") {
+      report.warnings.push_back(named + " was left by a run that died: vemra-revise locks \"" +
+                                searched + "\" --remove-stale removes it");
+    } else if (i == 0) {
+      report.problems.push_back(named + " refuses every print: " + LockFix(lock));
+    } else {
+      report.warnings.push_back(named + " (not the one a print judges): " + LockFix(lock));
+    }
   }
 }
 
@@ -173,14 +209,24 @@ void ExamineDriver(ClassReport& report, const PrinterClass& cls, const HarpSumma
   }
   switch (family) {
     case Family::kAdobe:
+      if (cls.name == "AcrobatDistiller") {
+        if (const auto missing = AcrobatDistiller5Finding()) report.findings.push_back(*missing);
+      }
       if (report.printer.empty()) break;
-      report.findings = AcrobatSettingFindings(report.printer);
-      ExamineFolder(report, GetArcobatPrnOutputDirectory(report.printer), true);
+      for (SettingFinding& f : AcrobatSettingFindings(report.printer))
+        report.findings.push_back(std::move(f));
+      ExamineFolder(report, GetArcobatPrnOutputDirectory(report.printer),
+                    "the driver's Port names no output folder");
       break;
     case Family::kFactory:
+      if (const int16_t version = FindPdfFactoryVersion(); version > 0) {
+        report.driver = "pdfFactory " + std::to_string(version) +
+                        ", the newest installed: the class reads only its settings";
+      }
       if (report.printer.empty()) break;
       report.findings = PdfFactorySettingFindings(report.printer);
-      ExamineFolder(report, platform::EnvironmentVariable("TEMP").value_or(""), true);
+      ExamineFolder(report, platform::EnvironmentVariable("TEMP").value_or(""),
+                    "TEMP is not set: the class prints with it as the folder its lock guards");
       break;
     case Family::kHarp:
       if (!harp.findings.empty()) {
@@ -190,16 +236,20 @@ void ExamineDriver(ClassReport& report, const PrinterClass& cls, const HarpSumma
       if (!harp.configDirectory) {
         report.outputFolderNote = "no configuration directory";
       } else {
-        ExamineFolder(report, FolderOf(harp.printerRedirection), true);
+        ExamineFolder(report, FolderOf(harp.printerRedirection),
+                      "HARP.ini's PrinterRedirection names no output folder");
       }
-      report.problems.push_back("DoPrint is refused by this class: it makes no archive");
+      report.limits.push_back(kRefusesDoPrint);
       break;
     case Family::kTiff:
       report.outputFolderNote = "none: DoPrint is refused by this class";
-      report.problems.push_back("DoPrint is refused by this class: it makes no archive");
+      report.limits.push_back(kRefusesDoPrint);
       break;
     case Family::kWriter:
       report.outputFolderNote = "none: the class searches a folder it never sets";
+      report.limits.push_back(
+          "InitPrnSettings selects no printer, so IsPrinterAvailable is False: only documents "
+          "that are PDF files already are archived (copied); no driver setting matters");
       break;
     case Family::kNone:
       report.outputFolderNote = "none: the class writes no file";
@@ -211,17 +261,32 @@ void ExamineDriver(ClassReport& report, const PrinterClass& cls, const HarpSumma
   }
 }
 
+// How to register the class: the component's DLL as another class has it
+// registered, with the regsvr32 of this host's bitness.
+std::string RegisterFix(const RegistrationReader& registration) {
+  std::string dll = std::string(kLibraryName) + ".dll (its " + HostBitness() + " build)";
+  for (const PrinterClass& cls : PrinterClasses()) {
+    const ClassRegistration other =
+        registration(std::string(kLibraryName) + "." + std::string(cls.name));
+    if (other.registered && other.serverBitness == HostBitness()) {
+      dll = "\"" + other.server + "\"";
+      break;
+    }
+  }
+  return "register the component: regsvr32 " + dll + " (the " + HostBitness() + " regsvr32)";
+}
+
 ClassReport ExamineClass(ReviseBackend& backend, const RegistrationReader& registration,
                          const PrinterClass& cls, const HarpSummary& harp) {
   ClassReport report;
   report.name = std::string(cls.name);
   report.progId = std::string(kLibraryName) + "." + report.name;
   report.registration = registration(report.progId);
-  if (!report.registration.linked && !report.registration.registered) {
-    report.problems.push_back("not registered: regsvr32 VemraKestrivon.dll");
+  if (!report.registration.problems.empty()) {
+    const std::string fix = RegisterFix(registration);
+    for (const std::string& problem : report.registration.problems)
+      report.problems.push_back(problem + ": " + fix);
   }
-  for (const std::string& problem : report.registration.problems)
-    report.problems.push_back(problem);
   if (FamilyOf(cls.name) == Family::kHarp && !harp.configDirectory) {
     report.createFailure =
         "not created: the workset has no ConfigDirectory, so creation would show the box "
@@ -239,14 +304,21 @@ ClassReport ExamineClass(ReviseBackend& backend, const RegistrationReader& regis
     }
   }
   if (!report.created) {
-    report.problems.push_back(report.createFailure.empty() ? "not created" : report.createFailure);
+    // An unregistered class is not tried: its registration problem says why.
+    if (report.registration.linked || report.registration.registered) {
+      report.problems.push_back(report.createFailure.empty() ? "not created"
+                                                             : report.createFailure);
+    }
   } else {
-    if (report.initPrnSettings != true) report.problems.push_back("InitPrnSettings is not True");
+    // AcrobatWriter's two False answers are its design (a limit below).
+    const bool selects = FamilyOf(cls.name) != Family::kWriter;
+    if (selects && report.initPrnSettings != true)
+      report.problems.push_back("InitPrnSettings is not True");
     if (!report.checkPrnSettings || !report.checkPrnSettings->empty()) {
       report.problems.push_back("CheckPrnSettings: " +
-                                FirstLine(report.checkPrnSettings.value_or("the call failed")));
+                                OneLine(report.checkPrnSettings.value_or("the call failed")));
     }
-    if (report.isPrinterAvailable != true)
+    if (selects && report.isPrinterAvailable != true)
       report.problems.push_back("IsPrinterAvailable is not True");
   }
   ExamineDriver(report, cls, harp);
@@ -287,7 +359,7 @@ ClassRegistration ReadRegistration(const std::string& progId) {
 
 std::vector<LockReport> ReadLocks(const std::string& folder) {
   std::vector<LockReport> locks;
-  for (const std::string& path : FindRevisionLocks(folder)) {
+  for (const std::string& path : FindRevisionLocks(WithoutTrailingSeparator(folder))) {
     LockReport lock;
     lock.path = path;
     lock.state = "unreadable";
@@ -325,8 +397,13 @@ DoctorReport Examine(ReviseBackend& backend, const RegistrationReader& registrat
     for (const std::string& name : classes) named = named || FindPrinterClass(name) == &cls;
     if (named) chosen.push_back(&cls);
   }
-  // The first creation installs the host objects the reads below need.
+  // The first creation installs the host objects the reads below need; any
+  // class does, but not VemraHARP, whose creation may show a box.
   std::unique_ptr<PrinterSession> first = backend.Create("VemraKestrivon.NoFile").session;
+  for (const PrinterClass& cls : PrinterClasses()) {
+    if (first || FamilyOf(cls.name) == Family::kHarp) continue;
+    first = backend.Create(std::string(kLibraryName) + "." + std::string(cls.name)).session;
+  }
   report.harp = ReadHarpSummary();
   for (const PrinterClass* cls : chosen) {
     report.classes.push_back(ExamineClass(backend, registration, *cls, report.harp));
@@ -334,6 +411,12 @@ DoctorReport Examine(ReviseBackend& backend, const RegistrationReader& registrat
   report.sleeperMilliseconds = GetRevisionSleeper();
   report.sleeperOrigin = RevisionSleeperOrigin();
   return report;
+}
+
+size_t DoctorReport::ThingsToFix() const {
+  size_t count = 0;
+  for (const ClassReport& c : classes) count += c.problems.size() + c.warnings.size();
+  return count;
 }
 
 }  // namespace kestrivon::hostkit::revise

@@ -51,6 +51,8 @@ struct LockReport {
 // The lock files of folder, in the search's order (the check judges only
 // the first). Reads only.
 std::vector<LockReport> ReadLocks(const std::string& folder);
+// What to do about a lock that a print judges live (new, live, unreadable).
+std::string LockFix(const LockReport& lock);
 
 struct ClassReport {
   std::string name;
@@ -62,12 +64,19 @@ struct ClassReport {
   std::optional<std::string> checkPrnSettings;
   std::optional<bool> isPrinterAvailable;
   std::string printer;  // the printer the class's names find
+  std::string driver;   // which of the driver's versions is in force
   std::string outputFolder;
   std::string outputFolderNote;  // why there is none
   bool outputFolderExists = false;
   std::vector<LockReport> locks;
   std::vector<SettingFinding> findings;
-  std::vector<std::string> problems;  // empty: usable
+  // Each with its fix. Problems keep the class from archiving; warnings do
+  // not (a stale lock); limits are the class's by design and have none.
+  std::vector<std::string> problems;
+  std::vector<std::string> warnings;
+  std::vector<std::string> limits;
+
+  [[nodiscard]] bool Usable() const { return problems.empty() && limits.empty(); }
 };
 
 struct HarpSummary {
@@ -89,6 +98,9 @@ struct DoctorReport {
   int32_t sleeperMilliseconds = 0;
   std::string sleeperOrigin;
   HarpSummary harp;
+
+  // The problems and warnings of all classes: none means nothing is wrong.
+  [[nodiscard]] size_t ThingsToFix() const;
 };
 
 using RegistrationReader = std::function<ClassRegistration(const std::string& progId)>;
@@ -104,7 +116,7 @@ void WriteJson(std::ostream& out, const DoctorReport& report);
 
 // vemra-revise doctor [--json] [--class <name> ...] [--log <file>]
 //   [--print-world <file>]: 0 when every class named with --class is
-// usable (without --class: always 0 once examined), 1 when one is not,
+// usable (without --class: when nothing is wrong), 1 when one is not,
 // 2 for bad arguments.
 int DoctorMain(const std::vector<std::string>& args, ReviseBackend& backend,
                const RegistrationReader& registration, std::ostream& out, std::ostream& err);

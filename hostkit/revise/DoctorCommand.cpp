@@ -53,6 +53,10 @@ std::string Array(const std::vector<T>& items, F&& each) {
   return out + "]";
 }
 
+std::string Strings(const std::vector<std::string>& texts) {
+  return Array(texts, [](const std::string& text) { return Json(text); });
+}
+
 std::string FindingJson(const SettingFinding& f) {
   return Object({{"key", Json(f.key)},
                  {"name", Json(f.name)},
@@ -118,12 +122,18 @@ void WriteTable(std::ostream& out, const DoctorReport& report) {
     out << line;
   }
   for (const ClassReport& c : report.classes) {
-    out << '\n' << c.progId << ": " << (c.problems.empty() ? "usable" : "NOT usable") << '\n';
+    out << '\n'
+        << c.progId << ": "
+        << (c.Usable()           ? "usable"
+            : c.problems.empty() ? "cannot archive, by design"
+                                 : "NOT usable")
+        << '\n';
     if (c.registration.registered) {
       out << "  CLSID " << c.registration.clsid << ", InprocServer32 '" << c.registration.server
           << "' (" << c.registration.serverBitness << "), ThreadingModel "
           << c.registration.threadingModel << ", TypeLib " << c.registration.typeLib << '\n';
     }
+    if (!c.driver.empty()) out << "  driver: " << c.driver << '\n';
     if (!c.outputFolder.empty() || !c.outputFolderNote.empty()) {
       out << "  output folder: "
           << (c.outputFolder.empty() ? c.outputFolderNote
@@ -134,6 +144,8 @@ void WriteTable(std::ostream& out, const DoctorReport& report) {
     for (const LockReport& lock : c.locks) WriteLockLine(out, lock);
     for (const SettingFinding& f : c.findings) WriteFinding(out, f);
     for (const std::string& problem : c.problems) out << "  - " << problem << '\n';
+    for (const std::string& warning : c.warnings) out << "  - to clean up: " << warning << '\n';
+    for (const std::string& limit : c.limits) out << "  - by design: " << limit << '\n';
   }
   out << "\nRevision sleeper: " << report.sleeperMilliseconds << " ms from " << report.sleeperOrigin
       << '\n';
@@ -158,9 +170,18 @@ void WriteTable(std::ostream& out, const DoctorReport& report) {
     }
     for (const SettingFinding& f : h.findings) WriteFinding(out, f);
   }
-  bool wrong = false;
-  for (const ClassReport& c : report.classes) wrong = wrong || !c.problems.empty();
-  out << (wrong ? "\nSome classes cannot archive; see above.\n" : "\nNothing is wrong.\n");
+  size_t troubled = 0;
+  for (const ClassReport& c : report.classes)
+    troubled += c.problems.empty() && c.warnings.empty() ? 0 : 1;
+  const std::string examined = std::to_string(report.classes.size());
+  if (const size_t count = report.ThingsToFix(); count == 0) {
+    out << "\nNothing is wrong: " << examined
+        << " class(es) examined, no problem found (limits by design are listed above).\n";
+  } else {
+    out << '\n'
+        << count << " problem(s) in " << troubled << " of " << examined
+        << " class(es), each named above with its fix.\n";
+  }
 }
 
 void WriteJson(std::ostream& out, const DoctorReport& report) {
@@ -180,15 +201,19 @@ void WriteJson(std::ostream& out, const DoctorReport& report) {
                    {"checkPrnSettings", Json(c.checkPrnSettings)},
                    {"isPrinterAvailable", Json(c.isPrinterAvailable)},
                    {"printer", Json(c.printer)},
+                   {"driver", Json(c.driver)},
                    {"outputFolder", Json(c.outputFolder)},
                    {"outputFolderExists", Json(c.outputFolderExists)},
                    {"locks", Array(c.locks, LockJson)},
                    {"wrongSettings", Array(c.findings, FindingJson)},
-                   {"problems", Array(c.problems, [](const std::string& p) { return Json(p); })},
-                   {"usable", Json(c.problems.empty())}});
+                   {"problems", Strings(c.problems)},
+                   {"warnings", Strings(c.warnings)},
+                   {"limits", Strings(c.limits)},
+                   {"usable", Json(c.Usable())}});
   });
   const HarpSummary& h = report.harp;
   out << Object({{"classes", classes},
+                 {"thingsToFix", std::to_string(report.ThingsToFix())},
                  {"revisionSleeper",
                   Object({{"milliseconds", std::to_string(report.sleeperMilliseconds)},
                           {"origin", Json(report.sleeperOrigin)}})},
@@ -240,8 +265,9 @@ int DoctorMain(const std::vector<std::string>& args, ReviseBackend& backend,
   } else {
     WriteTable(out, report);
   }
+  if (classes.empty()) return report.ThingsToFix() == 0 ? kExitSuccess : kExitRevisionFailed;
   for (const ClassReport& c : report.classes) {
-    if (!classes.empty() && !c.problems.empty()) return kExitRevisionFailed;
+    if (!c.Usable()) return kExitRevisionFailed;
   }
   return kExitSuccess;
 }
@@ -268,7 +294,14 @@ int LocksMain(const std::vector<std::string>& args, std::ostream& out, std::ostr
   int status = kExitSuccess;
   for (const LockReport& lock : locks) {
     WriteLockLine(out, lock);
-    if (!removeStale || lock.state != "stale") continue;
+    if (lock.state != "stale") {
+      out << "    fix: " << LockFix(lock) << '\n';
+      continue;
+    }
+    if (!removeStale) {
+      out << "    fix: --remove-stale removes it\n";
+      continue;
+    }
     if (const auto error = Attempt([&] { platform::DeleteFileWithForce(lock.path, false); })) {
       out << "    not removed: " << error->description << '\n';
       status = kExitRevisionFailed;

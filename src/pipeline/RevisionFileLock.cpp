@@ -26,8 +26,6 @@ constexpr int32_t kCriticalOk = 16;
 // A run that is just starting writes its lock within this time.
 constexpr int64_t kNewLockSeconds = 2;
 constexpr uint32_t kNewLockWait = 2000;
-// 1000 hours: a lock this old was left by a run that died.
-constexpr int64_t kStaleLockSeconds = 3600000;
 
 void Debug(const std::string& line) {
   if (PPMLevelDebug()) DebugTrace(line);

@@ -54,6 +54,8 @@ RevisionLockFile ReadRevisionLock(const std::string& path);
 // starting: the check waits 2 s and judges a lock still there as live),
 // live, or stale (1000 hours or more: deleted, printing goes on).
 enum class LockAge { kNew, kLive, kStale };
+// 1000 hours: a lock this old was left by a run that died.
+inline constexpr int64_t kStaleLockSeconds = 3600000;
 LockAge JudgeLockAge(int64_t ageSeconds);
 
 // The lock files of folder (without trailing "\"), full names in the

@@ -132,7 +132,7 @@ TEST_F(Doctor, NamesEachWrongSettingWithItsKeyFoundAndNeededValue) {
     EXPECT_EQ(r.problems.empty(), c.expected.empty());
     std::ostringstream table;
     WriteTable(table, report);
-    EXPECT_EQ(table.str().find("Nothing is wrong.") != std::string::npos, c.expected.empty());
+    EXPECT_EQ(table.str().find("Nothing is wrong:") != std::string::npos, c.expected.empty());
     EXPECT_EQ(r.printer, c.cls == std::string("AdobePDF") ? "Adobe PDF" : "pdfFactory");
     Dword(platform::kHKeyLocalMachine, kAdobeKey + "\\PrinterDriverData", "ViewPrintOutput", 0);
     Dword(platform::kHKeyLocalMachine, kAdobeKey + "\\DsSpooler", "printKeepPrintedJobs", 0);

@@ -24,6 +24,7 @@ constexpr const char* kPrintersKey =
     "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Print\\Printers\\";
 constexpr const char* kDriverData = "\\PrinterDriverData";
 constexpr const char* kAllUsers = "All Users";
+constexpr const char* kDistiller5Key = "SOFTWARE\\Adobe\\Acrobat Distiller\\5.0";
 // The pattern a port ends in ("*.pdf"), cut off to leave the folder.
 constexpr size_t kPatternLength = 5;
 
@@ -220,8 +221,14 @@ std::string GetArcobatPrnOutputDirectory(const std::string& printerName) {
 
 bool IsAcrbVer5() {
   return Procedure(kGlobalsLabel, "Function IsAcrbVer5").Guard(false, [] {
-    return ExistKey(kHKeyLocalMachine, "SOFTWARE\\Adobe\\Acrobat Distiller\\5.0");
+    return ExistKey(kHKeyLocalMachine, kDistiller5Key);
   });
+}
+
+std::optional<SettingFinding> AcrobatDistiller5Finding() {
+  if (IsAcrbVer5()) return std::nullopt;
+  return SettingFinding{std::string("HKEY_LOCAL_MACHINE\\") + kDistiller5Key, "(key)",
+                        kMissingSetting, "the key Acrobat Distiller 5.0 installs"};
 }
 
 void SetAcrobatPDFWriterOutput(const std::string& outputFile) {

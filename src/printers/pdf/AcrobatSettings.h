@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,9 @@ std::string GetArcobatPrnOutputDirectory(const std::string& printerName);
 
 // Acrobat Distiller 5.0 is installed.
 bool IsAcrbVer5();
+// Its missing key as a finding (AcrobatDistiller's InitPrnSettings needs
+// it); nullopt when installed.
+std::optional<SettingFinding> AcrobatDistiller5Finding();
 
 // Names the PDFWriter's next output file in its INI file.
 void SetAcrobatPDFWriterOutput(const std::string& outputFile);
