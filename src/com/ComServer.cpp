@@ -30,15 +30,18 @@ const std::vector<kestrivon::comkit::ClassEntry>& Classes() {
 
 }  // namespace
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/) {
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved) {
   switch (reason) {
     case DLL_PROCESS_ATTACH:
       kestrivon::comkit::SetModuleHandle(instance);
       break;
     case DLL_PROCESS_DETACH:
-      // The run time's destructors run after this; from now on the host's
+      // The run time's destructors run after this. At process exit
+      // (reserved set) the host's DLLs may be gone already: the host's
       // objects that the component still holds are dropped, not released.
-      kestrivon::comkit::MarkUnloading();
+      // Unloaded while the process goes on (CoFreeUnusedLibraries) they are
+      // released, so that the host's servers can unload in turn.
+      if (reserved != nullptr) kestrivon::comkit::MarkUnloading();
       break;
     default:
       break;
