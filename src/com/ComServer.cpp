@@ -10,6 +10,9 @@
 #include "comkit/ComPtr.h"
 #include "comkit/Object.h"
 #include "comkit/Server.h"
+#include "frame/trace/Trace.h"
+#include "pipeline/PrintJobDriver.h"
+#include "pipeline/PrnDevice.h"
 
 namespace {
 
@@ -30,18 +33,15 @@ const std::vector<kestrivon::comkit::ClassEntry>& Classes() {
 
 }  // namespace
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved) {
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/) {
   switch (reason) {
     case DLL_PROCESS_ATTACH:
       kestrivon::comkit::SetModuleHandle(instance);
       break;
     case DLL_PROCESS_DETACH:
-      // The run time's destructors run after this. At process exit
-      // (reserved set) the host's DLLs may be gone already: the host's
+      // The run time's destructors run after this; from now on the host's
       // objects that the component still holds are dropped, not released.
-      // Unloaded while the process goes on (CoFreeUnusedLibraries) they are
-      // released, so that the host's servers can unload in turn.
-      if (reserved != nullptr) kestrivon::comkit::MarkUnloading();
+      kestrivon::comkit::MarkUnloading();
       break;
     default:
       break;
@@ -54,7 +54,18 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID riid, LPVOID* factory) {
       [&] { return kestrivon::comkit::GetClassObject(Classes(), clsid, riid, factory); });
 }
 
-STDAPI DllCanUnloadNow() { return kestrivon::comkit::CanUnload() ? S_OK : S_FALSE; }
+STDAPI DllCanUnloadNow() {
+  if (!kestrivon::comkit::CanUnload()) return S_FALSE;
+  // COM unloads the DLL after this answer. The host's process-wide objects
+  // (trace service, instance monitor, UI policy, file helper) go back now,
+  // in the apartment that made them and while the host's servers are surely
+  // loaded; at detach they could only be dropped. A printer made before the
+  // unload after all makes them afresh.
+  kestrivon::ResetTraceStateForReload();
+  kestrivon::ResetUIPolicyForReload();
+  kestrivon::ResetDocumentFileHelperForReload();
+  return S_OK;
+}
 
 STDAPI DllRegisterServer() { return kestrivon::com::RegisterServer(); }
 
