@@ -12,8 +12,8 @@
 #include "comkit/Server.h"
 #include "hostkit/com/DocumentObjects.h"
 #include "hostkit/com/HostObjects.h"
-#include "hostkit/com/WorksetObjects.h"
 #include "hostkit/com/PrintWorldObjects.h"
+#include "hostkit/com/WorksetObjects.h"
 
 namespace kestrivon::hostkit::com {
 namespace {
@@ -86,6 +86,10 @@ extern "C" HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID clsid, REFIID riid,
 }
 
 extern "C" HRESULT STDAPICALLTYPE DllCanUnloadNow() { return comkit::CanUnload() ? S_OK : S_FALSE; }
+
+// How many of the DLL's objects are alive: after a revision and its release
+// vemra-revise.exe expects none, and names the count of those leaked.
+extern "C" LONG STDAPICALLTYPE VemraHostKitLiveObjects() { return comkit::LiveObjects(); }
 
 extern "C" HRESULT STDAPICALLTYPE DllRegisterServer() { return comkit::Answered(&RegisterServer); }
 

@@ -31,13 +31,14 @@ std::optional<int32_t> SimInstanceMonitor::Counter(const std::string& name) cons
   return *it->second;
 }
 
-void SimInstanceMonitor::LogCounters() {
+std::map<std::string, int32_t> SimInstanceMonitor::LogCounters() {
   std::map<std::string, int32_t> values;
   {
     std::lock_guard lock(mutex_);
     for (const auto& [name, counter] : counters_) values[name] = *counter;
   }
   for (const auto& [name, value] : values) log_->Append("COUNTER", {name, std::to_string(value)});
+  return values;
 }
 
 }  // namespace kestrivon::hostkit

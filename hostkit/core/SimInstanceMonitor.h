@@ -24,8 +24,9 @@ class SimInstanceMonitor final : public host::InstanceMonitor {
 
   // The live value of a registered counter.
   [[nodiscard]] std::optional<int32_t> Counter(const std::string& name) const;
-  // One COUNTER entry per registered counter with its live value.
-  void LogCounters();
+  // One COUNTER entry per registered counter with its live value; the
+  // values logged, by name.
+  std::map<std::string, int32_t> LogCounters();
 
  private:
   std::shared_ptr<TraceLog> log_;

@@ -118,7 +118,8 @@ Message boxes and message-pack entries of the run are listed after it.
 
 Exit status: 0 when DoPrint (and AppendFile) answered True, 1 when one of
 them answered False or failed, 2 for bad arguments or an unknown class,
-3 when the class could not be created.
+3 when the class could not be created, 4 when objects outlived the release
+(the component's DLL cannot unload, host kit objects are still alive).
 )";
   return text;
 }

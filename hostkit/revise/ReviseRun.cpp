@@ -148,9 +148,15 @@ int RunRevision(std::string_view program, const ReviseOptions& options, ReviseBa
 
   created.session.reset();
   out << "Released\n";
-  backend.Released();
+  const ReviseBackend::ReleaseCheck release = backend.Released();
+  for (const auto& line : release.shown) out << line << '\n';
   ListMessages(out, log.Path(), logBefore);
 
+  if (!release.leaks.empty()) {
+    for (const auto& leak : release.leaks) err << "vemra-revise: leaked: " << leak << '\n';
+    out << "Revision failed: objects outlived the release\n";
+    return kExitLeaked;
+  }
   if (!printed) {
     out << "Revision failed: DoPrint did not answer True\n";
     return kExitRevisionFailed;

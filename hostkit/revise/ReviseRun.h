@@ -46,8 +46,14 @@ class ReviseBackend {
   };
   virtual Created Create(const std::string& printerClass) = 0;
 
+  // What the release left alive: lines to show, and a line for each leak
+  // (whatever keeps the component's DLL loaded, host objects still alive).
+  struct ReleaseCheck {
+    std::vector<std::string> shown;
+    std::vector<std::string> leaks;
+  };
   // After the printer has been released.
-  virtual void Released() {}
+  virtual ReleaseCheck Released() { return {}; }
 };
 
 // Lists the message boxes (MSGBOX) and message-pack entries (MESSAGE) that
@@ -58,6 +64,8 @@ inline constexpr int kExitSuccess = 0;
 inline constexpr int kExitRevisionFailed = 1;
 inline constexpr int kExitUsage = 2;
 inline constexpr int kExitNotCreated = 3;
+// The revision ran, but objects outlived the release.
+inline constexpr int kExitLeaked = 4;
 
 // The whole command: arguments, environment, the calling order, the answers.
 int ReviseMain(std::string_view program, const std::vector<std::string>& args,

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "revise/ReviseOptions.h"
+#include "revise/ReviseRun.h"
 
 namespace kestrivon::hostkit::revise {
 namespace {
@@ -77,6 +80,53 @@ TEST(ReviseOptions, TheArchiveIsFolderBackslashNameExtension) {
   EXPECT_EQ(ArchiveName(options, ".PDF"), "C:\\Rev\\A-100.PDF");
   options.revisionFolder = "C:\\Rev\\";
   EXPECT_EQ(ArchiveName(options, "NoFile"), "C:\\Rev\\A-100NoFile");
+}
+
+// A printer that answers every call True; its release leaves alive what
+// the backend is told. The trace log is the default one: no variable is set.
+class Answering final : public PrinterSession {
+ public:
+  std::string Extension() override { return ".PDF"; }
+  int32_t Version() override { return 1; }
+  bool InitPrnSettings() override { return true; }
+  std::string CheckPrnSettings() override { return {}; }
+  bool IsPrinterAvailable() override { return true; }
+  bool SetPrnDefaults() override { return true; }
+  bool DoPrint(const std::string&, const std::string&) override { return true; }
+  bool AppendFile(const std::string&, const std::string&) override { return true; }
+};
+class Leaving final : public ReviseBackend {
+ public:
+  explicit Leaving(ReleaseCheck check) : check_(std::move(check)) {}
+  void SetVariable(const std::string&, const std::string&) override {}
+  Created Create(const std::string&) override {
+    return {std::make_unique<Answering>(), CreateFailure::kNone, "Test.Printer", {}};
+  }
+  ReleaseCheck Released() override { return check_; }
+
+ private:
+  ReleaseCheck check_;
+};
+
+TEST(ReviseRun, ObjectsOutlivingTheReleaseFailTheRevision) {
+  struct Case {
+    ReviseBackend::ReleaseCheck check;
+    int exit;
+    std::string end, err;
+  };
+  for (const Case& c :
+       {Case{{{"Host kit objects alive -> 0"}, {}}, kExitSuccess, "Revision done\n", ""},
+        Case{{{"Host kit objects alive -> 2"}, {"2 host kit objects still alive"}},
+             kExitLeaked,
+             "Revision failed: objects outlived the release\n",
+             "vemra-revise: leaked: 2 host kit objects still alive\n"}}) {
+    Leaving backend(c.check);
+    std::ostringstream out, err;
+    EXPECT_EQ(ReviseMain("vemra-revise", {"X", "--folder", "F", "--name", "N"}, backend, out, err),
+              c.exit);
+    EXPECT_TRUE(out.str().ends_with("Released\n" + c.check.shown[0] + "\n" + c.end)) << out.str();
+    EXPECT_EQ(err.str(), c.err);
+  }
 }
 
 }  // namespace

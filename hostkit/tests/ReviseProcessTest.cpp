@@ -91,6 +91,7 @@ TEST_F(VemraRevise, RunsANoFileRevisionInTheHostsOrder) {
                          "SetPrnDefaults -> True\n"
                          "DoPrint -> True\n"
                          "Released\n"
+                         "Counter Kestrivan.InstanceCount -> 0\n"
                          "Revision done\n");
   EXPECT_EQ(Traces(), Fields{kDoPrintLine});
   EXPECT_TRUE(std::filesystem::is_empty(dir / "rev"));

@@ -10,6 +10,9 @@
 #include "comkit/ComPtr.h"
 #include "comkit/Object.h"
 #include "comkit/Server.h"
+#include "frame/trace/Trace.h"
+#include "pipeline/PrintJobDriver.h"
+#include "pipeline/PrnDevice.h"
 
 namespace {
 
@@ -51,7 +54,18 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID riid, LPVOID* factory) {
       [&] { return kestrivon::comkit::GetClassObject(Classes(), clsid, riid, factory); });
 }
 
-STDAPI DllCanUnloadNow() { return kestrivon::comkit::CanUnload() ? S_OK : S_FALSE; }
+STDAPI DllCanUnloadNow() {
+  if (!kestrivon::comkit::CanUnload()) return S_FALSE;
+  // COM unloads the DLL after this answer. The host's process-wide objects
+  // (trace service, instance monitor, UI policy, file helper) go back now,
+  // in the apartment that made them and while the host's servers are surely
+  // loaded; at detach they could only be dropped. A printer made before the
+  // unload after all makes them afresh.
+  kestrivon::ResetTraceStateForReload();
+  kestrivon::ResetUIPolicyForReload();
+  kestrivon::ResetDocumentFileHelperForReload();
+  return S_OK;
+}
 
 STDAPI DllRegisterServer() { return kestrivon::com::RegisterServer(); }
 

@@ -74,6 +74,7 @@ void LockModule(bool lock) noexcept {
   }
 }
 bool CanUnload() noexcept { return liveObjects == 0 && locks == 0; }
+long LiveObjects() noexcept { return liveObjects; }
 
 HRESULT LoadOwnTypeLib(int resource, ITypeLib** lib) {
   if (lib == nullptr) return E_POINTER;

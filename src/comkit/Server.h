@@ -21,6 +21,8 @@ void ObjectCreated() noexcept;
 void ObjectDestroyed() noexcept;
 void LockModule(bool lock) noexcept;
 [[nodiscard]] bool CanUnload() noexcept;
+// The objects alive now (class factories are not counted).
+[[nodiscard]] long LiveObjects() noexcept;
 
 // The type library embedded as TYPELIB resource number `resource`.
 HRESULT LoadOwnTypeLib(int resource, ITypeLib** lib);

@@ -75,9 +75,18 @@ class NativeBackend final : public revise::ReviseBackend {
   }
 
   // The component keeps its counter registered; its value after the release
-  // shows whether every object was let go.
-  void Released() override {
-    if (kit_) kit_->instanceMonitor->LogCounters();
+  // shows whether every object was let go, as DllCanUnloadNow would.
+  ReleaseCheck Released() override {
+    ReleaseCheck check;
+    if (!kit_) return check;
+    for (const auto& [name, value] : kit_->instanceMonitor->LogCounters()) {
+      check.shown.push_back("Counter " + name + " -> " + std::to_string(value));
+      if (value != 0) {
+        check.leaks.push_back(name + " is " + std::to_string(value) +
+                              " after the release: component objects still alive");
+      }
+    }
+    return check;
   }
 
  private:

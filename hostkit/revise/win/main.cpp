@@ -203,11 +203,65 @@ class ComBackend final : public revise::ReviseBackend {
       return {nullptr, CreateFailure::kNotCreated, progId,
               "'" + progId + "' could not be created as a revision printer (" + Hex(hr) + ")"};
     }
+    // The DLL whose code the object runs: the one that must be able to unload.
+    ::GetModuleHandleExW(
+        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+        *reinterpret_cast<LPCWSTR*>(printer), &component_);
     return {std::make_unique<ComSession>(printer), CreateFailure::kNone, progId, {}};
   }
 
+  // The component keeps the host's process-wide objects (trace service,
+  // instance monitor, file helper) until it is unloaded. So: its
+  // DllCanUnloadNow must answer S_OK; then COM unloads it, as the host's
+  // idle time does; then the host kit must have no object left.
+  ReleaseCheck Released() override {
+    ReleaseCheck check;
+    // Pinned, so that COM's unload of what answers S_OK leaves it to be asked.
+    HMODULE hostKit = nullptr;
+    ::GetModuleHandleExW(0, L"VemraHostKit.dll", &hostKit);
+    const auto canUnload = Export<HRESULT(STDAPICALLTYPE*)()>(component_, "DllCanUnloadNow");
+    if (canUnload != nullptr) {
+      const HRESULT hr = canUnload();
+      const std::string answer = hr == S_OK ? "S_OK" : hr == S_FALSE ? "S_FALSE" : Hex(hr);
+      const std::wstring path = ModulePath(component_);
+      const std::string dll = Utf8(path.substr(path.find_last_of(L"\\/") + 1).c_str());
+      check.shown.push_back("DllCanUnloadNow of " + dll + " -> " + answer);
+      if (hr == S_OK) {
+        ::CoFreeUnusedLibrariesEx(0, 0);
+        const bool unloaded = ::GetModuleHandleW(path.c_str()) == nullptr;
+        check.shown.push_back(dll + (unloaded ? " unloaded" : " still loaded"));
+        if (!unloaded) check.leaks.push_back(dll + " answered S_OK but COM did not unload it");
+      } else {
+        check.leaks.push_back(dll + " cannot unload: DllCanUnloadNow answered " + answer);
+      }
+    }
+    if (const auto live = Export<LONG(STDAPICALLTYPE*)()>(hostKit, "VemraHostKitLiveObjects")) {
+      const LONG count = live();
+      check.shown.push_back("Host kit objects alive -> " + std::to_string(count));
+      if (count != 0) {
+        check.leaks.push_back(std::to_string(count) + " host kit object" + (count == 1 ? "" : "s") +
+                              " still alive after the release");
+      }
+    }
+    if (hostKit != nullptr) ::FreeLibrary(hostKit);
+    return check;
+  }
+
  private:
+  template <class Function>
+  static Function Export(HMODULE module, const char* name) {
+    if (module == nullptr) return nullptr;
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(module, name)));
+  }
+
+  static std::wstring ModulePath(HMODULE module) {
+    wchar_t path[MAX_PATH] = {};
+    const DWORD n = ::GetModuleFileNameW(module, path, MAX_PATH);
+    return std::wstring(path, n);
+  }
+
   bool initialised_;
+  HMODULE component_ = nullptr;
 };
 
 }  // namespace
