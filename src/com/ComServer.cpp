@@ -31,6 +31,15 @@ const std::vector<kestrivon::comkit::ClassEntry>& Classes() {
   return classes;
 }
 
+// The host's process-wide objects the component keeps between printers:
+// the trace service, instance monitor, UI policy and file helper. A printer
+// made before the unload after all makes them afresh.
+void ReleaseProcessWideHostObjects() {
+  kestrivon::ResetTraceStateForReload();
+  kestrivon::ResetUIPolicyForReload();
+  kestrivon::ResetDocumentFileHelperForReload();
+}
+
 }  // namespace
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/) {
@@ -54,18 +63,7 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID riid, LPVOID* factory) {
       [&] { return kestrivon::comkit::GetClassObject(Classes(), clsid, riid, factory); });
 }
 
-STDAPI DllCanUnloadNow() {
-  if (!kestrivon::comkit::CanUnload()) return S_FALSE;
-  // COM unloads the DLL after this answer. The host's process-wide objects
-  // (trace service, instance monitor, UI policy, file helper) go back now,
-  // in the apartment that made them and while the host's servers are surely
-  // loaded; at detach they could only be dropped. A printer made before the
-  // unload after all makes them afresh.
-  kestrivon::ResetTraceStateForReload();
-  kestrivon::ResetUIPolicyForReload();
-  kestrivon::ResetDocumentFileHelperForReload();
-  return S_OK;
-}
+STDAPI DllCanUnloadNow() { return kestrivon::comkit::CanUnloadNow(ReleaseProcessWideHostObjects); }
 
 STDAPI DllRegisterServer() { return kestrivon::com::RegisterServer(); }
 

@@ -74,6 +74,17 @@ void LockModule(bool lock) noexcept {
   }
 }
 bool CanUnload() noexcept { return liveObjects == 0 && locks == 0; }
+HRESULT CanUnloadNow(void (*beforeUnload)()) noexcept {
+  if (!CanUnload()) return S_FALSE;
+  if (beforeUnload != nullptr) {
+    const HRESULT released = Answered([&] {
+      beforeUnload();
+      return S_OK;
+    });
+    if (FAILED(released)) return S_FALSE;
+  }
+  return S_OK;
+}
 long LiveObjects() noexcept { return liveObjects; }
 
 HRESULT LoadOwnTypeLib(int resource, ITypeLib** lib) {

@@ -21,6 +21,11 @@ void ObjectCreated() noexcept;
 void ObjectDestroyed() noexcept;
 void LockModule(bool lock) noexcept;
 [[nodiscard]] bool CanUnload() noexcept;
+// DllCanUnloadNow's answer. When it is S_OK, COM unloads the DLL next:
+// `beforeUnload` first gives back what the DLL holds of other servers, in
+// the apartment that made it and while those servers are surely loaded (at
+// detach it could only be dropped).
+[[nodiscard]] HRESULT CanUnloadNow(void (*beforeUnload)()) noexcept;
 // The objects alive now (class factories are not counted).
 [[nodiscard]] long LiveObjects() noexcept;
 
