@@ -118,7 +118,8 @@ Options:
                          (VEMRA_FAULTS)
   --help                 this text
 
-Message boxes and message-pack entries of the run are listed after it.
+Message boxes, message-pack entries, planned faults (struck or not) and errors
+reported in the run are listed after it.
 
 Exit status: 0 when DoPrint (and AppendFile) answered True, 1 when one of
 them answered False or failed, 2 for bad arguments or an unknown class,
