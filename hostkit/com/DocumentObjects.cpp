@@ -59,9 +59,9 @@ HRESULT ToVariant(const kestrivon::Variant& value, VARIANT* result) {
 }
 
 // An object reached only late-bound, answering objects by name.
-class LateBound : public comkit::NamedObject {
+class LateBound : public PlannedObject {
  protected:
-  using NamedObject::NamedObject;
+  using PlannedObject::PlannedObject;
   static HRESULT ReturnObject(const ComPtr<IDispatch>& object, VARIANT* result) {
     if (result == nullptr) return S_OK;
     V_VT(result) = VT_DISPATCH;
@@ -94,7 +94,9 @@ class LateBound : public comkit::NamedObject {
 class MessageEntryObject final : public LateBound {
  public:
   explicit MessageEntryObject(std::shared_ptr<host::MessageEntry> entry)
-      : LateBound({L"VemraObject", L"Description"}), entry_(std::move(entry)) {}
+      : LateBound({L"VemraObject", L"Description"},
+                  {"MessageEntry.VemraObject", "MessageEntry.Description"}),
+        entry_(std::move(entry)) {}
 
  protected:
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
@@ -132,7 +134,7 @@ class MessageEntryObject final : public LateBound {
 class MessagePackObject final : public LateBound {
  public:
   explicit MessagePackObject(std::shared_ptr<portable::MessagePackObject> pack)
-      : LateBound({L"AddNew", L"Count"}), pack_(std::move(pack)) {}
+      : LateBound({L"AddNew", L"Count"}, {"MessagePack.AddNew", nullptr}), pack_(std::move(pack)) {}
 
  protected:
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS&, VARIANT* result) override {
@@ -152,11 +154,12 @@ class MessagePackObject final : public LateBound {
   std::shared_ptr<portable::MessagePackObject> pack_;
 };
 
-// Holds one object and answers it for one member name.
+// Holds one object and answers it for one member name, the host call
+// named call.
 class Holder final : public LateBound {
  public:
-  Holder(const wchar_t* member, ComPtr<IDispatch> held)
-      : LateBound({member}), held_(std::move(held)) {}
+  Holder(const wchar_t* member, const char* call, ComPtr<IDispatch> held)
+      : LateBound({member}, {call}), held_(std::move(held)) {}
 
  protected:
   HRESULT Call(DISPID, WORD flags, const DISPPARAMS&, VARIANT* result) override {
@@ -173,7 +176,9 @@ class Holder final : public LateBound {
 class OptionSetObject final : public LateBound {
  public:
   explicit OptionSetObject(std::shared_ptr<portable::OptionSetObject> options)
-      : LateBound({L"Exist", L"ShowRevisionMessages", L"Item"}), options_(std::move(options)) {}
+      : LateBound({L"Exist", L"ShowRevisionMessages", L"Item"},
+                  {"OptionSet.Exist", "OptionSet.Option", "OptionSet.Option"}),
+        options_(std::move(options)) {}
 
  protected:
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
@@ -194,7 +199,8 @@ class OptionSetObject final : public LateBound {
 class SettingsObject final : public LateBound {
  public:
   explicit SettingsObject(std::shared_ptr<portable::SettingsObject> settings)
-      : LateBound({L"Exist", L"Item"}, 2), settings_(std::move(settings)) {}
+      : LateBound({L"Exist", L"Item"}, {"Settings.Exist", "Settings.Item"}, 2),
+        settings_(std::move(settings)) {}
 
  protected:
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
@@ -234,21 +240,25 @@ class OwnerObject final : public DualObject<IVemraOwner> {
   explicit OwnerObject(const std::shared_ptr<portable::OwnerObject>& owner)
       : owner_(owner),
         options_(Make<OptionSetObject>(owner->options)),
-        environment_(Make<Holder>(
-            L"Device", Make<Holder>(L"CurrentMessagePack",
-                                    Make<MessagePackObject>(owner->environment->messagePack)))),
+        environment_(
+            Make<Holder>(L"Device", nullptr,
+                         Make<Holder>(L"CurrentMessagePack", "Environment.CurrentMessagePack",
+                                      Make<MessagePackObject>(owner->environment->messagePack)))),
         user_(WrapVemraObject(
             std::dynamic_pointer_cast<portable::DocumentObject>(owner->currentUser))) {
     HoldObject(static_cast<IVemraOwner*>(this), owner_);
   }
   ~OwnerObject() override { DropObject(static_cast<IVemraOwner*>(this)); }
   HRESULT STDMETHODCALLTYPE get_Environment(IDispatch** environment) override {
+    if (const auto hr = Injected("Owner.Environment", environment)) return *hr;
     return HandOut(environment_, environment);
   }
   HRESULT STDMETHODCALLTYPE get_CurrentUser(IDispatch** user) override {
+    if (const auto hr = Injected("Owner.CurrentUser", user)) return *hr;
     return HandOut(user_, user);
   }
   HRESULT STDMETHODCALLTYPE get_Options(IDispatch** options) override {
+    if (const auto hr = Injected("Owner.Options", options)) return *hr;
     return HandOut(options_, options);
   }
   RESERVED(7)
@@ -314,25 +324,35 @@ class DocumentObject final : public DualObject<IVemraObject, IVemraDocument> {
   HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID riid, LCID lcid, WORD flags,
                                    DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception,
                                    UINT* argError) override {
-    if (id == kPrintSettingsId) return S_OK;  // Empty
-    if (id != kWorksetId) {
+    if (id != kWorksetId && id != kPrintSettingsId) {
       return DualObject::Invoke(id, riid, lcid, flags, params, result, exception, argError);
     }
-    if (result == nullptr) return S_OK;
+    if (result != nullptr) ::VariantInit(result);
+    // The workset is reached for its settings (or application).
+    if (const auto hr = Injected(
+            id == kWorksetId ? "Document.WorksetSettings" : "Document.PrintSettings", result)) {
+      return *hr;
+    }
+    if (id == kPrintSettingsId || result == nullptr) return S_OK;  // PrintSettings: Empty
     V_VT(result) = VT_DISPATCH;
     V_DISPATCH(result) = nullptr;
     if (!document_->settings) return S_OK;
     return comkit::Answered([&] {
-      return HandOut(Make<Holder>(L"Settings", Make<SettingsObject>(document_->settings)),
+      return HandOut(Make<Holder>(L"Settings", nullptr, Make<SettingsObject>(document_->settings)),
                      &V_DISPATCH(result));
     });
   }
 
-  HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) override { return HandOut(document_->name, name); }
+  HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) override {
+    if (const auto hr = Injected("VemraObject.Name")) return *hr;
+    return HandOut(document_->name, name);
+  }
   HRESULT STDMETHODCALLTYPE get_Title(BSTR* title) override {
+    if (const auto hr = Injected("VemraObject.Title")) return *hr;
     return HandOut(document_->title, title);
   }
   HRESULT STDMETHODCALLTYPE get_Owner(IDispatch** owner) override {
+    if (const auto hr = Injected("VemraObject.Owner", owner)) return *hr;
     if (owner == nullptr) return E_POINTER;
     *owner = nullptr;
     return comkit::Answered([&] {
@@ -342,17 +362,21 @@ class DocumentObject final : public DualObject<IVemraObject, IVemraDocument> {
     });
   }
   HRESULT STDMETHODCALLTYPE get_DocumentName(BSTR* name) override {
+    if (const auto hr = Injected("VemraObject.DocumentName")) return *hr;
     return HandOut(document_->documentName, name);
   }
   HRESULT STDMETHODCALLTYPE get_SystemType(long* systemType) override {
+    if (const auto hr = Injected("VemraObject.SystemType")) return *hr;
     if (systemType == nullptr) return E_POINTER;
     *systemType = document_->systemType;
     return S_OK;
   }
   HRESULT STDMETHODCALLTYPE get_Number(BSTR* number) override {
+    if (const auto hr = Injected("VemraObject.Number")) return *hr;
     return HandOut(document_->number, number);
   }
   HRESULT STDMETHODCALLTYPE get_TypeObject(IDispatch** type) override {
+    if (const auto hr = Injected("Document.TypeObject", type)) return *hr;
     if (type == nullptr) return E_POINTER;
     *type = nullptr;
     return comkit::Answered([&] {

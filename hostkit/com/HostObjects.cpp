@@ -37,9 +37,6 @@ class HostObject : public comkit::DualObject<Interface, kHostServicesLib, ISuppo
   }
 };
 
-// A use of the host call that VEMRA_FAULTS may plan to fail.
-void Fault(const char* call) { host::portable::HostCall(call); }
-
 #define KESTRIVON_RESERVED(n) \
   HRESULT STDMETHODCALLTYPE Reserved##n() override { return E_NOTIMPL; }
 
@@ -84,8 +81,8 @@ class TraceServiceObject final : public HostObject<ITraceService> {
  public:
   HRESULT STDMETHODCALLTYPE LogError(IDispatch** error, BSTR* classLabel,
                                      BSTR* procedureLabel) override {
+    if (const auto hr = Injected("TraceService.LogError")) return *hr;
     return Answer([&] {
-      Fault("TraceService.LogError");
       Kit().traceService->LogError(ReadErrorObject(error ? *error : nullptr),
                                    classLabel ? Utf8(*classLabel) : std::string(),
                                    procedureLabel ? Utf8(*procedureLabel) : std::string());
@@ -94,63 +91,56 @@ class TraceServiceObject final : public HostObject<ITraceService> {
 
   // The host kit's application and its workset, the only named object.
   HRESULT STDMETHODCALLTYPE get_Application(IDispatch** app) override {
+    if (const auto hr = Injected("TraceService.Application", app)) return *hr;
     return KitApplication(app);
   }
   HRESULT STDMETHODCALLTYPE GetObject(BSTR name, IDispatch** obj) override {
+    if (const auto hr = Injected("TraceService.GetObject", obj)) return *hr;
     if (obj == nullptr) return E_POINTER;
     *obj = nullptr;
     if (name == nullptr || std::wstring_view(name) != L"Workset") return S_OK;
     return KitWorkset(obj);
   }
   HRESULT STDMETHODCALLTYPE get_ApplicationPathKey(BSTR* key) override {
+    if (const auto hr = Injected("TraceService.ApplicationPathKey")) return *hr;
     if (key == nullptr) return E_POINTER;
     *key = nullptr;
-    return Answer([&] {
-      Fault("TraceService.ApplicationPathKey");
-      *key = NewBstr(std::wstring_view());
-    });
+    return Answer([&] { *key = NewBstr(std::wstring_view()); });
   }
 
   HRESULT STDMETHODCALLTYPE ResolveText(BSTR text, BSTR* resolved) override {
+    if (const auto hr = Injected("TraceService.ResolveText")) return *hr;
     if (resolved == nullptr) return E_POINTER;
     *resolved = nullptr;
-    return Answer([&] {
-      Fault("TraceService.ResolveText");
-      *resolved = NewBstr(Kit().traceService->ResolveText(Utf8(text)));
-    });
+    return Answer([&] { *resolved = NewBstr(Kit().traceService->ResolveText(Utf8(text))); });
   }
 
   HRESULT STDMETHODCALLTYPE CurrentTicks(LONG* ticks) override {
+    if (const auto hr = Injected("TraceService.CurrentTicks")) return *hr;
     if (ticks == nullptr) return E_POINTER;
-    return Answer([&] {
-      Fault("TraceService.CurrentTicks");
-      *ticks = Kit().traceService->CurrentTicks();
-    });
+    return Answer([&] { *ticks = Kit().traceService->CurrentTicks(); });
   }
 
   HRESULT STDMETHODCALLTYPE WriteTrace(BSTR line) override {
-    return Answer([&] {
-      Fault("TraceService.WriteTrace");
-      Kit().traceService->WriteTrace(Utf8(line));
-    });
+    if (const auto hr = Injected("TraceService.WriteTrace")) return *hr;
+    return Answer([&] { Kit().traceService->WriteTrace(Utf8(line)); });
   }
 
   HRESULT STDMETHODCALLTYPE ShowMessageBox(BSTR prompt, LONG buttons, BSTR title,
                                            VARIANT /*helpFile*/, VARIANT /*helpContext*/,
                                            LONG* answer) override {
+    if (const auto hr = Injected("TraceService.ShowMessageBox")) return *hr;
     if (answer == nullptr) return E_POINTER;
-    return Answer([&] {
-      Fault("TraceService.ShowMessageBox");
-      *answer = Kit().traceService->ShowMessageBox(Utf8(prompt), buttons, Utf8(title));
-    });
+    return Answer(
+        [&] { *answer = Kit().traceService->ShowMessageBox(Utf8(prompt), buttons, Utf8(title)); });
   }
 
   HRESULT STDMETHODCALLTYPE CopyFile(BSTR source, BSTR target, VARIANT_BOOL overwrite,
                                      VARIANT_BOOL* copied) override {
+    if (const auto hr = Injected("TraceService.CopyFile")) return *hr;
     if (copied == nullptr) return E_POINTER;
     *copied = VARIANT_FALSE;
     return Answer([&] {
-      Fault("TraceService.CopyFile");
       const bool done =
           Kit().traceService->CopyFile(Utf8(source), Utf8(target), overwrite != VARIANT_FALSE);
       *copied = done ? VARIANT_TRUE : VARIANT_FALSE;
@@ -209,20 +199,18 @@ class TraceServiceObject final : public HostObject<ITraceService> {
 class InstanceMonitorObject final : public HostObject<IInstanceMonitor> {
  public:
   HRESULT STDMETHODCALLTYPE RegisterCounter(BSTR name, LONG* counter) override {
+    if (const auto hr = Injected("InstanceMonitor.RegisterCounter")) return *hr;
     static_assert(sizeof(LONG) == sizeof(int32_t), "the component's counters are 32-bit");
     if (counter == nullptr) return E_POINTER;
     return Answer([&] {
-      Fault("InstanceMonitor.RegisterCounter");
       Kit().instanceMonitor->RegisterCounter(Utf8(name), reinterpret_cast<int32_t*>(counter));
     });
   }
 
   HRESULT STDMETHODCALLTYPE GetLevel(LONG* level) override {
+    if (const auto hr = Injected("InstanceMonitor.GetLevel")) return *hr;
     if (level == nullptr) return E_POINTER;
-    return Answer([&] {
-      Fault("InstanceMonitor.GetLevel");
-      *level = Kit().instanceMonitor->GetLevel();
-    });
+    return Answer([&] { *level = Kit().instanceMonitor->GetLevel(); });
   }
 
   KESTRIVON_RESERVED(8)
@@ -236,10 +224,24 @@ class InstanceMonitorObject final : public HostObject<IInstanceMonitor> {
 #undef KESTRIVON_RESERVED
 
 template <class Object>
-HRESULT Create(REFIID riid, void** object) {
+HRESULT Create(std::string_view call, REFIID riid, void** object) {
   // The host kit reads its configuration when its first object is made.
   if (const auto error = Attempt([] { Kit(); })) return HResultOf(*error);
+  if (const auto hr = Injected(call)) return *hr;
   return comkit::CreateObject<Object>(riid, object);
+}
+
+// nullopt, the planned error's HRESULT, or S_OK for a planned Nothing.
+std::optional<HRESULT> Planned(std::string_view call) {
+  bool nothing = false;
+  if (const auto error = Attempt([&] {
+        Kit();  // reads the plan
+        nothing = host::portable::HostCall(call);
+      })) {
+    comkit::SetErrorInfo(IID_NULL, *error, L"VemraHostKit");
+    return HResultOf(*error);
+  }
+  return nothing ? std::optional<HRESULT>(S_OK) : std::nullopt;
 }
 
 }  // namespace
@@ -252,11 +254,40 @@ HostKit& Kit() {
 }
 
 HRESULT CreateTraceService(REFIID riid, void** object) {
-  return Create<TraceServiceObject>(riid, object);
+  return Create<TraceServiceObject>("New.TraceService", riid, object);
 }
 
 HRESULT CreateInstanceMonitor(REFIID riid, void** object) {
-  return Create<InstanceMonitorObject>(riid, object);
+  return Create<InstanceMonitorObject>("New.InstanceMonitor", riid, object);
+}
+
+std::optional<HRESULT> Injected(std::string_view call) { return Planned(call); }
+
+std::optional<HRESULT> Injected(std::string_view call, IDispatch** object) {
+  const auto hr = Planned(call);
+  if (hr == S_OK && object != nullptr) *object = nullptr;
+  return hr;
+}
+
+std::optional<HRESULT> Injected(std::string_view call, VARIANT* object) {
+  const auto hr = Planned(call);
+  if (hr == S_OK && object != nullptr) {
+    ::VariantClear(object);
+    V_VT(object) = VT_DISPATCH;
+    V_DISPATCH(object) = nullptr;
+  }
+  return hr;
+}
+
+HRESULT PlannedObject::Invoke(DISPID id, REFIID riid, LCID lcid, WORD flags, DISPPARAMS* params,
+                              VARIANT* result, EXCEPINFO* exception, UINT* argError) {
+  const DISPID member = id == DISPID_VALUE ? defaultMember_ : id;
+  if (member >= 1 && static_cast<size_t>(member) <= calls_.size() &&
+      calls_[static_cast<size_t>(member - 1)] != nullptr) {
+    if (result != nullptr) ::VariantInit(result);
+    if (const auto hr = Injected(calls_[static_cast<size_t>(member - 1)], result)) return *hr;
+  }
+  return NamedObject::Invoke(id, riid, lcid, flags, params, result, exception, argError);
 }
 
 }  // namespace kestrivon::hostkit::com

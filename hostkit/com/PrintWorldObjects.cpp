@@ -92,16 +92,19 @@ class PrinterObject final : public Standing<IPrinter, host::Printer> {
  public:
   explicit PrinterObject(host::HostObjectRef printer) : Standing(std::move(printer)) {}
   HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) override {
+    if (const auto hr = Injected("IPrinter.Name")) return *hr;
     if (name == nullptr) return E_POINTER;
     *name = nullptr;
     return Answer([&] { *name = NewBstr(portable_->Name()); });
   }
   HRESULT STDMETHODCALLTYPE ReleasePrinter() override {
+    if (const auto hr = Injected("IPrinter.Release")) return *hr;
     return Answer([&] { portable_->ReleasePrinter(); });
   }
   HRESULT STDMETHODCALLTYPE PrepareDevMode(VARIANT_BOOL notHostDocument, LONG reserved,
                                            VARIANT settings, BSTR text,
                                            VARIANT_BOOL* jobStarted) override {
+    if (const auto hr = Injected("IPrinter.PrepareDevMode")) return *hr;
     return Answer([&] {
       const host::HostObjectRef held =
           V_VT(&settings) == VT_DISPATCH ? Argument(V_DISPATCH(&settings)) : nullptr;
@@ -111,10 +114,12 @@ class PrinterObject final : public Standing<IPrinter, host::Printer> {
     });
   }
   HRESULT STDMETHODCALLTYPE EndJob(LONG* result) override {
+    if (const auto hr = Injected("IPrinter.EndJob")) return *hr;
     if (result == nullptr) return E_POINTER;
     return Answer([&] { *result = portable_->EndJob(); });
   }
   HRESULT STDMETHODCALLTYPE get_CurrentStatus(LONG* status) override {
+    if (const auto hr = Injected("IPrinter.CurrentStatus")) return *hr;
     if (status == nullptr) return E_POINTER;
     return Answer([&] { *status = portable_->CurrentStatus(); });
   }
@@ -130,13 +135,16 @@ class DocFctDistObject final : public Standing<IDocFctDist, host::DocFctDist> {
  public:
   DocFctDistObject() : Standing(AsHeld(Factories().docFctDist())) {}
   HRESULT STDMETHODCALLTYPE SetDocument(IDispatch** document) override {
+    if (const auto hr = Injected("DocFctDist.SetDocument")) return *hr;
     if (document == nullptr) return E_POINTER;
     return Answer([&] { portable_->SetDocument(Argument(*document)); });
   }
   HRESULT STDMETHODCALLTYPE ReleaseDocument() override {
+    if (const auto hr = Injected("DocFctDist.ReleaseDocument")) return *hr;
     return Answer([&] { portable_->ReleaseDocument(); });
   }
   HRESULT STDMETHODCALLTYPE Printdirect(IDispatch* printer, VARIANT_BOOL* printed) override {
+    if (const auto hr = Injected("DocFctDist.Printdirect")) return *hr;
     if (printed == nullptr) return E_POINTER;
     return Answer([&] { *printed = Bool(portable_->Printdirect(Argument(printer))); });
   }
@@ -149,16 +157,20 @@ class FileHelperObject final : public Standing<IDocumentFileHelper, host::Docume
  public:
   FileHelperObject() : Standing(AsHeld(Factories().documentFileHelper())) {}
   HRESULT STDMETHODCALLTYPE FileName(IDispatch* document, BSTR* fileName) override {
+    if (const auto hr = Injected("FileHelper.FileName")) return *hr;
     return Text(fileName, [&] { return portable_->FileName(Argument(document)); });
   }
   HRESULT STDMETHODCALLTYPE TempOutputName(BSTR extension, BSTR* fileName) override {
+    if (const auto hr = Injected("FileHelper.TempOutputName")) return *hr;
     return Text(fileName, [&] { return portable_->TempOutputName(Utf8(extension)); });
   }
   HRESULT STDMETHODCALLTYPE MustFetch(BSTR fileName, VARIANT_BOOL* mustFetch) override {
+    if (const auto hr = Injected("FileHelper.MustFetch")) return *hr;
     if (mustFetch == nullptr) return E_POINTER;
     return Answer([&] { *mustFetch = Bool(portable_->MustFetch(Utf8(fileName))); });
   }
   HRESULT STDMETHODCALLTYPE FetchFile(IDispatch* document, BSTR purpose, BSTR* localPath) override {
+    if (const auto hr = Injected("FileHelper.FetchFile")) return *hr;
     return Text(localPath, [&] { return portable_->FetchFile(Argument(document), Utf8(purpose)); });
   }
   RESERVED(9)
@@ -176,9 +188,9 @@ class FileHelperObject final : public Standing<IDocumentFileHelper, host::Docume
 
 // Late-bound objects: the arguments in call order, each read through its
 // reference.
-class LateBound : public comkit::NamedObject {
+class LateBound : public PlannedObject {
  protected:
-  using NamedObject::NamedObject;
+  using PlannedObject::PlannedObject;
   static const VARIANT& Arg(const DISPPARAMS& params, UINT index) {
     const VARIANT& raw = params.rgvarg[params.cArgs - 1 - index];
     return V_VT(&raw) == (VT_BYREF | VT_VARIANT) ? *V_VARIANTREF(&raw) : raw;
@@ -215,7 +227,9 @@ class LateBound : public comkit::NamedObject {
 class PrinterManagerObject final : public LateBound {
  public:
   PrinterManagerObject()
-      : LateBound({L"GetPrinter", L"Shutdown"}), manager_(Factories().printerManager()) {}
+      : LateBound({L"GetPrinter", L"Shutdown"},
+                  {"PrinterManager.GetPrinter", "PrinterManager.Shutdown"}),
+        manager_(Factories().printerManager()) {}
 
  protected:
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
@@ -235,7 +249,8 @@ class PrinterManagerObject final : public LateBound {
 
 class UIPolicyObject final : public LateBound {
  public:
-  UIPolicyObject() : LateBound({L"IsSilent"}), policy_(Factories().uiPolicy()) {}
+  UIPolicyObject()
+      : LateBound({L"IsSilent"}, {"UIPolicy.IsSilent"}), policy_(Factories().uiPolicy()) {}
 
  protected:
   HRESULT Call(DISPID, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
@@ -288,7 +303,7 @@ std::vector<std::string> TextList(const VARIANT& value) {
 // into the target; a MERGE entry tells what was asked and answered.
 class PdfMergeObject final : public LateBound {
  public:
-  PdfMergeObject() : LateBound({L"Merge"}) {}
+  PdfMergeObject() : LateBound({L"Merge"}, {"PdfMerge.Merge"}) {}
 
  protected:
   HRESULT Call(DISPID, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
@@ -309,8 +324,9 @@ class PdfMergeObject final : public LateBound {
 };
 
 template <class Object>
-HRESULT Create(REFIID riid, void** object) {
+HRESULT Create(std::string_view call, REFIID riid, void** object) {
   if (const auto error = Attempt([] { World(); })) return HResultOf(*error);
+  if (const auto hr = Injected(call)) return *hr;
   return comkit::CreateObject<Object>(riid, object);
 }
 
@@ -362,15 +378,19 @@ ComPtr<IDispatch> WrapPrinter(const host::HostObjectRef& printer) {
 }
 
 HRESULT CreateDocFctDist(REFIID riid, void** object) {
-  return Create<DocFctDistObject>(riid, object);
+  return Create<DocFctDistObject>("New.DocFctDist", riid, object);
 }
 HRESULT CreateDocumentFileHelper(REFIID riid, void** object) {
-  return Create<FileHelperObject>(riid, object);
+  return Create<FileHelperObject>("New.DocumentFileHelper", riid, object);
 }
 HRESULT CreatePrinterManager(REFIID riid, void** object) {
-  return Create<PrinterManagerObject>(riid, object);
+  return Create<PrinterManagerObject>("New.PrinterManager", riid, object);
 }
-HRESULT CreateUIPolicy(REFIID riid, void** object) { return Create<UIPolicyObject>(riid, object); }
-HRESULT CreatePdfMerge(REFIID riid, void** object) { return Create<PdfMergeObject>(riid, object); }
+HRESULT CreateUIPolicy(REFIID riid, void** object) {
+  return Create<UIPolicyObject>("New.UIPolicy", riid, object);
+}
+HRESULT CreatePdfMerge(REFIID riid, void** object) {
+  return Create<PdfMergeObject>("New.PdfMerge", riid, object);
+}
 
 }  // namespace kestrivon::hostkit::com

@@ -25,9 +25,9 @@ using comkit::Variant;
 constexpr DWORD kTiffcpTimeOutMs = 120000;
 
 // An object reached only late-bound.
-class LateBound : public comkit::NamedObject {
+class LateBound : public PlannedObject {
  protected:
-  using NamedObject::NamedObject;
+  using PlannedObject::PlannedObject;
 
   static HRESULT Text(const DISPPARAMS& params, UINT index, std::string& text) {
     if (params.cArgs <= index) return DISP_E_BADPARAMCOUNT;
@@ -67,7 +67,9 @@ class GlobalsObject final : public LateBound {
  public:
   explicit GlobalsObject(std::shared_ptr<host::WorksetGlobals> globals)
       : LateBound({L"Exist", L"ConfigDirectory", L"HARPGhostScriptPath", L"HARPGhostScriptVersion",
-                   L"HARPGhostScriptConvertCommand"}),
+                   L"HARPGhostScriptConvertCommand"},
+                  {"Globals.Exist", "Globals.ConfigDirectory", "Globals.HARPGhostScriptPath",
+                   "Globals.HARPGhostScriptVersion", "Globals.HARPGhostScriptConvertCommand"}),
         globals_(std::move(globals)) {}
 
  protected:
@@ -99,7 +101,8 @@ class GlobalsObject final : public LateBound {
 // Item): nothing is set in either.
 class EmptyCollection final : public LateBound {
  public:
-  EmptyCollection(const wchar_t* exist, const wchar_t* value) : LateBound({exist, value}, 2) {}
+  EmptyCollection(const wchar_t* value, std::initializer_list<const char*> calls)
+      : LateBound({L"Exist", value}, calls, 2) {}
 
  protected:
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
@@ -131,7 +134,9 @@ std::string FileVersion(const std::string& path) {
 
 class FileSystemObject final : public LateBound {
  public:
-  FileSystemObject() : LateBound({L"FileExists", L"GetFileVersion"}) {}
+  FileSystemObject()
+      : LateBound({L"FileExists", L"GetFileVersion"},
+                  {"FileSystem.FileExists", "FileSystem.GetFileVersion"}) {}
 
  protected:
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
@@ -148,8 +153,9 @@ class FileSystemObject final : public LateBound {
 // Answers objects made once, by member name.
 class Composite final : public LateBound {
  public:
-  Composite(std::initializer_list<const wchar_t*> names, std::vector<ComPtr<IDispatch>> members)
-      : LateBound(names), members_(std::move(members)) {}
+  Composite(std::initializer_list<const wchar_t*> names, std::initializer_list<const char*> calls,
+            std::vector<ComPtr<IDispatch>> members)
+      : LateBound(names, calls), members_(std::move(members)) {}
 
  protected:
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS&, VARIANT* result) override {
@@ -165,16 +171,22 @@ ComPtr<IDispatch> NewWorkset() {
   const auto workset = NewHostWorkset(Kit().log, Kit().settings.configDirectory);
   return Make<Composite>(
       std::initializer_list<const wchar_t*>{L"Globals", L"Application", L"Settings", L"FileSystem"},
-      std::vector<ComPtr<IDispatch>>{Make<GlobalsObject>(workset->globals),
-                                     Make<EmptyCollection>(L"Exist", L"ApplicationPath"),
-                                     Make<EmptyCollection>(L"Exist", L"Item"),
-                                     Make<FileSystemObject>()});
+      std::initializer_list<const char*>{"Workset.Globals", "Workset.Application",
+                                         "Workset.Settings", "Workset.FileSystem"},
+      std::vector<ComPtr<IDispatch>>{
+          Make<GlobalsObject>(workset->globals),
+          Make<EmptyCollection>(L"ApplicationPath",
+                                std::initializer_list<const char*>{"Application.Exist",
+                                                                   "Application.ApplicationPath"}),
+          Make<EmptyCollection>(
+              L"Item", std::initializer_list<const char*>{"Settings.Exist", "Settings.Item"}),
+          Make<FileSystemObject>()});
 }
 
 class TraceSourceObject final : public LateBound {
  public:
   explicit TraceSourceObject(std::shared_ptr<host::TraceSource> source)
-      : LateBound({L"Write"}), source_(std::move(source)) {}
+      : LateBound({L"Write"}, {"TraceSource.Write"}), source_(std::move(source)) {}
 
  protected:
   HRESULT Call(DISPID, WORD flags, const DISPPARAMS& params, VARIANT*) override {
@@ -198,7 +210,7 @@ class TraceSourceObject final : public LateBound {
 
 class TraceFacilityObject final : public LateBound {
  public:
-  TraceFacilityObject() : LateBound({L"TraceSource"}) {}
+  TraceFacilityObject() : LateBound({L"TraceSource"}, {"TraceFacility.TraceSource"}) {}
 
  protected:
   HRESULT Call(DISPID, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
@@ -262,7 +274,7 @@ bool RunTiffcp(const std::vector<std::string>& files, const std::string& target)
 
 class TiffMergeObject final : public LateBound {
  public:
-  TiffMergeObject() : LateBound({L"Merge"}) {}
+  TiffMergeObject() : LateBound({L"Merge"}, {"TiffMerge.Merge"}) {}
 
  protected:
   HRESULT Call(DISPID, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
@@ -298,8 +310,9 @@ HRESULT HandOutNew(IDispatch** out, bool application) {
   return comkit::Answered([&] {
     ComPtr<IDispatch> workset = NewWorkset();
     if (application) {
-      workset =
-          Make<Composite>(std::initializer_list<const wchar_t*>{L"Workset"}, std::vector{workset});
+      workset = Make<Composite>(std::initializer_list<const wchar_t*>{L"Workset"},
+                                std::initializer_list<const char*>{"Application.Workset"},
+                                std::vector{workset});
     }
     *out = workset.Detach();
     return S_OK;
@@ -307,24 +320,25 @@ HRESULT HandOutNew(IDispatch** out, bool application) {
 }
 
 template <class Body>
-HRESULT Create(REFIID riid, void** object, Body&& make) {
+HRESULT Create(std::string_view call, REFIID riid, void** object, Body&& make) {
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
+  if (const auto hr = Injected(call)) return *hr;
   return comkit::Answered([&] { return make()->QueryInterface(riid, object); });
 }
 
 }  // namespace
 
 HRESULT CreateWorkset(REFIID riid, void** object) {
-  return Create(riid, object, [] { return NewWorkset(); });
+  return Create("New.Vemra", riid, object, [] { return NewWorkset(); });
 }
 
 HRESULT CreateTraceFacility(REFIID riid, void** object) {
-  return Create(riid, object, [] { return Make<TraceFacilityObject>(); });
+  return Create("New.TraceFacility", riid, object, [] { return Make<TraceFacilityObject>(); });
 }
 
 HRESULT CreateTiffMerge(REFIID riid, void** object) {
-  return Create(riid, object, [] { return Make<TiffMergeObject>(); });
+  return Create("New.TiffMerge", riid, object, [] { return Make<TiffMergeObject>(); });
 }
 
 HRESULT KitApplication(IDispatch** application) { return HandOutNew(application, true); }

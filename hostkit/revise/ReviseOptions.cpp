@@ -53,6 +53,8 @@ ParseResult ParseArguments(const std::vector<std::string>& args) {
       error = optionalValue(options.showRevisionMessages);
     } else if (arg == "--print-world") {
       error = optionalValue(options.printWorld);
+    } else if (arg == "--faults") {
+      error = optionalValue(options.faults);
     } else if (arg == "--debug") {
       options.level = kDebugLevel;
     } else if (arg == "--level") {
@@ -112,9 +114,12 @@ Options:
   --print-world <file>   the printers, drivers and documents of printworld.ini
                          (VEMRA_PRINT_WORLD; native vemra-revise only);
                          --document picks one of its documents
+  --faults <plan>        host calls failed on purpose, call:use:error|null,...
+                         (VEMRA_FAULTS)
   --help                 this text
 
-Message boxes and message-pack entries of the run are listed after it.
+Message boxes, message-pack entries, planned faults (struck or not) and errors
+reported in the run are listed after it.
 
 Exit status: 0 when DoPrint (and AppendFile) answered True, 1 when one of
 them answered False or failed, 2 for bad arguments or an unknown class,
@@ -135,6 +140,7 @@ std::vector<std::pair<std::string, std::string>> HostKitEnvironment(const Revise
     variables.emplace_back(kShowRevisionMessagesVariable, *options.showRevisionMessages);
   }
   if (options.printWorld) variables.emplace_back(kPrintWorldVariable, *options.printWorld);
+  if (options.faults) variables.emplace_back(kFaultsVariable, *options.faults);
   return variables;
 }
 

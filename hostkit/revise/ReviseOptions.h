@@ -24,6 +24,7 @@ struct ReviseOptions {
   std::optional<std::string> document;              // a host document of that name
   std::optional<std::string> showRevisionMessages;  // its owner's option
   std::optional<std::string> printWorld;            // printworld.ini, natively
+  std::optional<std::string> faults;                // host calls planned to fail
 };
 
 struct HelpRequest {};

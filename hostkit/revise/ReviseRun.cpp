@@ -6,11 +6,13 @@
 #include <fstream>
 #include <functional>
 #include <optional>
+#include <set>
 
 #include "core/Environment.h"
 #include "core/PdfMerge.h"
 #include "core/Settings.h"
 #include "core/TraceLog.h"
+#include "host/portable/FaultPlan.h"
 #ifndef _WIN32
 #include "platform/portable/FileSystem.h"
 #endif
@@ -176,6 +178,7 @@ void ListMessages(std::ostream& out, const std::filesystem::path& path, std::uin
   if (!in) return;
   in.seekg(static_cast<std::streamoff>(from));
   std::string line;
+  std::set<std::string> struck;  // call:use
   while (std::getline(in, line)) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
     const std::vector<std::string> fields = SplitEntry(line);
@@ -188,6 +191,21 @@ void ListMessages(std::ostream& out, const std::filesystem::path& path, std::uin
           << field(3) << " -> " << field(5) << '\n';
     } else if (fields[1] == "MESSAGE") {
       out << "Message pack entry " << Quoted(field(2)) << " for " << Quoted(field(3)) << '\n';
+    } else if (fields[1] == "FAULT") {
+      struck.insert(field(2) + ':' + field(3));
+      out << "Planned fault " << field(2) << " (use " << field(3) << ") struck: " << field(4)
+          << '\n';
+    } else if (fields[1] == "ERROR") {
+      out << "Error " << field(2) << " reported by " << field(5) << ", " << field(6) << ": "
+          << field(3) << '\n';
+    }
+  }
+  // A fault planned for a use the run never reached.
+  const auto plan = GetEnvironment(kFaultsVariable);
+  const auto faults = plan ? host::portable::FaultPlan::Parse(*plan, nullptr) : std::nullopt;
+  for (const auto& fault : faults ? faults->Faults() : std::vector<host::portable::Fault>{}) {
+    if (struck.count(fault.call + ':' + std::to_string(fault.use)) == 0) {
+      out << "Planned fault " << fault.call << " (use " << fault.use << ") did not strike\n";
     }
   }
 }

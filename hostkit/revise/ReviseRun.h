@@ -56,8 +56,10 @@ class ReviseBackend {
   virtual ReleaseCheck Released() { return {}; }
 };
 
-// Lists the message boxes (MSGBOX) and message-pack entries (MESSAGE) that
-// the log holds from the byte offset on, one line each.
+// Lists the message boxes (MSGBOX), message-pack entries (MESSAGE), the
+// planned faults that struck (FAULT) and the errors reported (ERROR) that
+// the log holds from the byte offset on, one line each; then the faults
+// planned in VEMRA_FAULTS that did not strike.
 void ListMessages(std::ostream& out, const std::filesystem::path& log, std::uintmax_t from);
 
 inline constexpr int kExitSuccess = 0;

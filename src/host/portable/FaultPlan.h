@@ -44,6 +44,7 @@ class FaultPlan {
 
   // Counts the use of the call; the fault planned for this use, if any.
   std::optional<Fault> Use(std::string_view call);
+  [[nodiscard]] const std::vector<Fault>& Faults() const { return faults_; }
   // How often each call was used, and the faults that struck.
   [[nodiscard]] std::map<std::string, int, std::less<>> Uses() const;
   [[nodiscard]] std::vector<Fault> Struck() const;

@@ -8,24 +8,7 @@
 #         -DPREFIX=<prefix> -DREGISTER=<wine-prefix-setup|dll|...>
 #         [-DAPPEND=<sample file>] [-DWAITS=ON] [-DWRONG=<setting> -DSUMMARY=<CheckPrnSettings text>]
 #         -P RunPdfRevision.cmake
-# Its own prefix (PREFIX), where REGISTER (wine-prefix-setup|DLL|DLL)
-# registers the DLLs first.
-set(ENV{KESTRIVON_WINEPREFIX} "${PREFIX}")
-set(ENV{WINEPREFIX} "${PREFIX}")
-string(REPLACE "|" ";" register "${REGISTER}")
-list(POP_FRONT register setup_prefix)
-execute_process(COMMAND "${setup_prefix}" "${PREFIX}" ${register} RESULT_VARIABLE registered
-                OUTPUT_QUIET ERROR_VARIABLE register_err)
-if(NOT registered EQUAL 0)
-  message(FATAL_ERROR "registering in ${PREFIX} failed: ${register_err}")
-endif()
-file(REMOVE_RECURSE "${DIR}")
-execute_process(COMMAND "${SAMPLES}/make-samples" "${DIR}/samples" RESULT_VARIABLE made)
-if(NOT made EQUAL 0)
-  message(FATAL_ERROR "make-samples failed")
-endif()
-file(MAKE_DIRECTORY "${DIR}/rev")  # the host makes the revision folder
-string(REPLACE "/" "\\" win "Z:${DIR}")
+include(${CMAKE_CURRENT_LIST_DIR}/PdfWorld.cmake)
 set(failures "")
 
 function(revise result)
@@ -41,15 +24,6 @@ function(revise result)
   set(${result}_err "${err}" PARENT_SCOPE)
 endfunction()
 
-function(setup)
-  execute_process(COMMAND "${RUNNER}" "${EXE}" setup ${FAMILY} --name "${PRINTER}"
-                          --output "${win}\\drivers\\${FAMILY}" ${ARGN}
-                  RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE err)
-  if(NOT status EQUAL 0)
-    message(FATAL_ERROR "setup ${FAMILY} ${ARGN}: exit ${status}\n${out}${err}")
-  endif()
-endfunction()
-
 function(expect text wanted)
   string(FIND "${text}" "${wanted}" at)
   if(at EQUAL -1)
@@ -59,14 +33,14 @@ endfunction()
 
 # A driver set up wrongly: the settings check names the setting.
 if(DEFINED WRONG)
-  setup(--wrong ${WRONG})
+  setup_driver(${FAMILY} "${PRINTER}" --wrong ${WRONG})
   set(WRONG_RUN TRUE)
   revise(wrong)
   set(WRONG_RUN FALSE)
   expect("${wrong_out}" "CheckPrnSettings -> \"${SUMMARY}\"")
 endif()
 
-setup()
+setup_driver(${FAMILY} "${PRINTER}")
 revise(run)
 file(GLOB archives "${DIR}/rev/${DOCUMENT}.*")
 list(LENGTH archives count)
