@@ -6,47 +6,18 @@
 // folders from the Linux side, where making 100 000 files takes seconds.
 #include <windows.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <functional>
 #include <string>
-#include <utility>
-#include <vector>
 
+#include "WineTiming.h"
 #include "pipeline/PrintJobDriver.h"
 #include "platform/FileSearch.h"
 
 namespace {
 
+using kestrivon::bench::MedianMicroseconds;
+
 constexpr int kPasses = 7;
-
-double Microseconds(const std::function<void()>& pass) {
-  const auto start = std::chrono::steady_clock::now();
-  pass();
-  return std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start)
-      .count();
-}
-
-double Median(std::vector<double> times) {
-  std::sort(times.begin(), times.end());
-  return times[times.size() / 2];
-}
-
-// The two passes take turns, after one unmeasured pass each, so that a
-// load that comes and goes and the folder's first reading weigh on both.
-std::pair<double, double> MedianMicroseconds(const std::function<void()>& first,
-                                             const std::function<void()>& second) {
-  first();
-  second();
-  std::vector<double> firstTimes;
-  std::vector<double> secondTimes;
-  for (int i = 0; i < kPasses; ++i) {
-    firstTimes.push_back(Microseconds(first));
-    secondTimes.push_back(Microseconds(second));
-  }
-  return {Median(firstTimes), Median(secondTimes)};
-}
 
 void Touch(const std::string& file) {
   HANDLE handle = ::CreateFileA(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
@@ -103,7 +74,8 @@ void Measure(int files, std::string folder) {
                            do ++listed;
                            while (::FindNextFileA(handle, &entry));
                            ::FindClose(handle);
-                         });
+                         },
+                         kPasses);
   if (!found.empty()) std::fprintf(stderr, "a match in the worst case: %s\n", found.c_str());
   std::printf("OutputSearchWine/%d %.1f us\nFindFirstNextWine/%d %.1f us\n", files, search, files,
               bare);
