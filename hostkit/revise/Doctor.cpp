@@ -5,6 +5,7 @@
 #include <memory>
 #include <span>
 
+#include "core/DriverFamilies.h"
 #include "pipeline/PrnDevice.h"
 #include "pipeline/RevisionFileLock.h"
 #include "platform/Environment.h"
@@ -245,12 +246,20 @@ void ExamineDriver(ClassReport& report, const PrinterClass& cls, const HarpSumma
       report.outputFolderNote = "none: DoPrint is refused by this class";
       report.limits.push_back(kRefusesDoPrint);
       break;
-    case Family::kWriter:
+    case Family::kWriter: {
+      // Shown, not judged: the class never prints through this driver.
+      const hostkit::DriverTarget target =
+          hostkit::FindDriverTarget(hostkit::DriverFamily::kPdfWriter, "Acrobat PDFWriter", "", "");
+      report.driver =
+          "Acrobat PDFWriter " +
+          (target.refusal.empty() ? "writes to '" + target.file + "'" : target.refusal) +
+          ", not used by this class";
       report.outputFolderNote = "none: the class searches a folder it never sets";
       report.limits.push_back(
           "InitPrnSettings selects no printer, so IsPrinterAvailable is False: only documents "
           "that are PDF files already are archived (copied); no driver setting matters");
       break;
+    }
     case Family::kNone:
       report.outputFolderNote = "none: the class writes no file";
       break;

@@ -97,7 +97,8 @@ run(1 ${doctor} EXPECT "Printers\\Vemra Adobe PDF\\PrinterDriverData : ViewPrint
        "locks \"${folder}\" --remove-stale removes it"
        "a revision by 'jdoe' on 'PC042' holds it; once none runs there, delete it"
        "HARP.ini [Default] : RevisionExtension is '.PFD', needs .PDF or .TIF"
-       "AcrobatWriter: cannot archive, by design" "NoFile: NOT usable" "driver: pdfFactory 4, the newest"
+       "AcrobatWriter: cannot archive, by design" "Acrobat PDFWriter PDFFileName: no file named in"
+       "NoFile: NOT usable" "driver: pdfFactory 4, the newest"
        "ProgID VemraKestrivon.NoFile is not registered: register the component: regsvr32 \"Z:"
        " class(es), each named above with its fix.")
 set(broken "${out}")
