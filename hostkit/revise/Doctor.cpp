@@ -99,10 +99,7 @@ std::string OneLine(const std::string& text) {
 // The first of the class's printer names the print library knows.
 std::string SelectedPrinter(std::span<const char* const> names) {
   PrnDevice device;
-  for (const char* name : names) {
-    if (device.SetFilePrinterByName(name)) return device.Name();
-  }
-  return {};
+  return device.SetFirstFilePrinter(names) ? device.Name() : std::string();
 }
 
 constexpr const char* kRefusesDoPrint = "DoPrint is refused by this class: it makes no archive";

@@ -203,7 +203,8 @@ void ListMessages(std::ostream& out, const std::filesystem::path& path, std::uin
   // A fault planned for a use the run never reached.
   const auto plan = GetEnvironment(kFaultsVariable);
   const auto faults = plan ? host::portable::FaultPlan::Parse(*plan, nullptr) : std::nullopt;
-  for (const auto& fault : faults ? faults->Faults() : std::vector<host::portable::Fault>{}) {
+  if (!faults) return;
+  for (const auto& fault : faults->Faults()) {
     if (struck.count(fault.call + ':' + std::to_string(fault.use)) == 0) {
       out << "Planned fault " << fault.call << " (use " << fault.use << ") did not strike\n";
     }

@@ -66,6 +66,13 @@ bool PrnDevice::SetFilePrinterByName(const std::string& name) {
   });
 }
 
+bool PrnDevice::SetFirstFilePrinter(std::span<const char* const> names) {
+  for (const char* name : names) {
+    if (SetFilePrinterByName(name)) return true;
+  }
+  return false;
+}
+
 host::HostObjectRef PrnDevice::IPrinter() {
   return Procedure(kClassLabel, "IPrinter[PropertyGet]").Guard(host::HostObjectRef(), [&] {
     return printer_;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "frame/trace/ClassLabels.h"
@@ -29,6 +30,8 @@ class PrnDevice {
 
   // Selects the printer; an unknown name drops the one selected before.
   bool SetFilePrinterByName(const std::string& name);
+  // Tries the names in order and keeps the first that is installed.
+  bool SetFirstFilePrinter(std::span<const char* const> names);
   // The selected printer, or null.
   host::HostObjectRef IPrinter();
   // The print library's manager, created on first use.

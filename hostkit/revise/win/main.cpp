@@ -211,7 +211,7 @@ class ComBackend final : public revise::ReviseBackend {
   }
 
   // The component keeps the host's process-wide objects (trace service,
-  // instance monitor, file helper) until it is unloaded. So: its
+  // instance monitor, file helper) until it may be unloaded. So: its
   // DllCanUnloadNow must answer S_OK; then COM unloads it, as the host's
   // idle time does; then the host kit must have no object left.
   ReleaseCheck Released() override {

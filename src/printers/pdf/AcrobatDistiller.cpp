@@ -31,9 +31,7 @@ bool AcrobatDistiller::InitPrnSettings() {
   return Procedure(kClassLabel, " Function IRevisionPrinter_InitPrnSettings").Guard(false, [&] {
     if (!device_.Name().empty()) return true;
     if (!IsAcrbVer5()) return false;
-    for (const char* name : kPrinterNames) {
-      if (device_.SetFilePrinterByName(name)) break;
-    }
+    device_.SetFirstFilePrinter(kPrinterNames);
     return true;
   });
 }

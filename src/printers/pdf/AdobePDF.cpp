@@ -42,9 +42,7 @@ AdobePDF::~AdobePDF() {
 bool AdobePDF::InitPrnSettings() {
   return Procedure(kClassLabel, " Function IRevisionPrinter_InitPrnSettings").Guard(false, [&] {
     if (device_.Name().empty()) {
-      for (const char* name : kPrinterNames) {
-        if (device_.SetFilePrinterByName(name)) return true;
-      }
+      if (device_.SetFirstFilePrinter(kPrinterNames)) return true;
     }
     return device_.IPrinter() != nullptr;
   });

@@ -81,9 +81,7 @@ PDFFactory::~PDFFactory() {
 bool PDFFactory::InitPrnSettings() {
   return Procedure(kClassLabel, "Function IRevisionPrinter_InitPrnSettings").Guard(false, [&] {
     if (!device_.IPrinter()) {
-      for (const char* name : kPrinterNames) {
-        if (device_.SetFilePrinterByName(name)) break;
-      }
+      device_.SetFirstFilePrinter(kPrinterNames);
     }
     if (!device_.IPrinter()) return false;
     WriteTrace(kLabel + ".IRevisionPrinter_InitPrnSettings(): " + "printer found: '" +

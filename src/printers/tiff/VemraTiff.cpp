@@ -48,9 +48,7 @@ PrnDevice& VemraTiff::Device() {
 bool VemraTiff::InitPrnSettings() {
   return Procedure(kClassLabel, "InitPrnSettings").Guard(false, [&] {
     if (Device().Name().empty()) {
-      for (const char* name : kPrinterNames) {
-        if (Device().SetFilePrinterByName(name)) break;
-      }
+      Device().SetFirstFilePrinter(kPrinterNames);
     }
     return !Device().Name().empty();
   });
