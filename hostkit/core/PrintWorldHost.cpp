@@ -12,6 +12,7 @@
 #include "core/Environment.h"
 #include "core/FileCopy.h"
 #include "core/HostFiles.h"
+#include "core/Progress.h"
 #include "core/Settings.h"
 #include "host/portable/Printing.h"
 #include "host/portable/Workset.h"
@@ -48,15 +49,6 @@ std::string NameOf(const HostObjectRef& object) {
 
 void SleepMs(uint32_t milliseconds) {
   std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
-}
-
-// A progress line for whoever runs the revision, so that a slow driver can
-// be told from a hung one; only when VEMRA_PROGRESS is set.
-void Progress(const std::string& line) {
-  static const bool shown = GetEnvironment(kProgressVariable).has_value();
-  if (!shown) return;
-  std::fprintf(stderr, "%s\n", line.c_str());
-  std::fflush(stderr);
 }
 
 // Each member the component calls leaves one entry: the member, the

@@ -5,6 +5,7 @@
 
 #include "core/Environment.h"
 #include "core/FileCopy.h"
+#include "core/Progress.h"
 
 namespace kestrivon::hostkit {
 
@@ -38,7 +39,11 @@ int32_t SimTraceService::CurrentTicks() {
   return static_cast<int32_t>(static_cast<uint32_t>(millis));
 }
 
-void SimTraceService::WriteTrace(const std::string& line) { log_->Append("TRACE", {line}); }
+void SimTraceService::WriteTrace(const std::string& line) {
+  log_->Append("TRACE", {line});
+  // The waits the component must make are named while they happen.
+  if (const std::string note = MandatedWaitNote(line); !note.empty()) Progress(note);
+}
 
 int32_t SimTraceService::ShowMessageBox(const std::string& prompt, int32_t buttons,
                                         const std::string& title) {

@@ -168,6 +168,9 @@ TEST_F(VemraRevise, RevisesASampleDocumentIntoAPdfAndShowsTheArchive) {
   EXPECT_TRUE(Contains(run.out, " bytes, 1 pages\nAppendFile ")) << run.out;
   EXPECT_TRUE(Contains(run.out, " bytes, 3 pages\nReleased\n")) << run.out;
   EXPECT_TRUE(Contains(run.err, "waiting for Vemra Adobe PDF to write ")) << run.err;
+  // The waits the component must make are named as they happen.
+  EXPECT_TRUE(Contains(run.err, "revision sleeper: 2000 ms between looks at the printer")) << run.err;
+  EXPECT_TRUE(Contains(run.err, "one more 500 ms pause before the copy")) << run.err;
 }
 
 TEST_F(VemraRevise, RefusesBadArgumentsBeforeCreatingAnything) {
