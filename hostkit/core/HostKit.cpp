@@ -9,7 +9,7 @@ namespace kestrivon::hostkit {
 
 HostKit HostKit::Create(Settings settings) {
   HostKit kit;
-  kit.log = std::make_shared<TraceLog>(settings.traceLog);
+  kit.log = std::make_shared<TraceLog>(settings.traceLog, settings.traceLogMaxBytes);
   kit.traceService =
       std::make_shared<SimTraceService>(kit.log, settings.translationsFile, settings.answersFile);
   kit.instanceMonitor = std::make_shared<SimInstanceMonitor>(kit.log, settings.level);

@@ -68,6 +68,16 @@ Settings Settings::FromEnvironment() {
   Settings settings;
   const auto log = GetEnvironment(kTraceLogVariable);
   settings.traceLog = log && !log->empty() ? Absolute(*log) : DefaultTraceLog();
+  if (const auto cap = GetEnvironment(kLogMaxBytesVariable); cap && !cap->empty()) {
+    const auto parsed = ParseLevel(*cap);
+    if (parsed && *parsed >= 0) {
+      settings.traceLogMaxBytes = static_cast<uint64_t>(*parsed);
+    } else {
+      settings.problems.push_back(std::string(kLogMaxBytesVariable) + " '" + *cap +
+                                  "' is not a number of bytes; the cap stays at " +
+                                  std::to_string(kDefaultLogMaxBytes));
+    }
+  }
 
   if (const auto level = GetEnvironment(kDiagLevelVariable); level && !level->empty()) {
     if (const auto parsed = ParseLevel(*level)) {

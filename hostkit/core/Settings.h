@@ -33,6 +33,10 @@ inline constexpr const char* kProgressVariable = "VEMRA_PROGRESS";
 inline constexpr const char* kQpdfVariable = "VEMRA_QPDF";
 // Host calls to fail ("Call:use:error,...").
 inline constexpr const char* kFaultsVariable = "VEMRA_FAULTS";
+// The trace log's size cap in bytes; at the cap it is rotated (one older
+// generation kept as <log>.1). 0 turns the cap off.
+inline constexpr const char* kLogMaxBytesVariable = "VEMRA_TRACE_LOG_MAX_BYTES";
+inline constexpr uint64_t kDefaultLogMaxBytes = 16u << 20;
 
 // The host's ordinary level: traces without the debug-only lines.
 inline constexpr int32_t kDefaultLevel = 2;
@@ -41,6 +45,7 @@ inline constexpr const char* kDefaultLogName = "vemra-trace.log";
 // File names are made absolute when they are read.
 struct Settings {
   std::filesystem::path traceLog;
+  uint64_t traceLogMaxBytes = kDefaultLogMaxBytes;
   int32_t level = kDefaultLevel;
   std::optional<std::filesystem::path> answersFile;
   std::optional<std::filesystem::path> translationsFile;

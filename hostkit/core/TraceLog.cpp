@@ -1,7 +1,9 @@
 #include "core/TraceLog.h"
 
+#include <chrono>
 #include <cstdio>
 #include <fstream>
+#include <random>
 #include <system_error>
 
 #ifdef _WIN32
@@ -95,6 +97,20 @@ bool WriteEntry(std::intptr_t file, const std::string& entry) {
 
 void CloseLogFile(std::intptr_t file) { ::CloseHandle(reinterpret_cast<HANDLE>(file)); }
 
+uint64_t FileSize(std::intptr_t file) {
+  LARGE_INTEGER size;
+  return ::GetFileSizeEx(reinterpret_cast<HANDLE>(file), &size) ? static_cast<uint64_t>(size.QuadPart)
+                                                                  : 0;
+}
+
+uint64_t ProcessNumber() { return ::GetCurrentProcessId(); }
+
+// Every handle on the log shares delete, so the log can be renamed while
+// other processes hold it open.
+bool RenameOver(const std::filesystem::path& from, const std::filesystem::path& to) {
+  return ::MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
+}
+
 #else
 
 // Whether the file at path is still the open one: the same device and inode.
@@ -127,11 +143,64 @@ bool WriteEntry(std::intptr_t file, const std::string& entry) {
 
 void CloseLogFile(std::intptr_t file) { ::close(static_cast<int>(file)); }
 
+uint64_t FileSize(std::intptr_t file) {
+  struct stat st {};
+  return ::fstat(static_cast<int>(file), &st) == 0 ? static_cast<uint64_t>(st.st_size) : 0;
+}
+
+uint64_t ProcessNumber() { return static_cast<uint64_t>(::getpid()); }
+
+bool RenameOver(const std::filesystem::path& from, const std::filesystem::path& to) {
+  return ::rename(from.c_str(), to.c_str()) == 0;
+}
+
 #endif
 
 }  // namespace
 
-TraceLog::TraceLog(std::filesystem::path path) : path_(std::move(path)) {}
+TraceLog::TraceLog(std::filesystem::path path, std::uint64_t maxBytes)
+    : path_(std::move(path)), maxBytes_(maxBytes) {}
+
+const std::string& TraceLog::RunId() {
+  static std::mutex guard;
+  static uint64_t owner = 0;
+  static std::string id;
+  std::lock_guard lock(guard);
+  // Made afresh in a forked child: a run is a process.
+  const uint64_t process = ProcessNumber();
+  if (id.empty() || owner != process) {
+    // The process, the moment and the system's randomness: two runs at once
+    // or one after the other get different identifiers.
+    std::random_device random;
+    const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+    std::seed_seq seed{static_cast<uint32_t>(random()), static_cast<uint32_t>(process),
+                       static_cast<uint32_t>(now), static_cast<uint32_t>(now >> 32)};
+    std::mt19937 mix(seed);
+    char text[9];
+    std::snprintf(text, sizeof text, "%08x", static_cast<unsigned>(mix()));
+    id = text;
+    owner = process;
+  }
+  return id;
+}
+
+void TraceLog::RotateIfFull(std::size_t entrySize) {
+  if (maxBytes_ == 0) return;
+  const uint64_t size = FileSize(file_);
+  if (size == 0 || size + entrySize <= maxBytes_) return;
+  // Only the file still at the path is rotated: another process may have
+  // rotated it already, and its new log is not full.
+  if (StillAtPath(file_, identity_, path_)) {
+    Close();
+    std::filesystem::path older = path_;
+    older += ".1";
+    RenameOver(path_, older);  // a failed rename leaves the log growing, nothing lost
+  } else {
+    Close();
+  }
+  std::string why;
+  Open(&why);
+}
 
 TraceLog::~TraceLog() { Close(); }
 
@@ -156,6 +225,8 @@ void TraceLog::Close() noexcept {
 
 void TraceLog::Append(std::string_view kind, const std::vector<std::string>& fields) {
   std::string entry = TimeStamp();
+  entry += " #";
+  entry += RunId();
   entry += '\t';
   entry += EscapeField(kind);
   for (const auto& field : fields) {
@@ -167,6 +238,9 @@ void TraceLog::Append(std::string_view kind, const std::vector<std::string>& fie
   std::lock_guard lock(mutex_);
   std::string why;
   if (Open(&why)) {
+    RotateIfFull(entry.size());
+  }
+  if (file_ != kNoFile || Open(&why)) {
     // One write per entry: it reaches the system whole or not at all.
     if (WriteEntry(file_, entry)) return;
     why = "cannot write to the file";

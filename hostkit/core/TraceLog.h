@@ -10,7 +10,11 @@
 namespace kestrivon::hostkit {
 
 // The host kit's log file. One entry per line:
-//   <local time "YYYY-MM-DD hh:mm:ss.mmm"> TAB <kind> TAB <field> TAB <field> ...
+//   <local time "YYYY-MM-DD hh:mm:ss.mmm"> " #" <run> TAB <kind> TAB <field> ...
+// The run identifier (eight hexadecimal digits) is the same on every line
+// of one process and differs between processes, so that the runs that
+// share a log can be told apart. At the size cap the log is rotated: it
+// becomes <log>.1 (replacing an older one) and a new log begins.
 // Fields are escaped with EscapeField so that an entry never spans lines and
 // a tab always separates fields. Entries are appended; the file and its
 // folder are created when missing. The file stays open for appending and
@@ -19,7 +23,8 @@ namespace kestrivon::hostkit {
 // interleave whole (see docs/hostkit.md).
 class TraceLog {
  public:
-  explicit TraceLog(std::filesystem::path path);
+  // maxBytes 0: no cap.
+  explicit TraceLog(std::filesystem::path path, std::uint64_t maxBytes = 0);
   ~TraceLog();
   TraceLog(const TraceLog&) = delete;
   TraceLog& operator=(const TraceLog&) = delete;
@@ -29,6 +34,9 @@ class TraceLog {
   // Raises RunTimeError (kLogWriteFault) when the entry cannot be written.
   void Append(std::string_view kind, const std::vector<std::string>& fields);
 
+  // This process's run identifier, as every entry carries it.
+  static const std::string& RunId();
+
   // Whether an entry could be appended now, without writing one.
   [[nodiscard]] bool Writable(std::string* why = nullptr) const;
 
@@ -37,8 +45,11 @@ class TraceLog {
   // the path (a log removed or replaced meanwhile is opened afresh).
   bool Open(std::string* why);
   void Close() noexcept;
+  // Rotates the log when the entry would take it past the cap.
+  void RotateIfFull(std::size_t entrySize);
 
   std::filesystem::path path_;
+  std::uint64_t maxBytes_;
   std::mutex mutex_;
   std::intptr_t file_ = -1;  // a descriptor natively, a HANDLE on Windows
   // Natively the open file's device and inode, which tell it from another

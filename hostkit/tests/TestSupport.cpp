@@ -54,7 +54,7 @@ std::string ReadFile(const std::filesystem::path& path) {
 }
 
 std::vector<std::vector<std::string>> Entries(const std::filesystem::path& log) {
-  static const std::regex kStamp(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3})");
+  static const std::regex kStamp(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} #[0-9a-f]{8})");
   std::vector<std::vector<std::string>> entries;
   std::istringstream lines(ReadFile(log));
   std::string line;

@@ -6,6 +6,8 @@
 
 #include <map>
 #include <random>
+#include <set>
+#include <sstream>
 
 #include "TestSupport.h"
 #include "core/TraceLog.h"
@@ -69,6 +71,27 @@ TEST(TraceLog, WritesOneStampedLinePerEntry) {
 #endif
 }
 
+// At its cap the log becomes <log>.1 and a new one begins: the newest
+// entries are kept whole and in order, at most two generations on disk.
+TEST(TraceLog, RotatesAtItsCapKeepingTheNewestEntries) {
+  TempDir dir;
+  const auto path = dir / "trace.log";
+  constexpr uint64_t kCap = 1000;
+  TraceLog log(path, kCap);
+  for (int i = 0; i < 100; ++i) log.Append("TRACE", {std::to_string(i)});
+  const auto older = dir / "trace.log.1";
+  ASSERT_TRUE(std::filesystem::exists(older));
+  EXPECT_LE(std::filesystem::file_size(path), kCap);
+  EXPECT_LE(std::filesystem::file_size(older), kCap);
+  std::vector<Fields> kept = Entries(older);
+  for (auto& entry : Entries(path)) kept.push_back(std::move(entry));
+  ASSERT_GT(kept.size(), 10u);
+  for (size_t i = 0; i < kept.size(); ++i) {
+    EXPECT_EQ(kept[i], (Fields{"TRACE", std::to_string(100 - kept.size() + i)}));
+  }
+  EXPECT_FALSE(std::filesystem::exists(dir / "trace.log.2"));
+}
+
 #ifndef _WIN32
 // Natively: two writer processes forked from this one.
 TEST(TraceLog, ProcessesSharingTheLogLoseNoEntryAndMixNone) {
@@ -100,6 +123,16 @@ TEST(TraceLog, ProcessesSharingTheLogLoseNoEntryAndMixNone) {
     EXPECT_EQ(fields[1], std::to_string(next[writer]++)) << writer;
   }
   EXPECT_EQ(next, (std::map<char, int>{{'a', kEntries}, {'b', kEntries}}));
+  // Each process's lines carry its own run identifier.
+  std::map<char, std::set<std::string>> runs;
+  std::istringstream lines(ReadFile(path));
+  for (std::string line; std::getline(lines, line);) {
+    const Fields fields = SplitEntry(line);
+    runs[fields[3].front()].insert(fields[0].substr(fields[0].find('#')));
+  }
+  ASSERT_EQ(runs['a'].size(), 1u);
+  ASSERT_EQ(runs['b'].size(), 1u);
+  EXPECT_NE(*runs['a'].begin(), *runs['b'].begin());
 }
 #endif
 
