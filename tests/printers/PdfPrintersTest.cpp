@@ -38,6 +38,9 @@ const std::string kPrinters = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\
 const std::string kFactory = "Software\\FinePrint Software\\pdfFactory";
 const std::string kCrLf = "\r\n";
 const std::string kNotFound = "printing revision aborted because printer could not been not found";
+const std::string kPrompt =
+    "VemraKestrivon::Globals.IRevisionPrinterDoPrint(): UserPrompt: ||Print Revision of A-100 Plan "
+    "to ";
 // A message as the fixture's host resolves it.
 std::string R(const char* text) { return std::string(text).substr(7); }
 
@@ -216,6 +219,8 @@ TEST_F(PdfPrinters, AdobeDriversDoPrintPathsTraceInOrderAndAlwaysRemoveTheirLock
                (line[0] == 'P' ? "::IRevisionPrinter_DoPrint(): " : ".IRevisionPrinter_DoPrint: ") +
                line.substr(2);
       EXPECT_EQ(LinesOf(p), expected);
+      // The prompt names the archive, not the printer.
+      EXPECT_EQ(host.Count(kPrompt + folder / "rev\\A1.PDF"), row.path >= kNoFile ? 1u : 0u);
       EXPECT_EQ(host.Count("Kestrivon::DocumentLock::DeleteLock(): lock-file ('" + out +
                            "\\A-100.RLCK') deleted"),
                 row.path >= kNoFile ? 1u : 0u);
@@ -312,11 +317,18 @@ TEST_F(PdfPrinters, PdfFactoryPrintsIntoTheNamedFileUnderTheTempLock) {
     MakePdf(file.substr(0, file.size() - 1), {300});
     return true;
   };
-  PDFFactory factory;
-  EXPECT_TRUE(factory.DoPrint(document, owner, folder / "rev", "A1"));
-  EXPECT_EQ(PageWidths(folder / "rev\\A1.PDF"), std::vector<int>{300});
   const std::string p = "VemraKestrivon::PDFFactory::IRevisionPrinter_DoPrint(): ",
                     file = out + "\\R2P1..PDF";
+  // DoPrint chooses no printer: the one InitPrnSettings chose, or none.
+  PDFFactory factory;
+  EXPECT_FALSE(factory.DoPrint(document, owner, folder / "rev", "A1"));
+  EXPECT_EQ(LinesOf(p), Lines{p + kNotFound});
+  EXPECT_TRUE(docFctDist->printedTo.empty());
+  host.traceLines.clear();
+  ASSERT_TRUE(factory.InitPrnSettings());
+  EXPECT_TRUE(factory.DoPrint(document, owner, folder / "rev", "A1"));
+  EXPECT_EQ(PageWidths(folder / "rev\\A1.PDF"), std::vector<int>{300});
+  EXPECT_EQ(host.Count(kPrompt + "pdfFactory"), 1u);
   EXPECT_EQ(LinesOf(p),
             (Lines{p + "output file set. OutFolder: " + file, p + "waiting for '" + file + "'",
                    p + "'" + file + "' really exists -> revision successfull... ",

@@ -252,7 +252,7 @@ bool PDFFactory::DoPrint(const host::HostObjectRef& document, const host::HostOb
               result = *done;
               return Then::kReturn;
             }
-            if (!device_.IPrinter()) InitPrnSettings();
+            // The printer is the one chosen before: DoPrint chooses none.
             if (!device_.IsPrinterAvailable(document)) {
               WriteTrace(P("printing revision aborted because printer could not been not found"));
               return Then::kReturn;
@@ -271,6 +271,8 @@ bool PDFFactory::DoPrint(const host::HostObjectRef& document, const host::HostOb
             WriteTrace(P("output file set.") + " OutFolder: " + outputFile);
             lock = LockOutputFolder(outputFolder, document);
             if (!lock) return Then::kCleanup;
+            // Printed as the shared pipeline prints: the prompt names the
+            // printer, not the archive as the Adobe drivers' does.
             if (!IRevisionPrinterDoPrint(document, device_.Name(), device_.IPrinter())) {
               return Then::kCleanup;
             }
