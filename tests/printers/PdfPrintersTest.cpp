@@ -113,7 +113,7 @@ TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputF
   const std::string users = folder / "All Users\\";
   const std::string portWrong = header + R(k02828) + " " + R(k02827) + kCrLf + R(k02829) + " '" +
                                 users + "'." + kCrLf + R(k0282a) + end;
-  enum Change { kNone, kNoFlags, kKeepJobs, kNoSpooler };
+  enum Change { kNone, kNoFlags, kKeepJobs, kNoSpooler, kTextFlag };
   const struct {
     std::string port, user;
     Change change;
@@ -127,6 +127,7 @@ TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputF
       {"*.pdf", "bob", kNone, "", ""},
       {out + "\\*.pdf", "bob", kKeepJobs, header + show + R(k05626) + end, out + "\\"},
       {out + "\\*.pdf", "bob", kNoSpooler, "", out + "\\"},
+      {out + "\\*.pdf", "bob", kTextFlag, "", out + "\\"},  // traced, then judged: 13
   };
   const std::string key = kPrinters + "Adobe PDF",
                     c = "VemraKestrivon::Globals::CheckAcrobatPRN(): ";
@@ -134,7 +135,10 @@ TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputF
     SCOPED_TRACE(row.port + " " + row.user);
     pp::ClearRegistry();
     SetUpAdobe("Adobe PDF", row.port);
-    if (row.change != kNone) {
+    if (row.change == kTextFlag) {
+      Reg(platform::kHKeyLocalMachine, key + "\\PrinterDriverData", "ViewPrintOutput",
+          platform::kRegSz, std::string("0\0", 2));
+    } else if (row.change != kNone) {
       pp::DeleteRegistryKey(pp::ProcessRegistryView(), platform::kHKeyLocalMachine,
                             key + (row.change == kNoFlags ? "\\PrinterDriverData" : "\\DsSpooler"));
     }
@@ -143,11 +147,16 @@ TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputF
           platform::kRegBinary, "\1");
     pp::SetUserName(row.user);
     host.traceLines.clear();
+    host.reports.clear();
     EXPECT_EQ(CheckAcrobatPRN("Adobe PDF"), row.answer);
     EXPECT_EQ(host.traceLines.back(),
-              row.answer.empty() ? c + "settings are OK"
-                                 : rule + c + end + "\tIncorrect printer settings summary:" +
-                                       kCrLf + row.answer.substr(header.size()) + rule);
+              row.change == kTextFlag ? c + "Show Results: '" + std::string("0\0 '", 4)
+              : row.answer.empty()    ? c + "settings are OK"
+                                      : rule + c + end + "\tIncorrect printer settings summary:" +
+                                         kCrLf + row.answer.substr(header.size()) + rule);
+    EXPECT_EQ(host.reports, row.change == kTextFlag
+                                ? Lines{"VemraKestrivon::Globals|Function CheckAcrobatPRN"}
+                                : Lines{});
     EXPECT_EQ(host.Count(c + "unable to find 'HKEY_LOCAL_MACHINE\\" + key +
                          "\\DsSpooler: printKeepPrintedJobs'"),
               row.change == kNoSpooler ? 1u : 0u);
