@@ -162,6 +162,11 @@ TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputF
               row.change == kNoSpooler ? 1u : 0u);
     EXPECT_EQ(GetArcobatPrnOutputDirectory("Adobe PDF"), row.outputFolder);
   }
+  // The documents folder's name in the user's language, in another case.
+  pp::SetShellFolder(platform::kCsidlPersonal, folder / "Mes Données");
+  MakeFolder(folder / "Mes Données");
+  SetUpAdobe("Adobe PDF", "MES DONNÉES\\*.pdf");
+  EXPECT_EQ(GetArcobatPrnOutputDirectory("Adobe PDF"), folder / "Mes Données\\");
 }
 
 // Each path of DoPrint, for the two Adobe classes: "P:" and "Q:" stand for

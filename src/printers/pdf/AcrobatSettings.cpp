@@ -49,7 +49,12 @@ std::string ReplaceAll(std::string text, const std::string& find, const std::str
 // A port folder that is the documents folder's own name stands for the
 // documents folder itself.
 std::string DocumentsFolderRule(const std::string& folder) {
-  if (EqualNoCase(folder, GetMyDocumentsFolderName() + "\\")) return GetMyDocumentsPath() + "\\";
+  // Without regard to case as the code page has it: the name is the
+  // user's language's ("Mes Données").
+  if (platform::LowerAnsiLetters(folder) ==
+      platform::LowerAnsiLetters(GetMyDocumentsFolderName() + "\\")) {
+    return GetMyDocumentsPath() + "\\";
+  }
   return folder;
 }
 
