@@ -222,8 +222,10 @@ std::string PDFFactory::CheckPrnSettings() {
       .Guard(std::string(), [&] {
         if (device_.Name().empty()) return Resolved(messages::k02835);
         const std::string text = CheckPDFFactorySettings();
-        if (PPMLevelDebug() && !text.empty()) {
-          DebugTrace(kLabel + "###" + "IRevisionPrinter_CheckPrnSettings(): '" + text + "'");
+        if (!text.empty()) {
+          DebugLine([&] {
+            return kLabel + "###" + "IRevisionPrinter_CheckPrnSettings(): '" + text + "'";
+          });
         }
         return text;
       });
