@@ -43,8 +43,8 @@ HARPConfiguration::HARPConfiguration() {
   Procedure(kClassLabel, "Private Sub Class_Initialize")
       .Steps(
           [&] { SetPrinterTrace(); },  //
-          [&] { globals = WorksetGlobals(); },
-          [&] { configDirectory = Required(globals).Exist("ConfigDirectory"); },
+          // One statement: the workset's Globals asked for the directory.
+          [&] { configDirectory = (globals = WorksetGlobals())->Exist("ConfigDirectory"); },
           [&] {
             if (configDirectory) iniFile = globals->ConfigDirectory() + "HARP.ini";
           },
