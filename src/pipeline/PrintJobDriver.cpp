@@ -14,6 +14,7 @@
 #include "runtime/ErrorHandler.h"
 #include "runtime/Text.h"
 #include "runtime/VbStrings.h"
+#include "services/OutputFileWaiting.h"
 #include "services/RegistrySettings.h"
 
 namespace kestrivon {
@@ -178,8 +179,9 @@ std::string GetAdobeRevisionFile(const std::string& folder,
 }
 
 std::string FindOutputFile(const std::string& folder, double reference) {
-  // The creation time comes with each entry of the search: a folder of many
-  // files costs no further call per file.
+  // Only a candidate by its name costs a query of its creation time, made
+  // when it is judged: a file gone since the listing is reported there and
+  // the search goes on.
   platform::OwnedFind search;
   platform::FoundEntry entry;
   if (!platform::FindFirstEntry(folder + "*", search.Put(), &entry)) {
@@ -190,7 +192,8 @@ std::string FindOutputFile(const std::string& folder, double reference) {
   }
   do {
     if ((entry.attributes & platform::kFileAttributeDirectory) == 0 &&
-        UpperAscii(entry.name).find(".PDF") != std::string::npos && entry.created >= reference) {
+        UpperAscii(entry.name).find(".PDF") != std::string::npos &&
+        FileCreationDateCheck(reference, folder + entry.name)) {
       return folder + entry.name;
     }
   } while (platform::FindNextEntry(search.Get(), &entry));

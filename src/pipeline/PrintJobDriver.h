@@ -40,8 +40,9 @@ bool IRevisionPrinterDoPrint(const host::HostObjectRef& document, const std::str
 std::string GetAdobeRevisionFile(const std::string& folder,
                                  const host::HostObjectRef& printerObject);
 // One pass of that search: the first such file in folder (ending in "\")
-// created at or after reference (as FileDateCreated answers it); empty when
-// there is none. Raises error 76 when the folder is missing.
+// created at or after reference (FileCreationDateCheck, which reports a
+// file gone since the listing); empty when there is none. Raises error 76
+// when the folder is missing.
 std::string FindOutputFile(const std::string& folder, double reference);
 
 // The process-wide document file helper, created on first use and kept

@@ -27,10 +27,6 @@ constexpr int32_t kCriticalOk = 16;
 constexpr int64_t kNewLockSeconds = 2;
 constexpr uint32_t kNewLockWait = 2000;
 
-void Debug(const std::string& line) {
-  if (PPMLevelDebug()) DebugTrace(line);
-}
-
 // The name of the document owner's current user.
 std::string UserName(const host::HostObjectRef& document) {
   const host::HostObjectRef owner = Required(host::AsVemraObject(document)).Owner();
@@ -42,13 +38,13 @@ std::string UserName(const host::HostObjectRef& document) {
 
 RevisionFileLock::RevisionFileLock() {
   Procedure(kLockClass, "Private Sub Class_Initialize").Guard([] {
-    Debug("### Kestrivon::DocumentLock::Class_Initialize()...");
+    DebugLine([] { return "### Kestrivon::DocumentLock::Class_Initialize()..."; });
   });
 }
 
 RevisionFileLock::~RevisionFileLock() {
   Procedure(kLockClass, "Private Sub Class_Terminate").GuardNoThrow([] {
-    Debug("### Kestrivon::DocumentLock::Class_Terminate()...");
+    DebugLine([] { return "### Kestrivon::DocumentLock::Class_Terminate()..."; });
   });
 }
 
@@ -61,7 +57,7 @@ void RevisionFileLock::SetOutputDirectory(const std::string& folder) {
 
 void RevisionFileLock::WriteLock(const host::HostObjectRef& document) {
   Procedure(kLockClass, "Public Sub WriteLock").Guard([&] {
-    Debug("### Kestrivon::DocumentLock::WriteLock(): writing lock-file...");
+    DebugLine([] { return "### Kestrivon::DocumentLock::WriteLock(): writing lock-file..."; });
     if (!document) {
       WriteTrace("Kestrivon::DocumentLock::WriteLock(): Document is nothing -> leaving sub...");
       return;
@@ -122,7 +118,9 @@ std::string RevisionFileLock::LockFileName(const host::HostObjectRef& document) 
     }
     std::string name =
         outputDirectory_ + Required(host::AsVemraObject(document)).DocumentName() + kLockExtension;
-    Debug("### Kestrivon::DocumentLock::LockFileName(): lock-file name is '" + name + "'");
+    DebugLine([&] {
+      return "### Kestrivon::DocumentLock::LockFileName(): lock-file name is '" + name + "'";
+    });
     return name;
   });
 }
@@ -176,25 +174,31 @@ bool IsRevisionFileLocked(const std::string& path, const host::HostObjectRef& do
     const double created = lock.created;
     const LockAge age = JudgeLockAge(lock.ageSeconds);
     if (age == LockAge::kNew) {
-      Debug(
-          "VemraKestrivon::Globals::IsRevisionFileLocked(): Lock-file is newly created -> "
-          "waiting for 2 seconds...");
+      DebugLine([] {
+        return "VemraKestrivon::Globals::IsRevisionFileLocked(): Lock-file is newly created -> "
+               "waiting for 2 seconds...";
+      });
       platform::Sleep(kNewLockWait);
       if (!platform::FileExists(path)) {
         locked = false;
         return;
       }
     } else if (age == LockAge::kStale) {
-      Debug("VemraKestrivon::Globals::IsRevisionFileLocked(): old lock-file found ('" + path +
-            "') -> ignoring...");
+      DebugLine([&] {
+        return "VemraKestrivon::Globals::IsRevisionFileLocked(): old lock-file found ('" + path +
+               "') -> ignoring...";
+      });
       locked = false;
       return;
     }
     const std::string createdText = pipeline::DateText(created);
-    Debug(std::string("VemraKestrivon::Globals") +
-          "IsRevisionFileLocked(): " + "Revision file is locked!" + "\r\n\t- Filename: '" + path +
-          "'" + "\r\n\t- User: '" + user + "\r\n\t- Computer: '" + computer + "\r\n\t- Date: '" +
-          writtenAt + "' / Creation Date: '" + createdText + "'" + "\r\n--> aborting!!...");
+    DebugLine([&] {
+      return std::string("VemraKestrivon::Globals") +
+             "IsRevisionFileLocked(): " + "Revision file is locked!" + "\r\n\t- Filename: '" +
+             path + "'" + "\r\n\t- User: '" + user + "\r\n\t- Computer: '" + computer +
+             "\r\n\t- Date: '" + writtenAt + "' / Creation Date: '" + createdText + "'" +
+             "\r\n--> aborting!!...";
+    });
     host::TraceService& texts = TraceServiceObject();
     const std::string message = texts.ResolveText(messages::k026ef) + "\r\n" +
                                 texts.ResolveText(messages::k01114) + " " + user + "\r\n" +

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "runtime/RunTimeError.h"
 
@@ -33,5 +34,13 @@ inline std::string Right(const std::string& text, long long length) {
   const auto n = static_cast<size_t>(length);
   return n >= text.size() ? text : text.substr(text.size() - n);
 }
+
+// Val(text): the number that the text begins with, 0 when it begins with
+// none. Blanks, tabs and line feeds are skipped anywhere; "&H" and "&O"
+// begin a hexadecimal or octal number, which counts as a 16-bit or 32-bit
+// whole number by its size (&HFFFF is -1, a trailing "&" makes it 32-bit);
+// otherwise a sign, digits, a point, digits and an exponent ("E" or "D")
+// as far as they go. A number too large for its type raises 6 (overflow).
+double Val(std::string_view text);
 
 }  // namespace kestrivon::vb

@@ -1,3 +1,4 @@
+#include <fstream>
 #include <thread>
 
 #include "PipelineFixture.h"
@@ -162,12 +163,21 @@ TEST_F(DriverTest, TheOutputFileIsTheFirstPdfCreatedSinceTheLock) {
   EXPECT_LE(elapsed, 182000u);
   EXPECT_EQ(host.traceLines.back(), kNone);
 
-  // A file that appears while waiting is taken, whatever follows ".PDF".
+  // A file that appears while waiting is taken, whatever follows ".PDF". A
+  // candidate gone by the time it is checked (here a name that cannot be
+  // opened as the listing gives it) is reported by the check and passed over.
   const uint64_t start = clock->Elapsed();
-  clock->At(start + 30000, [&] { WriteWholeFile(folder / "x.PDF.tmp", "%PDF"); });
+  host.reports.clear();
+  host.errors.clear();
+  clock->At(start + 30000, [&] {
+    std::ofstream(NativePath(folder.Path()) + "/gone\\x.PDF") << "%PDF";
+    WriteWholeFile(folder / "x.PDF.tmp", "%PDF");
+  });
   EXPECT_EQ(GetAdobeRevisionFile(out, printer), out + "x.PDF.tmp");
   EXPECT_EQ(clock->Elapsed() - start, 30000u);
   EXPECT_EQ(host.traceLines.back(), kFound + out + "x.PDF.tmp')");
+  EXPECT_EQ(host.reports, Lines{"VemraKestrivon::Globals|Function FileCreationDateCheck"});
+  EXPECT_EQ(host.Numbers(), std::vector<int32_t>{53});
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "platform/AnsiText.h"
 #include "platform/FileSystem.h"
 #include "support/Fixture.h"
 
@@ -43,6 +44,12 @@ TEST(TextFilesConformance, LinesAreWrittenWithCrLfAndReadBackUpToTheEnd) {
   SetReadOnly(path, true);
   EXPECT_EQ(ErrorOf([&] { WriteAnsiTextLines(path, {"x"}); }), 70);
   SetReadOnly(path, false);
+}
+
+// Case as the code page has it: its letters fold, each at its length, and
+// what it lacks stays.
+TEST(TextFilesConformance, TheCodePagesLettersFoldToLowerCase) {
+  EXPECT_EQ(LowerAnsiLetters("GRÖSSE Äb ÀÉÞ Š x€ 1-Z"), "grösse äb àéþ š x€ 1-z");
 }
 
 }  // namespace

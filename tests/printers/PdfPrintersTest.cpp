@@ -38,6 +38,9 @@ const std::string kPrinters = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\
 const std::string kFactory = "Software\\FinePrint Software\\pdfFactory";
 const std::string kCrLf = "\r\n";
 const std::string kNotFound = "printing revision aborted because printer could not been not found";
+const std::string kPrompt =
+    "VemraKestrivon::Globals.IRevisionPrinterDoPrint(): UserPrompt: ||Print Revision of A-100 Plan "
+    "to ";
 // A message as the fixture's host resolves it.
 std::string R(const char* text) { return std::string(text).substr(7); }
 
@@ -115,7 +118,7 @@ TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputF
   const std::string users = folder / "All Users\\";
   const std::string portWrong = header + R(k02828) + " " + R(k02827) + kCrLf + R(k02829) + " '" +
                                 users + "'." + kCrLf + R(k0282a) + end;
-  enum Change { kNone, kNoFlags, kKeepJobs, kNoSpooler };
+  enum Change { kNone, kNoFlags, kKeepJobs, kNoSpooler, kTextFlag };
   const struct {
     std::string port, user;
     Change change;
@@ -129,6 +132,7 @@ TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputF
       {"*.pdf", "bob", kNone, "", ""},
       {out + "\\*.pdf", "bob", kKeepJobs, header + show + R(k05626) + end, out + "\\"},
       {out + "\\*.pdf", "bob", kNoSpooler, "", out + "\\"},
+      {out + "\\*.pdf", "bob", kTextFlag, "", out + "\\"},  // traced, then judged: 13
   };
   const std::string key = kPrinters + "Adobe PDF",
                     c = "VemraKestrivon::Globals::CheckAcrobatPRN(): ";
@@ -136,7 +140,10 @@ TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputF
     SCOPED_TRACE(row.port + " " + row.user);
     pp::ClearRegistry();
     SetUpAdobe("Adobe PDF", row.port);
-    if (row.change != kNone) {
+    if (row.change == kTextFlag) {
+      Reg(platform::kHKeyLocalMachine, key + "\\PrinterDriverData", "ViewPrintOutput",
+          platform::kRegSz, std::string("0\0", 2));
+    } else if (row.change != kNone) {
       pp::DeleteRegistryKey(pp::ProcessRegistryView(), platform::kHKeyLocalMachine,
                             key + (row.change == kNoFlags ? "\\PrinterDriverData" : "\\DsSpooler"));
     }
@@ -145,16 +152,26 @@ TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputF
           platform::kRegBinary, "\1");
     pp::SetUserName(row.user);
     host.traceLines.clear();
+    host.reports.clear();
     EXPECT_EQ(CheckAcrobatPRN("Adobe PDF"), row.answer);
     EXPECT_EQ(host.traceLines.back(),
-              row.answer.empty() ? c + "settings are OK"
-                                 : rule + c + end + "\tIncorrect printer settings summary:" +
-                                       kCrLf + row.answer.substr(header.size()) + rule);
+              row.change == kTextFlag ? c + "Show Results: '" + std::string("0\0 '", 4)
+              : row.answer.empty()    ? c + "settings are OK"
+                                      : rule + c + end + "\tIncorrect printer settings summary:" +
+                                         kCrLf + row.answer.substr(header.size()) + rule);
+    EXPECT_EQ(host.reports, row.change == kTextFlag
+                                ? Lines{"VemraKestrivon::Globals|Function CheckAcrobatPRN"}
+                                : Lines{});
     EXPECT_EQ(host.Count(c + "unable to find 'HKEY_LOCAL_MACHINE\\" + key +
                          "\\DsSpooler: printKeepPrintedJobs'"),
               row.change == kNoSpooler ? 1u : 0u);
     EXPECT_EQ(GetArcobatPrnOutputDirectory("Adobe PDF"), row.outputFolder);
   }
+  // The documents folder's name in the user's language, in another case.
+  pp::SetShellFolder(platform::kCsidlPersonal, folder / "Mes Données");
+  MakeFolder(folder / "Mes Données");
+  SetUpAdobe("Adobe PDF", "MES DONNÉES\\*.pdf");
+  EXPECT_EQ(GetArcobatPrnOutputDirectory("Adobe PDF"), folder / "Mes Données\\");
 }
 
 // Each path of DoPrint, for the two Adobe classes: "P:" and "Q:" stand for
@@ -221,6 +238,8 @@ TEST_F(PdfPrinters, AdobeDriversDoPrintPathsTraceInOrderAndAlwaysRemoveTheirLock
                (line[0] == 'P' ? "::IRevisionPrinter_DoPrint(): " : ".IRevisionPrinter_DoPrint: ") +
                line.substr(2);
       EXPECT_EQ(LinesOf(p), expected);
+      // The prompt names the archive, not the printer.
+      EXPECT_EQ(host.Count(kPrompt + folder / "rev\\A1.PDF"), row.path >= kNoFile ? 1u : 0u);
       EXPECT_EQ(host.Count("Kestrivon::DocumentLock::DeleteLock(): lock-file ('" + out +
                            "\\A-100.RLCK') deleted"),
                 row.path >= kNoFile ? 1u : 0u);
@@ -323,11 +342,18 @@ TEST_F(PdfPrinters, PdfFactoryPrintsIntoTheNamedFileUnderTheTempLock) {
     MakePdf(file.substr(0, file.size() - 1), {300});
     return true;
   };
-  PDFFactory factory;
-  EXPECT_TRUE(factory.DoPrint(document, owner, folder / "rev", "A1"));
-  EXPECT_EQ(PageWidths(folder / "rev\\A1.PDF"), std::vector<int>{300});
   const std::string p = "VemraKestrivon::PDFFactory::IRevisionPrinter_DoPrint(): ",
                     file = out + "\\R2P1..PDF";
+  // DoPrint chooses no printer: the one InitPrnSettings chose, or none.
+  PDFFactory factory;
+  EXPECT_FALSE(factory.DoPrint(document, owner, folder / "rev", "A1"));
+  EXPECT_EQ(LinesOf(p), Lines{p + kNotFound});
+  EXPECT_TRUE(docFctDist->printedTo.empty());
+  host.traceLines.clear();
+  ASSERT_TRUE(factory.InitPrnSettings());
+  EXPECT_TRUE(factory.DoPrint(document, owner, folder / "rev", "A1"));
+  EXPECT_EQ(PageWidths(folder / "rev\\A1.PDF"), std::vector<int>{300});
+  EXPECT_EQ(host.Count(kPrompt + "pdfFactory"), 1u);
   EXPECT_EQ(LinesOf(p),
             (Lines{p + "output file set. OutFolder: " + file, p + "waiting for '" + file + "'",
                    p + "'" + file + "' really exists -> revision successfull... ",

@@ -1,10 +1,29 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
 #include "RecordingHost.h"
 #include "frame/trace/Trace.h"
+#include "pipeline/RevisionFileLock.h"
 #include "printers/pdf/AdobePDF.h"
 #include "printers/pdf/NoFile.h"
 #include "runtime/RunTimeError.h"
+
+// This program's heap allocations, counted so that a debug-only line can be
+// seen to cost nothing while the switch is off.
+namespace {
+std::atomic<size_t> g_allocations{0};
+}  // namespace
+
+void* operator new(std::size_t size) {
+  ++g_allocations;
+  if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
+  throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace kestrivon::test {
 namespace {
@@ -17,6 +36,20 @@ TEST(DebugSwitch, FollowsTheLevelAboveTwo) {
     host.level = level;
     PPMInit();
     EXPECT_EQ(PPMLevelDebug(), expected) << "level " << level;
+  }
+}
+
+// A debug-only line's text is built only once the switch said yes: a lock,
+// whose making and release write nothing else, then costs no allocation.
+TEST(DebugSwitch, OffDebugLinesAreNotEvenBuilt) {
+  for (const int level : {2, 3}) {
+    RecordingHost host;
+    host.level = level;
+    PPMInit();
+    const size_t before = g_allocations;
+    { RevisionFileLock lock; }
+    EXPECT_EQ(g_allocations == before, level == 2) << "level " << level;
+    EXPECT_EQ(host.debugLines.size(), level == 2 ? 0u : 2u);
   }
 }
 

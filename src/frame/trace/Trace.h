@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "frame/trace/ClassLabels.h"
 #include "host/TraceService.h"
@@ -17,8 +18,8 @@ host::TraceService& TraceServiceObject();
 // One line to the host's trace, whatever the debug switch says.
 void WriteTrace(const std::string& line);
 
-// One debug-only line to the debugger output. Callers build the text only
-// after PPMLevelDebug() answered true, so that it costs nothing otherwise.
+// One line to the debugger output, for a debug-only line whose text is
+// already built (DebugLine builds it only when wanted).
 void DebugTrace(const std::string& line);
 
 // Prepares the InstanceMonitor once per process: decides the debug switch
@@ -27,6 +28,14 @@ void PPMInit();
 
 // The debug switch: the diagnostic level was above 2 when PPMInit ran.
 bool PPMLevelDebug();
+
+// A debug-only line to the debugger output. `line` builds its text and is
+// called only after PPMLevelDebug() answered true, so that the line costs
+// nothing while the switch is off.
+template <class Line>
+void DebugLine(Line&& line) {
+  if (PPMLevelDebug()) DebugTrace(std::forward<Line>(line)());
+}
 
 // The component's process-wide counters of live printer objects.
 int32_t& InstanceCount();

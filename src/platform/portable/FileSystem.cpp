@@ -266,16 +266,22 @@ bool FileExists(const std::string& path) {
 }
 
 double FileDateCreated(const std::string& path) {
-  const std::string host = portable::ResolveHostPath(path);
-  if (!portable::IsFile(host)) RaiseFileSystemError(kErrFileNotFound);
+  // One query of the path as written, the usual case (the output-file
+  // search asks once per candidate); names are matched without regard to
+  // case only when it finds no file.
   struct statx st {};
-  int64_t seconds = 0;
-  if (::statx(AT_FDCWD, host.c_str(), 0, STATX_BTIME | STATX_MTIME, &st) == 0) {
-    seconds = (st.stx_mask & STATX_BTIME) != 0 ? st.stx_btime.tv_sec : st.stx_mtime.tv_sec;
-  } else {
+  const auto query = [&st](const std::string& host) {
+    return !host.empty() &&
+           ::statx(AT_FDCWD, host.c_str(), 0, STATX_TYPE | STATX_BTIME | STATX_MTIME, &st) == 0 &&
+           !S_ISDIR(st.stx_mode);
+  };
+  const std::string written =
+      portable::CharacterCount(path) > portable::kMaxAnsiPath ? "" : portable::HostPath(path);
+  if (!query(written) && !query(portable::ResolveHostPath(path))) {
     RaiseFileSystemError(kErrFileNotFound);
   }
-  return portable::LocalDateFromUnixSeconds(seconds);
+  const auto created = (st.stx_mask & STATX_BTIME) != 0 ? st.stx_btime : st.stx_mtime;
+  return portable::LocalDateFromUnixSeconds(created.tv_sec);
 }
 
 void DeleteFileWithForce(const std::string& path, bool force) {

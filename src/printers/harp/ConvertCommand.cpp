@@ -21,28 +21,39 @@ constexpr const char* kWindowsUser = "%WindowsUser%";
 // What follows the executable in the "GsCall" parameter.
 constexpr size_t kGsSwitches = std::char_traits<char>::length(" -q -dSAFER -dNOPAUSE -dBATCH");
 
-// A setting that holds a placeholder that names itself makes the
-// substitution call itself without end; the run time ends such a recursion
-// with error 28 once its stack is used up. The passes are made in a loop,
-// so the host's stack never grows, and the error is raised where a nesting
-// of this many calls would have been reached.
+// A recursion of the substitution that no setting ends (a placeholder
+// reached again through the values it inserts) ends with error 28 once the
+// run time's stack is used up. The passes are made in a loop, so the host's
+// stack never grows, and the error is raised where a nesting of this many
+// calls would have been reached. The one such recursion that a setting makes
+// by itself is recognised before its first pass, so that it costs nothing
+// however long the setting is.
 constexpr int kSubstitutionDepth = 1000;
-// A text that grows with each pass, or parameters that insert one another
-// twice over, run out of memory first, as the run time's string space
-// would; here once the text is longer than any command line Windows starts
-// (32767 characters), since it is of no use after that, the growth can be
-// exponential and every pass reads the whole text.
-constexpr size_t kLongestText = 32768;
+// The run time's string space: a 32-bit host process finds no room for the
+// run time's copies of a text this long (128 MB each as UTF-16), so a
+// replacement that would make a longer one ends with error 7 before
+// anything is built. No command line comes near it; parameters that insert
+// one another twice over reach it after a few dozen doublings.
+constexpr size_t kStringSpace = size_t{1} << 26;
 
 // Replace of the run time: every occurrence, left to right.
 std::string Replace(const std::string& text, const std::string& find, const std::string& with) {
+  if (find.empty()) return text;
+  size_t count = 0;
+  for (size_t at = text.find(find); at != std::string::npos;
+       at = text.find(find, at + find.size())) {
+    ++count;
+  }
+  if (count == 0) return text;
+  const size_t growth = with.size() > find.size() ? with.size() - find.size() : 0;
+  if (text.size() > kStringSpace || (growth > 0 && count > (kStringSpace - text.size()) / growth)) {
+    Raise(vb_error::kOutOfMemory);
+  }
   std::string out;
+  out.reserve(text.size() + count * growth);
   size_t start = 0;
-  while (true) {
-    const size_t found = text.find(find, start);
-    if (found == std::string::npos) break;
+  for (size_t found = text.find(find); found != std::string::npos; found = text.find(find, start)) {
     out.append(text, start, found - start).append(with);
-    if (out.size() > kLongestText) Raise(vb_error::kOutOfMemory);
     start = found + find.size();
   }
   return out.append(text, start, std::string::npos);
@@ -117,16 +128,40 @@ std::string HARPConfiguration::PlaceHolderSubstitution(const std::string& text) 
         std::string result = text;
         for (int depth = 1;; ++depth) {
           if (depth > kSubstitutionDepth) Raise(vb_error::kOutOfStackSpace);
-          // Always enclosed, even when the setting is quoted already.
-          result = Replace(result, kPostScript, "\"" + printerRedirection_ + "\"");
-          result = Replace(result, kConversion, "\"" + outputFullFileName_ + "\"");
-          result = Replace(result, kWindowsUser, WinUserName());
-          result = Replace(result, "%TimeStamp%", timeStamp_);
-          result = Replace(result, "%VemraSystemUID%", systemUid_);
+          const std::string user = WinUserName();
+          if (Holds(result, kPostScript) && RedirectionReinsertsItself(user)) {
+            Raise(vb_error::kOutOfStackSpace);
+          }
+          result = SubstitutionPass(result, user);
           // An inserted setting may hold placeholders again: one more pass.
           if (!Holds(result, kPostScript) && !Holds(result, kWindowsUser)) return result;
         }
       });
+}
+
+std::string HARPConfiguration::SubstitutionPass(const std::string& text,
+                                                const std::string& user) const {
+  // Always enclosed, even when the setting is quoted already.
+  std::string result = Replace(text, kPostScript, "\"" + printerRedirection_ + "\"");
+  result = Replace(result, kConversion, "\"" + outputFullFileName_ + "\"");
+  return RestOfPass(result, user);
+}
+
+std::string HARPConfiguration::RestOfPass(const std::string& text, const std::string& user) const {
+  std::string result = Replace(text, kWindowsUser, user);
+  result = Replace(result, "%TimeStamp%", timeStamp_);
+  return Replace(result, "%VemraSystemUID%", systemUid_);
+}
+
+bool HARPConfiguration::RedirectionReinsertsItself(const std::string& user) const {
+  // A pass puts the redirection between quotes, which no placeholder
+  // spans: whatever surrounds it, the rest of the pass turns it into the
+  // same text. When that text holds the placeholder again, every later
+  // pass does the same and the recursion cannot end.
+  return Holds(
+      RestOfPass(Replace(printerRedirection_, kConversion, "\"" + outputFullFileName_ + "\""),
+                 user),
+      kPostScript);
 }
 
 std::string HARPConfiguration::InsertPaperSizeValues(const PageDescription& page,

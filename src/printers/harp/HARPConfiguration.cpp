@@ -1,14 +1,12 @@
 #include "printers/harp/HARPConfiguration.h"
 
-#include <cctype>
-#include <cstdlib>
-
 #include "frame/trace/Trace.h"
 #include "platform/Environment.h"
 #include "platform/FileSearch.h"
 #include "printers/harp/PrinterTrace.h"
 #include "runtime/ErrorHandler.h"
 #include "runtime/Variant.h"
+#include "runtime/VbStrings.h"
 #include "services/IniFiles.h"
 #include "services/MessageTexts.h"
 #include "services/RegistrySettings.h"
@@ -32,39 +30,6 @@ bool IniFileFound(const std::string& name) {
   return files.has_value() && !files->empty();
 }
 
-// The run time's Val: blanks, tabs and line feeds are skipped anywhere; then
-// a sign, digits, a point, digits and an exponent as far as they go.
-double LeadingNumber(const std::string& text) {
-  std::string compact;
-  for (char c : text) {
-    if (c != ' ' && c != '\t' && c != '\n' && c != '\r') compact += c;
-  }
-  size_t i = 0;
-  std::string number;
-  auto digits = [&] {
-    while (i < compact.size() && std::isdigit(static_cast<unsigned char>(compact[i])) != 0) {
-      number += compact[i++];
-    }
-  };
-  if (i < compact.size() && (compact[i] == '+' || compact[i] == '-')) number += compact[i++];
-  digits();
-  if (i < compact.size() && compact[i] == '.') {
-    number += compact[i++];
-    digits();
-  }
-  if (i < compact.size() &&
-      (compact[i] == 'e' || compact[i] == 'E' || compact[i] == 'd' || compact[i] == 'D')) {
-    const std::string mantissa = number;
-    number += 'e';
-    ++i;
-    if (i < compact.size() && (compact[i] == '+' || compact[i] == '-')) number += compact[i++];
-    const size_t before = number.size();
-    digits();
-    if (number.size() == before) number = mantissa;
-  }
-  return std::strtod(number.c_str(), nullptr);
-}
-
 }  // namespace
 
 HARPConfiguration::HARPConfiguration() {
@@ -72,23 +37,28 @@ HARPConfiguration::HARPConfiguration() {
   // Asked for once; both look-ups go to the same workset.
   std::shared_ptr<host::WorksetGlobals> globals;
   std::string iniFile;
+  // Each statement is a step: after an error creation goes on with the next
+  // one, so a trace that cannot be written does not keep the box from
+  // showing.
   Procedure(kClassLabel, "Private Sub Class_Initialize")
       .Steps(
-          [&] { SetPrinterTrace(); },
+          [&] { SetPrinterTrace(); },  //
+          // One statement: the workset's Globals asked for the directory.
+          [&] { configDirectory = (globals = WorksetGlobals())->Exist("ConfigDirectory"); },
           [&] {
-            globals = WorksetGlobals();
-            configDirectory = globals->Exist("ConfigDirectory");
+            if (configDirectory) iniFile = globals->ConfigDirectory() + "HARP.ini";
           },
           [&] {
-            if (!configDirectory) return;
-            iniFile = globals->ConfigDirectory() + "HARP.ini";
-            configFileLoaded_ = LoadSettingsFromIniFile(iniFile);
+            if (configDirectory) configFileLoaded_ = LoadSettingsFromIniFile(iniFile);
           },
           [&] {
             if (configDirectory) return;
             Trace(
                 kTraceFailure,
                 "VemraKestrivon::HARPConfiguration::Class_Initialize(): MsgBox: 'Retrieving configuration path failed.' (-> Workset.Globals.ConfigDirectory has not been set)");
+          },
+          [&] {
+            if (configDirectory) return;
             TraceServiceObject().ShowMessageBox(Resolved(messages::k0407e), kCriticalOk,
                                                 Resolved(messages::k01d8c));
           },
@@ -317,7 +287,7 @@ double HARPConfiguration::ConvertIniFileStringToDouble(const std::string& text) 
     for (char& c : pointed) {
       if (c == ',') c = '.';
     }
-    return LeadingNumber(pointed);
+    return vb::Val(pointed);
   });
 }
 

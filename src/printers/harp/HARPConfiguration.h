@@ -75,6 +75,14 @@ class HARPConfiguration {
 
  private:
   void Trace(int32_t level, const std::string& text);
+  // One pass of the substitution with the user's name, and its part after
+  // the two file names.
+  [[nodiscard]] std::string SubstitutionPass(const std::string& text,
+                                             const std::string& user) const;
+  [[nodiscard]] std::string RestOfPass(const std::string& text, const std::string& user) const;
+  // True when a pass that inserts the redirection inserts its placeholder
+  // again with it: from then on the substitution has no end.
+  [[nodiscard]] bool RedirectionReinsertsItself(const std::string& user) const;
 
   std::string printerName_;
   std::string printerRedirection_;

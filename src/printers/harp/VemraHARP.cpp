@@ -33,8 +33,10 @@ VemraHARP::VemraHARP() {
                   "VemraKestrivon::VemraHARP Class_Initialize: Harp Printer is not supported");
           },
           [&] { configuration_ = std::make_unique<HARPConfiguration>(); },
+          // Each statement is a step of its own: a facility that cannot be
+          // made still leaves the line that says so.
+          [&] { traceSource_ = MakePrinterTraceSource(); },
           [&] {
-            traceSource_ = MakePrinterTraceSource();
             if (!traceSource_)
               WriteTrace("VemraKestrivon::VemraHARP :: Initialize Printer TraceSource failed");
           });

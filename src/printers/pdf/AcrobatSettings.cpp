@@ -49,7 +49,12 @@ std::string ReplaceAll(std::string text, const std::string& find, const std::str
 // A port folder that is the documents folder's own name stands for the
 // documents folder itself.
 std::string DocumentsFolderRule(const std::string& folder) {
-  if (EqualNoCase(folder, GetMyDocumentsFolderName() + "\\")) return GetMyDocumentsPath() + "\\";
+  // Without regard to case as the code page has it: the name is the
+  // user's language's ("Mes Données").
+  if (platform::LowerAnsiLetters(folder) ==
+      platform::LowerAnsiLetters(GetMyDocumentsFolderName() + "\\")) {
+    return GetMyDocumentsPath() + "\\";
+  }
   return folder;
 }
 
@@ -70,11 +75,11 @@ constexpr Flag kFlags[] = {
      "Ask before replacing existing file is activates <-> should be deactivated", messages::k02836},
 };
 
-// Settings 1 to 3 as read: wrong unless the value is 0.
-bool FlagWrong(const std::string& key, const Flag& flag, Variant& value) {
-  value = int16_t{-999};
+// Settings 1 to 3 as read; a missing value reads -999.
+Variant ReadFlag(const std::string& key, const Flag& flag) {
+  Variant value = int16_t{-999};
   GetValue(kHKeyLocalMachine, key + kDriverData, flag.value, value);
-  return VariantToLong(value) != 0;
+  return value;
 }
 
 // The folder the check derives from a port; none when the port is too short
@@ -112,10 +117,10 @@ std::string CheckAcrobatPRN(const std::string& printerName) {
     WriteTrace(kC + "Adobe Registry Key: '" + key + "'");
     for (const Flag& flag : kFlags) {
       LookingUp(key, flag.value);
-      Variant value;
-      const bool wrong = FlagWrong(key, flag, value);
+      const Variant value = ReadFlag(key, flag);
+      // Traced as read, before the judgement, which a text value fails.
       WriteTrace(kC + flag.label + VariantToString(value) + "'");
-      if (wrong) {
+      if (VariantToLong(value) != 0) {
         WriteTrace(kC + flag.wrongTrace);
         summary += Resolved(messages::k02824) + Resolved(flag.item) + kCrLf + kCrLf;
       }
@@ -176,8 +181,8 @@ std::vector<SettingFinding> AcrobatSettingFindings(const std::string& printerNam
         const std::string machine = "HKEY_LOCAL_MACHINE\\";
         std::vector<SettingFinding> findings;
         for (const Flag& flag : kFlags) {
-          Variant value;
-          if (FlagWrong(key, flag, value)) {
+          const Variant value = ReadFlag(key, flag);
+          if (VariantToLong(value) != 0) {
             // The default a missing value reads.
             const std::string found =
                 VariantToLong(value) == -999 ? kMissingSetting : VariantToString(value);

@@ -53,7 +53,8 @@ bool AcrobatWriter::DoPrint(const host::HostObjectRef& document,
     std::string outputFile = DocumentFileHelperObject().TempOutputName(Extension());
     if (platform::FileExists(outputFile)) DeleteTempOutputFile(outputFolder_);
     SetAcrobatPDFWriterOutput(outputFile);
-    if (!IRevisionPrinterDoPrint(document, device_.Name(), printer)) return false;
+    // The prompt names the archive, as with the other Adobe drivers.
+    if (!IRevisionPrinterDoPrint(document, target, printer)) return false;
     outputFile = GetAdobeRevisionFile(outputFolder_, printer);
     if (outputFile.empty()) {
       WriteTrace(P("could not find the printed revision file."));

@@ -102,7 +102,7 @@ bool AdobePDF::CollectPrintedFile(const host::HostObjectRef& document,
 }
 
 void AdobePDF::AnnounceLockDeletion() {
-  if (PPMLevelDebug()) DebugTrace("### " + P("about to delete lock-file..."));
+  DebugLine([&] { return "### " + P("about to delete lock-file..."); });
 }
 
 std::string AdobePDF::SetAdobePDFOutputFileName(bool isVemraDoc,

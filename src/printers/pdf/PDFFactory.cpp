@@ -222,8 +222,10 @@ std::string PDFFactory::CheckPrnSettings() {
       .Guard(std::string(), [&] {
         if (device_.Name().empty()) return Resolved(messages::k02835);
         const std::string text = CheckPDFFactorySettings();
-        if (PPMLevelDebug() && !text.empty()) {
-          DebugTrace(kLabel + "###" + "IRevisionPrinter_CheckPrnSettings(): '" + text + "'");
+        if (!text.empty()) {
+          DebugLine([&] {
+            return kLabel + "###" + "IRevisionPrinter_CheckPrnSettings(): '" + text + "'";
+          });
         }
         return text;
       });
@@ -252,7 +254,7 @@ bool PDFFactory::DoPrint(const host::HostObjectRef& document, const host::HostOb
               result = *done;
               return Then::kReturn;
             }
-            if (!device_.IPrinter()) InitPrnSettings();
+            // The printer is the one chosen before: DoPrint chooses none.
             if (!device_.IsPrinterAvailable(WorksetOf(document))) {
               WriteTrace(P("printing revision aborted because printer could not been not found"));
               return Then::kReturn;
@@ -271,6 +273,8 @@ bool PDFFactory::DoPrint(const host::HostObjectRef& document, const host::HostOb
             WriteTrace(P("output file set.") + " OutFolder: " + outputFile);
             lock = LockOutputFolder(outputFolder, document);
             if (!lock) return Then::kCleanup;
+            // Printed as the shared pipeline prints: the prompt names the
+            // printer, not the archive as the Adobe drivers' does.
             if (!IRevisionPrinterDoPrint(document, device_.Name(), device_.IPrinter())) {
               return Then::kCleanup;
             }

@@ -109,7 +109,9 @@ bool AcrobatPrinter::AcrobatDoPrint(const host::HostObjectRef& document,
             if (!lock) return Then::kCleanup;
             std::string outputFile;
             BeforePrinting(document, outputFile);
-            if (!IRevisionPrinterDoPrint(document, device_.Name(), device_.IPrinter())) {
+            // The prompt names the archive: the target goes where the
+            // printer's name would.
+            if (!IRevisionPrinterDoPrint(document, target, device_.IPrinter())) {
               return Then::kCleanup;
             }
             result = CollectPrintedFile(document, outputFolder, outputFile, target);

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "frame/trace/Trace.h"
+#include "platform/AnsiText.h"
 #include "platform/FileSystem.h"
 #include "runtime/ErrorHandler.h"
 #include "runtime/Text.h"
@@ -73,10 +74,11 @@ std::string Dummy::GetValueFromGroupFile(const std::string& groupFile, const std
       WriteTrace(prefix + "unable to open group file");
       return std::string();
     }
-    const std::string wanted = LowerAscii(key);
+    // Without regard to case, as the code page has it: Ä matches ä.
+    const std::string wanted = platform::LowerAnsiLetters(key);
     std::string value;
     for (const std::string& line : lines) {
-      const size_t at = LowerAscii(line).find(wanted);
+      const size_t at = platform::LowerAnsiLetters(line).find(wanted);
       if (at == std::string::npos) continue;
       value = std::string(Trim(line.substr(at + key.size()), " "));
       WriteTrace(prefix + key + " '" + value + "'");

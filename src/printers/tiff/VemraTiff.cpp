@@ -16,13 +16,13 @@ VemraTiff::VemraTiff() {
     PPMInit();
     ++TiffInstanceCount();
     ++InstanceCount();
-    if (PPMLevelDebug()) {
-      DebugTrace(kRule + "\r\n\t" + "VemraKestrivon::VemraTiff::Class_Initialize()..." + "\r\n\t" +
-                 "Debug-Version 11 Nov. 2006" + "\r\n\t" +
-                 "Number of VemraTiff-instances: " + std::to_string(TiffInstanceCount()) +
-                 "\r\n\t" + "Number of Kestrivon-instances: " + std::to_string(InstanceCount()) +
-                 "\r\n" + kRule + "\r\n");
-    }
+    DebugLine([] {
+      return kRule + "\r\n\t" + "VemraKestrivon::VemraTiff::Class_Initialize()..." + "\r\n\t" +
+             "Debug-Version 11 Nov. 2006" + "\r\n\t" +
+             "Number of VemraTiff-instances: " + std::to_string(TiffInstanceCount()) + "\r\n\t" +
+             "Number of Kestrivon-instances: " + std::to_string(InstanceCount()) + "\r\n" + kRule +
+             "\r\n";
+    });
   });
 }
 
@@ -31,12 +31,12 @@ VemraTiff::~VemraTiff() {
     --TiffInstanceCount();
     --InstanceCount();
     Device().Shutdown();
-    if (PPMLevelDebug()) {
-      DebugTrace(kRule + "\r\n\t" + std::string(kClassLabel) + "Class_Terminate()..." + "\r\n\t" +
-                 "-> Number of Kestrivon-instances is now " + std::to_string(InstanceCount()) +
-                 "\r\n\t" + "- Number of VemraTiff-Instances is now " +
-                 std::to_string(TiffInstanceCount()) + "\r\n" + kRule + "\r\n\r\n");
-    }
+    DebugLine([] {
+      return kRule + "\r\n\t" + std::string(kClassLabel) + "Class_Terminate()..." + "\r\n\t" +
+             "-> Number of Kestrivon-instances is now " + std::to_string(InstanceCount()) +
+             "\r\n\t" + "- Number of VemraTiff-Instances is now " +
+             std::to_string(TiffInstanceCount()) + "\r\n" + kRule + "\r\n\r\n";
+    });
   });
 }
 

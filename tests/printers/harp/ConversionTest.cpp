@@ -61,6 +61,12 @@ TEST_F(HarpTest, TemplatesBecomeCommandLines) {
        "b",
        "nosuch " + WinUserName() + "_20261122_UID7"},
       {"Out=-o", "nosuch -w%PaperSizeX%", {0, 842, true}, "a", "b", ""},
+      {"A=%B%%B%%B%%B%\r\nB=%C%%C%%C%%C%\r\nC=" + std::string(3000, 'x'),
+       "nosuch %A%",
+       {1, 1, true},
+       "a",
+       "b",
+       "nosuch " + std::string(48000, 'x')},
       {"GsCall=\"" + gs + "\"" + kSwitches,
        "%GsCall% -sDEVICE=pdfwrite",
        {1, 1, true},
@@ -110,21 +116,41 @@ TEST_F(HarpTest, TemplatesBecomeCommandLines) {
   }
 }
 
+// However long the redirection, and whichever setting brings its
+// placeholder back.
 TEST_F(HarpTest, AnEndlessPlaceholderEndsInOutOfStackSpaceAndAnEmptyText) {
-  for (const auto& [redirection, number] :
-       {std::pair{std::string("C:\\%PostScriptFullFileName%.ps"), 28},
-        std::pair{std::string("%PostScriptFullFileName%%WindowsUser%"), 28},
-        std::pair{std::string("%PostScriptFullFileName%%PostScriptFullFileName%"), 7}}) {
-    SCOPED_TRACE(redirection);
+  const std::string ps = "%PostScriptFullFileName%";
+  const struct {
+    std::string redirection, output, timeStamp;
+  } rows[] = {
+      {"C:\\" + ps + ".ps", "", ""},
+      {ps + "%WindowsUser%", "", ""},
+      {ps + ps, "", ""},
+      {std::string(1 << 22, 'x') + ps, "", ""},
+      {"%ConversionFullFileName%", "C:\\" + ps, ""},
+      {"C:\\%TimeStamp%.ps", "", ps},
+  };
+  WriteIni();
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.redirection.substr(0, 40));
     host.reports.clear();
     host.errors.clear();
-    WriteIni({{"PrinterRedirection", redirection}});
-    HARPConfiguration configuration;  // the load reads the setting once
+    HARPConfiguration configuration;
+    configuration.SetPrinterRedirection(row.redirection);
+    configuration.SetConvertCommandOutputFullFileName(row.output);
+    configuration.SetTimeStamp(row.timeStamp);
     EXPECT_EQ(configuration.PrinterRedirection(), "");
-    EXPECT_EQ(host.Numbers(), std::vector<int32_t>(2, number));
+    EXPECT_EQ(host.Numbers(), std::vector<int32_t>{28});
     EXPECT_EQ(host.reports,
-              Lines(2, std::string(kLabel) + "Private Function 'PlaceHolderSubstitution'"));
+              Lines{std::string(kLabel) + "Private Function 'PlaceHolderSubstitution'"});
   }
+  // A placeholder that another value brings back once ends a pass later.
+  host.reports.clear();
+  HARPConfiguration configuration;
+  configuration.SetPrinterRedirection("%TimeStamp%");
+  configuration.SetTimeStamp("%WindowsUser%");
+  EXPECT_EQ(configuration.PlaceHolderSubstitution(ps), "\"" + WinUserName() + "\"");
+  EXPECT_TRUE(host.reports.empty());
 }
 
 TEST_F(HarpTest, TheTimeOutIsGivenInMillisecondsAndZeroWaitsWithoutLimit) {

@@ -2,6 +2,7 @@
 
 #include "HarpFixture.h"
 #include "printers/harp/HARPConfiguration.h"
+#include "printers/harp/VemraHARP.h"
 #include "services/RegistrySettings.h"
 
 // Loading HARP.ini: every default, validation, summary line and trace.
@@ -128,6 +129,19 @@ TEST_F(HarpTest, HarpIniIsLoadedWithItsDefaultsAndItsProblemsSummarised) {
              kLoad + "'ConvertCommandRevisionSleeper' is not a Long! -> using default value of '" +
                  sleeper + "'"));
        }},
+      {"factor 1e400, too large for a number",
+       {{"ConvertCommandPaperSizeConversionFactor", "1e400"}},
+       [&](HARPConfiguration& c) {
+         EXPECT_EQ(c.PaperSizeConversionFactor(), 1.0);
+         EXPECT_EQ(
+             host.reports,
+             Lines{"VemraKestrivon::HARPConfiguration|Function ConvertIniFileStringToDouble()"});
+         EXPECT_EQ(host.Numbers(), std::vector<int32_t>{6});
+         EXPECT_TRUE(Holds(
+             Written(2),
+             kPaper +
+                 "'ConvertCommandPaperSizeConversionFactor' is not a Double! -> using default factor of '1'"));
+       }},
       {"factor -1, precision 99999",
        {{"ConvertCommandPaperSizeConversionFactor", "-1"}, {"ConvertCommandPrecision", "99999"}},
        [&](HARPConfiguration& c) {
@@ -159,6 +173,50 @@ TEST_F(HarpTest, HarpIniIsLoadedWithItsDefaultsAndItsProblemsSummarised) {
     row.check(configuration);
   }
   EXPECT_EQ(facility->ids, std::vector<int32_t>(facility->ids.size(), 42));
+}
+
+// The factor's number is read as the run time's Val reads one, after each
+// "," became a ".".
+TEST_F(HarpTest, TheConversionFactorIsTheTextsLeadingNumber) {
+  WriteIni();
+  HARPConfiguration configuration;
+  const std::pair<const char*, double> rows[] = {
+      {"2,54", 2.54},       {"&H2", 2},         {"&h1f", 31},       {"&O17", 15},
+      {"&HFFFF", -1},       {"&HFFFF&", 65535}, {"&H10000", 65536}, {"&HFFFFFFFF", -1},
+      {" 1 2\t3\n4", 1234}, {"- 1,5", -1.5},    {"1e3", 1000},      {"1d3", 1000},
+      {"1E+2x", 100},       {"2e", 2},          {"1.2.3", 1.2},     {".5", 0.5},
+      {"12abc", 12},        {"abc", 0},         {"1\r2", 1},        {"&X1", 0},
+  };
+  for (const auto& [text, number] : rows) {
+    EXPECT_DOUBLE_EQ(configuration.ConvertIniFileStringToDouble(text), number) << text;
+  }
+  EXPECT_TRUE(host.reports.empty());
+  for (const std::string overflow : {"1e400", "&H100000000", "&O40000000000"}) {
+    EXPECT_EQ(configuration.ConvertIniFileStringToDouble(overflow), 0.0) << overflow;
+  }
+  EXPECT_EQ(host.Numbers(), std::vector<int32_t>(3, 6));
+}
+
+// Creation goes on with the next statement after an error: without a trace
+// facility the box is still shown, and the missing source is still said.
+TEST_F(HarpTest, CreationGoesOnStatementByStatementWithoutATraceFacility) {
+  facility = nullptr;
+  workset->globals->values.erase("ConfigDirectory");
+  for (const bool printer : {false, true}) {
+    SCOPED_TRACE(printer ? "VemraHARP" : "HARPConfiguration");
+    host.messageBoxes.clear();
+    host.traceLines.clear();
+    if (printer) {
+      VemraHARP harp;
+    } else {
+      HARPConfiguration configuration;
+    }
+    ASSERT_EQ(host.messageBoxes.size(), 1u);
+    EXPECT_EQ(host.messageBoxes[0].prompt, "Retrieving configuration path failed.");
+    EXPECT_EQ(Holds(host.traceLines,
+                    "VemraKestrivon::VemraHARP :: Initialize Printer TraceSource failed"),
+              printer);
+  }
 }
 
 }  // namespace

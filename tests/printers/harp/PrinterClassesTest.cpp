@@ -127,12 +127,16 @@ TEST_F(HarpTest, DeviceFormReadsGroupFilesAndDriverMessages) {
   EXPECT_EQ(form.StripErrorCode("E. 17"), 7);  // the rightmost p - 1 characters
   EXPECT_EQ(form.StripErrorCode("Error 17"), 0);
   const std::string prefix = "VemraKestrivon::Dummy::GetValueFromGroupFile(): ";
-  WriteWholeFile(folder / "job.GRP", "[Job]\r\nTotalPages= 3\r\nPages=9\r\n");
+  WriteWholeFile(folder / "job.GRP", "[Job]\r\nTotalPages= 3\r\nPages=9\r\nGRÖSSE=A4 \r\n");
   EXPECT_EQ(form.GetValueFromGroupFile(folder / "job.GRP", "PAGES"), "= 3");
+  EXPECT_EQ(form.GetValueFromGroupFile(folder / "job.GRP", "Grösse="),
+            "A4");  // the code page's case
   EXPECT_EQ(form.GetValueFromGroupFile(folder / "none.GRP", "PAGES"), "");
   EXPECT_EQ(host.traceLines,
             (Lines{prefix + "querying 'PAGES' from '" + folder / "job.GRP" + "'...",
                    prefix + "PAGES '= 3'",
+                   prefix + "querying 'Grösse=' from '" + folder / "job.GRP" + "'...",
+                   prefix + "Grösse= 'A4'",
                    prefix + "querying 'PAGES' from '" + folder / "none.GRP" + "'...",
                    prefix + "group file cannot be found"}));
 
