@@ -30,6 +30,9 @@ struct Class {
   IClassFactory* factory = nullptr;
   HRESULT failure = S_OK;  // the first failed creation, if any
 
+  // Called with the object after the creation has filled it in: as two
+  // arguments of one call, the pointer could be read before the creation
+  // wrote it, and every object would leak.
   void Note(HRESULT hr, IUnknown* object) {
     if (FAILED(hr) && SUCCEEDED(failure)) failure = hr;
     if (object != nullptr) object->Release();
@@ -38,17 +41,18 @@ struct Class {
   void CoCreate() {
     for (int i = 0; i < kObjects; ++i) {
       IUnknown* object = nullptr;
-      Note(::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown,
-                              reinterpret_cast<void**>(&object)),
-           object);
+      const HRESULT hr = ::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown,
+                                            reinterpret_cast<void**>(&object));
+      Note(hr, object);
     }
   }
 
   void FactoryCreate() {
     for (int i = 0; i < kObjects; ++i) {
       IUnknown* object = nullptr;
-      Note(factory->CreateInstance(nullptr, IID_IUnknown, reinterpret_cast<void**>(&object)),
-           object);
+      const HRESULT hr =
+          factory->CreateInstance(nullptr, IID_IUnknown, reinterpret_cast<void**>(&object));
+      Note(hr, object);
     }
   }
 };
