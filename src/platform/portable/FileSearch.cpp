@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cstring>
 #include <map>
 
 #include "platform/portable/Internal.h"
@@ -21,8 +22,14 @@ constexpr uint32_t kErrorFileNotFound = 2;
 constexpr uint32_t kErrorInvalidHandle = 6;
 constexpr uint32_t kFileAttributeArchive = 0x20;
 
+// A search holds the matching names only, in one buffer, in the order it
+// gives them; each entry is described (one statx relative to the open
+// folder) when FindNextEntry hands it out, as Windows reads a folder as it
+// goes. A folder of a million files costs its names, not a million entries.
 struct Search {
-  std::vector<FoundEntry> entries;
+  DIR* folder = nullptr;
+  std::string names;             // each name ended by a NUL
+  std::vector<uint32_t> starts;  // offsets into names, sorted
   size_t next = 0;
 };
 
@@ -47,18 +54,37 @@ bool Matches(const char* pattern, const char* name) {
   return *name == '\0';
 }
 
+bool IsDots(const char* name) {
+  return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+}
+
+// NTFS order: "." and ".." first, then by name without regard to case.
+bool Before(const char* a, const char* b) {
+  const bool dotsA = IsDots(a);
+  const bool dotsB = IsDots(b);
+  if (dotsA != dotsB) return dotsA;
+  const char* x = a;
+  const char* y = b;
+  for (; *x != '\0' && Lower(*x) == Lower(*y); ++x, ++y) {
+  }
+  const auto lowerX = static_cast<unsigned char>(Lower(*x));
+  const auto lowerY = static_cast<unsigned char>(Lower(*y));
+  // Names that differ only in case keep one order, whatever the folder's.
+  return lowerX != lowerY ? lowerX < lowerY : std::strcmp(a, b) < 0;
+}
+
 // One statx per entry, relative to the open folder: the creation time comes
 // with the search as it does on Windows.
-std::optional<FoundEntry> Describe(int folder, const std::string& name) {
+std::optional<FoundEntry> Describe(int folder, const char* name) {
   struct statx st {};
-  if (::statx(folder, name.c_str(), 0, STATX_BTIME | STATX_MTIME | STATX_MODE, &st) != 0) {
+  if (::statx(folder, name, 0, STATX_BTIME | STATX_MTIME | STATX_MODE, &st) != 0) {
     return std::nullopt;
   }
   FoundEntry entry;
   entry.name = name;
   entry.attributes = S_ISDIR(st.stx_mode) ? kFileAttributeDirectory : kFileAttributeArchive;
   if ((st.stx_mode & S_IWUSR) == 0) entry.attributes |= kFileAttributeReadOnly;
-  if (name.front() == '.' && name != "." && name != "..") entry.attributes |= kFileAttributeHidden;
+  if (name[0] == '.' && !IsDots(name)) entry.attributes |= kFileAttributeHidden;
   const auto created = (st.stx_mask & STATX_BTIME) != 0 ? st.stx_btime : st.stx_mtime;
   entry.created = LocalDateFromUnixSeconds(created.tv_sec);
   return entry;
@@ -79,33 +105,28 @@ bool FindFirstEntry(const std::string& pattern, FindHandle* search, FoundEntry* 
     portable::SetLastError(kErrorPathNotFound);
     return false;
   }
-  // Sorted by a key made once per name: "." and ".." first, then the name
-  // in lower case.
-  std::vector<std::pair<std::string, std::string>> names;
-  while (dirent* found = ::readdir(dir)) {
-    if (!portable::Matches(wildcard.c_str(), found->d_name)) continue;
-    std::string name = found->d_name;
-    const bool dots = name == "." || name == "..";
-    names.emplace_back((dots ? "0" : "1") + portable::LowerAscii(name), std::move(name));
-  }
-  std::sort(names.begin(), names.end());
   portable::Search found;
-  found.entries.reserve(names.size());
-  for (const auto& [key, name] : names) {
-    if (auto described = portable::Describe(::dirfd(dir), name)) {
-      found.entries.push_back(std::move(*described));
-    }
+  found.folder = dir;
+  while (dirent* name = ::readdir(dir)) {
+    if (!portable::Matches(wildcard.c_str(), name->d_name)) continue;
+    found.starts.push_back(static_cast<uint32_t>(found.names.size()));
+    found.names.append(name->d_name).push_back('\0');
   }
-  ::closedir(dir);
-  if (found.entries.empty()) {
-    portable::SetLastError(portable::kErrorFileNotFound);
-    return false;
-  }
+  const char* names = found.names.data();
+  std::sort(found.starts.begin(), found.starts.end(),
+            [names](uint32_t a, uint32_t b) { return portable::Before(names + a, names + b); });
   static FindHandle next = 0x7000;
   const FindHandle handle = ++next;
   portable::Searches()[handle] = std::move(found);
+  // Entries that vanished since the folder was read are passed over; a
+  // search that finds none fails as one that matched nothing.
+  if (!FindNextEntry(handle, entry)) {
+    FindCloseHandle(handle);
+    portable::SetLastError(portable::kErrorFileNotFound);
+    return false;
+  }
   if (search != nullptr) *search = handle;
-  return FindNextEntry(handle, entry);
+  return true;
 }
 
 bool FindNextEntry(FindHandle search, FoundEntry* entry) {
@@ -115,20 +136,25 @@ bool FindNextEntry(FindHandle search, FoundEntry* entry) {
     return false;
   }
   portable::Search& state = found->second;
-  if (state.next == state.entries.size()) {
-    portable::SetLastError(kErrorNoMoreFiles);
-    return false;
+  while (state.next < state.starts.size()) {
+    const char* name = state.names.data() + state.starts[state.next++];
+    if (auto described = portable::Describe(::dirfd(state.folder), name)) {
+      if (entry != nullptr) *entry = std::move(*described);
+      return true;
+    }
   }
-  if (entry != nullptr) *entry = std::move(state.entries[state.next]);
-  ++state.next;
-  return true;
+  portable::SetLastError(kErrorNoMoreFiles);
+  return false;
 }
 
 bool FindCloseHandle(FindHandle search) {
-  if (portable::Searches().erase(search) == 0) {
+  const auto found = portable::Searches().find(search);
+  if (found == portable::Searches().end()) {
     portable::SetLastError(portable::kErrorInvalidHandle);
     return false;
   }
+  ::closedir(found->second.folder);
+  portable::Searches().erase(found);
   return true;
 }
 
