@@ -69,9 +69,11 @@ TEST_F(LockTest, TheFirstLockFileIsJudgedByItsAgeAndContent) {
   }
   // By age in seconds; a lock dated in the future is as new as one just
   // written, so it is live once the wait is over.
-  for (const auto& [age, judged] :
-       {std::pair{-3600, LockAge::kNew}, {1, LockAge::kNew}, {2, LockAge::kLive},
-        {3599999, LockAge::kLive}, {3600000, LockAge::kStale}}) {
+  for (const auto& [age, judged] : {std::pair{-3600, LockAge::kNew},
+                                    {1, LockAge::kNew},
+                                    {2, LockAge::kLive},
+                                    {3599999, LockAge::kLive},
+                                    {3600000, LockAge::kStale}}) {
     EXPECT_EQ(JudgeLockAge(age), judged) << age;
   }
 }
@@ -142,15 +144,16 @@ TEST_F(LockTest, ARunWritesAndDeletesItsOwnLock) {
   EXPECT_EQ(host.reports, (Lines{"Kestrivon::DocumentLock|Public Sub WriteLock",
                                  "Kestrivon::DocumentLock|Public Sub DeleteLock"}));
   EXPECT_EQ(host.Numbers(), (std::vector<int32_t>{91, 70}));
-  EXPECT_EQ(host.traceLines,
-            (Lines{"Kestrivon::DocumentLock::DeleteLock(): deleting lock-file ('" + path + "')...",
-                   "Kestrivon::DocumentLock::DeleteLock(): lock-file ('" + path + "') deleted",
-                   "Kestrivon::DocumentLock::DeleteLock(): deleting lock-file ('" + path + "')...",
-                   "Kestrivon::DocumentLock::DeleteLock(): lock-file does not exist anymore -> no "
-                   "neet to delete it",
-                   "Kestrivon::DocumentLock::DeleteLock(): document is Nothing -> leaving sub...",
-                   "Kestrivon::DocumentLock::WriteLock(): Document is nothing -> leaving sub...",
-                   "Kestrivon::DocumentLock::DeleteLock(): deleting lock-file ('" + path + "')..."}));
+  EXPECT_EQ(
+      host.traceLines,
+      (Lines{"Kestrivon::DocumentLock::DeleteLock(): deleting lock-file ('" + path + "')...",
+             "Kestrivon::DocumentLock::DeleteLock(): lock-file ('" + path + "') deleted",
+             "Kestrivon::DocumentLock::DeleteLock(): deleting lock-file ('" + path + "')...",
+             "Kestrivon::DocumentLock::DeleteLock(): lock-file does not exist anymore -> no "
+             "neet to delete it",
+             "Kestrivon::DocumentLock::DeleteLock(): document is Nothing -> leaving sub...",
+             "Kestrivon::DocumentLock::WriteLock(): Document is nothing -> leaving sub...",
+             "Kestrivon::DocumentLock::DeleteLock(): deleting lock-file ('" + path + "')..."}));
   EXPECT_EQ(host.debugLines.front(), "### Kestrivon::DocumentLock::Class_Initialize()...");
   EXPECT_EQ(host.debugLines.back(), "### Kestrivon::DocumentLock::Class_Terminate()...");
   EXPECT_EQ(host.debugLines[2],

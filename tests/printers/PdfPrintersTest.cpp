@@ -112,8 +112,8 @@ TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputF
       show + R(k02825) + end + show + R(k02826) + end + show + R(k02836) + end;
   const std::string users = folder / "All Users\\";
   const auto portWrong = [&](const std::string& wrong) {
-    return header + R(k02828) + " " + R(k02827) + kCrLf + R(k02829) + " '" + wrong + "'." +
-           kCrLf + R(k0282a) + end;
+    return header + R(k02828) + " " + R(k02827) + kCrLf + R(k02829) + " '" + wrong + "'." + kCrLf +
+           R(k0282a) + end;
   };
   enum Change { kNone, kNoFlags, kKeepJobs, kNoSpooler };
   const struct {
@@ -215,9 +215,9 @@ TEST_F(PdfPrinters, AdobeDriversDoPrintPathsTraceInOrderAndAlwaysRemoveTheirLock
       const std::unique_ptr<AcrobatPrinter> printer(
           adobe ? static_cast<AcrobatPrinter*>(new AdobePDF) : new AcrobatDistiller);
       host.traceFailsOn = row.path == kCheckFails ? "deleting old lock-file"
-                          : row.path != kError  ? ""
-                          : adobe               ? "waiting for revision"
-                                                : "could not find";
+                          : row.path != kError    ? ""
+                          : adobe                 ? "waiting for revision"
+                                                  : "could not find";
       host.traceLines.clear();
       host.reports.clear();
       EXPECT_EQ(printer->DoPrint(document, owner, folder / "rev", "A1"),

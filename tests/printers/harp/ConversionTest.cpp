@@ -1,6 +1,6 @@
+#include <algorithm>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>
-#include <algorithm>
 #include <tuple>
 
 #include "HarpFixture.h"
@@ -98,13 +98,16 @@ TEST_F(HarpTest, TemplatesBecomeCommandLines) {
             {"PrinterRedirection", folder / "ps\\job.ps\""}},
            "Out=-o");
   facility->writes.clear();
-  EXPECT_FALSE(HARPConfiguration().ExecuteConvertCommand({1, 1, true}, "", "%PostScriptFullFileName%"));
+  EXPECT_FALSE(
+      HARPConfiguration().ExecuteConvertCommand({1, 1, true}, "", "%PostScriptFullFileName%"));
   EXPECT_EQ(Published(*workset->globals), "nosuch \" \"\"" + folder / "ps\\job.ps" + "\"\"\"");
   const std::string x = "xxx xxx xxx VemraKestrivon::HARPConfiguration::ExecuteConvertCommand(): ";
   const Lines written = Written(8);
-  for (const std::string& line :
-       {x + "'PrinterRedirection' replacement: 'nosuch \" %ConversionFullFileName%'",
-        x + "'ConvertCommandOutputFullFileName' Replacement: 'nosuch \" \"%PostScriptFullFileName%\"'"}) {
+  const Lines replaced = {
+      x + "'PrinterRedirection' replacement: 'nosuch \" %ConversionFullFileName%'",
+      x + "'ConvertCommandOutputFullFileName' Replacement: 'nosuch \" "
+          "\"%PostScriptFullFileName%\"'"};
+  for (const std::string& line : replaced) {
     EXPECT_EQ(std::count(written.begin(), written.end(), line), 1) << line;
   }
 
