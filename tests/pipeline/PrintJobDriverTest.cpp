@@ -3,6 +3,7 @@
 
 #include "PipelineFixture.h"
 #include "frame/RevisionPrinter.h"
+#include "host/portable/FaultPlan.h"
 #include "platform/FileSystem.h"
 
 namespace kestrivon::test {
@@ -70,6 +71,14 @@ TEST_F(DriverTest, DocumentTypesAreRecognisedByTheirExactName) {
     EXPECT_EQ(IsVemraDoc(document), c.vemraDoc) << (c.type ? c.type : "none");
   }
   EXPECT_EQ(host.reports, Lines{"VemraKestrivon::Globals|IsVemraDoc"}) << "no type object: 91";
+  // The type object is fetched afresh for each of the five names: a fifth
+  // fetch that finds none ends the test in the handler.
+  document->typeObject = std::make_shared<DocumentObject>("VemraMasterReport");
+  host::portable::InstallFaultPlan(std::make_shared<host::portable::FaultPlan>(
+      std::vector<host::portable::Fault>{{"Document.TypeObject", 5, std::nullopt}}));
+  EXPECT_FALSE(IsVemraDoc(document));
+  host::portable::InstallFaultPlan(nullptr);
+  EXPECT_EQ(host.reports.size(), 2u);
 }
 
 TEST_F(DriverTest, OnlyADocumentsOwnPdfIsCopiedInsteadOfPrinted) {
@@ -90,8 +99,10 @@ TEST_F(DriverTest, OnlyADocumentsOwnPdfIsCopiedInsteadOfPrinted) {
       {28, "AdobePDF", "plan.pdf", "vault.pdf", false, nullptr},
       {29, "Drawing", "plan.pdf", "vault.pdf", false, nullptr},
   };
+  host.copiesFiles = true;  // a copy that works still answers false without fetching
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.type) + " " + c.file);
+    WriteWholeFile(folder / c.file, "%PDF-1.4");
     document->systemType = c.systemType;
     document->typeObject = std::make_shared<DocumentObject>(c.type);
     fileHelper->files[document.get()] = folder / c.file;

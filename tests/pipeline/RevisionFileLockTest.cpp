@@ -51,7 +51,11 @@ TEST_F(LockTest, TheFirstLockFileIsJudgedByItsAgeAndContent) {
     host.messageBoxes.clear();
     host.reports.clear();
     host.traceLines.clear();
+    host.debugLines.clear();
     EXPECT_EQ(CheckDeleteLockFile(output.Path(), document), c.goesOn);
+    for (const std::string& line : host.debugLines) {
+      EXPECT_EQ(line.find("b.rlck"), std::string::npos) << "only the first lock is judged";
+    }
     EXPECT_EQ(host.messageBoxes.size(), !c.goesOn && !c.twoLines ? 1u : 0u);
     Lines reports;  // an unreadable lock; a lock gone before its deletion
     if (c.twoLines) reports.push_back("VemraKestrivon::Globals|IsRevisionFileLocked");
@@ -62,6 +66,15 @@ TEST_F(LockTest, TheFirstLockFileIsJudgedByItsAgeAndContent) {
     for (size_t i = 0; i < c.locks.size(); ++i) {
       EXPECT_EQ(platform::FileExists(output / c.locks[i]), i > 0 || !c.goesOn) << c.locks[i];
     }
+  }
+  // By age in seconds; a lock dated in the future is as new as one just
+  // written, so it is live once the wait is over.
+  for (const auto& [age, judged] : {std::pair{-3600, LockAge::kNew},
+                                    {1, LockAge::kNew},
+                                    {2, LockAge::kLive},
+                                    {3599999, LockAge::kLive},
+                                    {3600000, LockAge::kStale}}) {
+    EXPECT_EQ(JudgeLockAge(age), judged) << age;
   }
 }
 
@@ -124,17 +137,23 @@ TEST_F(LockTest, ARunWritesAndDeletesItsOwnLock) {
     lock.WriteLock(document);
     EXPECT_EQ(ReadWholeFile(path),
               pipeline::DateText(platform::Now()) + "\r\n" + lock.ComputerName() + "\r\n");
+    SetReadOnly(path, true);  // deleted without force: it stays
+    lock.DeleteLock(document);
   }
-  EXPECT_EQ(host.reports, Lines{"Kestrivon::DocumentLock|Public Sub WriteLock"});
-  EXPECT_EQ(host.Numbers(), std::vector<int32_t>{91});
-  EXPECT_EQ(host.traceLines,
-            (Lines{"Kestrivon::DocumentLock::DeleteLock(): deleting lock-file ('" + path + "')...",
-                   "Kestrivon::DocumentLock::DeleteLock(): lock-file ('" + path + "') deleted",
-                   "Kestrivon::DocumentLock::DeleteLock(): deleting lock-file ('" + path + "')...",
-                   "Kestrivon::DocumentLock::DeleteLock(): lock-file does not exist anymore -> no "
-                   "neet to delete it",
-                   "Kestrivon::DocumentLock::DeleteLock(): document is Nothing -> leaving sub...",
-                   "Kestrivon::DocumentLock::WriteLock(): Document is nothing -> leaving sub..."}));
+  EXPECT_TRUE(platform::FileExists(path)) << "the release leaves the lock file";
+  EXPECT_EQ(host.reports, (Lines{"Kestrivon::DocumentLock|Public Sub WriteLock",
+                                 "Kestrivon::DocumentLock|Public Sub DeleteLock"}));
+  EXPECT_EQ(host.Numbers(), (std::vector<int32_t>{91, 70}));
+  EXPECT_EQ(
+      host.traceLines,
+      (Lines{"Kestrivon::DocumentLock::DeleteLock(): deleting lock-file ('" + path + "')...",
+             "Kestrivon::DocumentLock::DeleteLock(): lock-file ('" + path + "') deleted",
+             "Kestrivon::DocumentLock::DeleteLock(): deleting lock-file ('" + path + "')...",
+             "Kestrivon::DocumentLock::DeleteLock(): lock-file does not exist anymore -> no "
+             "neet to delete it",
+             "Kestrivon::DocumentLock::DeleteLock(): document is Nothing -> leaving sub...",
+             "Kestrivon::DocumentLock::WriteLock(): Document is nothing -> leaving sub...",
+             "Kestrivon::DocumentLock::DeleteLock(): deleting lock-file ('" + path + "')..."}));
   EXPECT_EQ(host.debugLines.front(), "### Kestrivon::DocumentLock::Class_Initialize()...");
   EXPECT_EQ(host.debugLines.back(), "### Kestrivon::DocumentLock::Class_Terminate()...");
   EXPECT_EQ(host.debugLines[2],

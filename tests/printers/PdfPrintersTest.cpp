@@ -91,6 +91,9 @@ class PdfPrinters : public PipelineTest {
     Reg(platform::kHKeyLocalMachine, data, "Port", platform::kRegSz, port + '\0');
     Reg(platform::kHKeyLocalMachine, kPrinters + name + "\\DsSpooler", "printKeepPrintedJobs",
         platform::kRegBinary, std::string(1, '\0'));
+    // Advanced printing features off: a setting the check never looks at.
+    Reg(platform::kHKeyLocalMachine, kPrinters + name, "Attributes", platform::kRegDword,
+        std::string(4, '\0'));
   }
   // The trace lines that begin so, in order.
   Lines LinesOf(const std::string& prefix) {
@@ -116,8 +119,10 @@ TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputF
   const std::string flags =
       show + R(k02825) + end + show + R(k02826) + end + show + R(k02836) + end;
   const std::string users = folder / "All Users\\";
-  const std::string portWrong = header + R(k02828) + " " + R(k02827) + kCrLf + R(k02829) + " '" +
-                                users + "'." + kCrLf + R(k0282a) + end;
+  const auto portWrong = [&](const std::string& wrong) {
+    return header + R(k02828) + " " + R(k02827) + kCrLf + R(k02829) + " '" + wrong + "'." + kCrLf +
+           R(k0282a) + end;
+  };
   enum Change { kNone, kNoFlags, kKeepJobs, kNoSpooler, kTextFlag };
   const struct {
     std::string port, user;
@@ -128,7 +133,9 @@ TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputF
       {out + "\\*.pdf", "bob", kNone, "", out + "\\"},
       {"eigene dateien\\*.pdf", "bob", kNone, "", folder / "Eigene Dateien\\"},
       {users + "*.pdf", "bob", kNone, "", folder / "bob\\"},
-      {users + "*.pdf", "jdoe", kNone, portWrong, ""},  // too long for the buffer
+      {users + "*.pdf", "jdoe", kNone, portWrong(users), ""},  // too long for the buffer
+      // A leading "All Users" is replaced by the check, kept by the output folder.
+      {"All Users\\*.pdf", "bob", kNone, portWrong("bob\\"), "All Users\\"},
       {"*.pdf", "bob", kNone, "", ""},
       {out + "\\*.pdf", "bob", kKeepJobs, header + show + R(k05626) + end, out + "\\"},
       {out + "\\*.pdf", "bob", kNoSpooler, "", out + "\\"},
@@ -165,6 +172,9 @@ TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputF
     EXPECT_EQ(host.Count(c + "unable to find 'HKEY_LOCAL_MACHINE\\" + key +
                          "\\DsSpooler: printKeepPrintedJobs'"),
               row.change == kNoSpooler ? 1u : 0u);
+    EXPECT_EQ(host.Count(c + "Ask before replacing existing file is activates <-> should be "
+                             "deactivated"),
+              row.change == kNoFlags ? 1u : 0u);
     EXPECT_EQ(GetArcobatPrnOutputDirectory("Adobe PDF"), row.outputFolder);
   }
   // The documents folder's name in the user's language, in another case.
@@ -177,7 +187,8 @@ TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputF
 // Each path of DoPrint, for the two Adobe classes: "P:" and "Q:" stand for
 // the class's two trace prefixes.
 TEST_F(PdfPrinters, AdobeDriversDoPrintPathsTraceInOrderAndAlwaysRemoveTheirLock) {
-  enum Path { kPdf, kMissing, kLocked, kNoFile, kSuccess, kError };
+  // kCheckFails: the lock check itself fails, and its empty answer counts as locked.
+  enum Path { kPdf, kMissing, kLocked, kCheckFails, kNoFile, kSuccess, kError };
   const std::string cleaning = "P:cleaning up after revisioning...",
                     deleting = "P:about to delete lock-file...";
   const std::string pdf = out + "\\job.pdf";
@@ -190,6 +201,7 @@ TEST_F(PdfPrinters, AdobeDriversDoPrintPathsTraceInOrderAndAlwaysRemoveTheirLock
        {}},
       {kMissing, {"Q:" + kNotFound}, {}},
       {kLocked, {"Q:revision directory is locked -> aborting", cleaning}, {}},
+      {kCheckFails, {"Q:revision directory is locked -> aborting", cleaning}, {}},
       {kNoFile,
        {"P:waiting for revision ('')...", "P:revision of A-100 failed", cleaning},
        {"P:could not find the printed revision file.", cleaning, deleting}},
@@ -213,9 +225,9 @@ TEST_F(PdfPrinters, AdobeDriversDoPrintPathsTraceInOrderAndAlwaysRemoveTheirLock
           row.path == kPdf ? "AdobePDF" : "Drawing");
       fileHelper->mustFetch = {fileHelper->files[document.get()] = folder / "own.pdf"};
       MakePdf(fileHelper->fetched[document.get()] = folder / "own.pdf", {300});
-      if (row.path == kLocked) {
+      if (row.path == kLocked || row.path == kCheckFails) {
         platform::WriteAnsiTextLines(out + "\\B-7.RLCK", {"then", "PC042", "jdoe"});
-        AgeTo(out + "\\B-7.RLCK", 10);
+        AgeTo(out + "\\B-7.RLCK", row.path == kLocked ? 10 : 3600000);
       }
       std::string written;
       docFctDist->print = [&](const host::HostObjectRef&, const host::HostObjectRef&) {
@@ -224,9 +236,10 @@ TEST_F(PdfPrinters, AdobeDriversDoPrintPathsTraceInOrderAndAlwaysRemoveTheirLock
       };
       const std::unique_ptr<AcrobatPrinter> printer(
           adobe ? static_cast<AcrobatPrinter*>(new AdobePDF) : new AcrobatDistiller);
-      host.traceFailsOn = row.path != kError ? ""
-                          : adobe            ? "waiting for revision"
-                                             : "could not find";
+      host.traceFailsOn = row.path == kCheckFails ? "deleting old lock-file"
+                          : row.path != kError    ? ""
+                          : adobe                 ? "waiting for revision"
+                                                  : "could not find";
       host.traceLines.clear();
       host.reports.clear();
       EXPECT_EQ(printer->DoPrint(document, owner, folder / "rev", "A1"),
@@ -244,14 +257,17 @@ TEST_F(PdfPrinters, AdobeDriversDoPrintPathsTraceInOrderAndAlwaysRemoveTheirLock
                            "\\A-100.RLCK') deleted"),
                 row.path >= kNoFile ? 1u : 0u);
       EXPECT_FALSE(PathExists(out + "\\A-100.RLCK"));
-      EXPECT_EQ(host.reports,
-                row.path == kError ? Lines{p + "|Function IRevisionPrinter_DoPrint"} : Lines{});
+      EXPECT_EQ(host.reports, row.path == kError ? Lines{p + "|Function IRevisionPrinter_DoPrint"}
+                              : row.path == kCheckFails
+                                  ? Lines{"VemraKestrivon::Globals|CheckDeleteLockFile"}
+                                  : Lines{});
       EXPECT_FALSE(PathExists(pdf));
       if (row.path == kSuccess) {
         EXPECT_EQ(ReadWholeFile(folder / "rev\\A1.PDF"), written);
       }
-      EXPECT_EQ(PathExists(out + "\\B-7.RLCK"), row.path == kLocked);
-      if (row.path == kLocked) RemoveFile(out + "\\B-7.RLCK");
+      const bool kept = row.path == kLocked || row.path == kCheckFails;
+      EXPECT_EQ(PathExists(out + "\\B-7.RLCK"), kept);
+      if (kept) RemoveFile(out + "\\B-7.RLCK");
     }
   }
   // A paused printer: the policy is asked about the document's database
@@ -279,6 +295,11 @@ TEST_F(PdfPrinters, DistillerNeedsVersion5AndWriterSelectsNoPrinterNorLock) {
   EXPECT_FALSE(writer.DoPrint(document, owner, folder / "rev", "A1"));
   EXPECT_EQ(host.traceLines.back(),
             "VemraKestrivon::AcrobatWriter.IRevisionPrinter_DoPrint: " + kNotFound);
+  host.reports.clear();
+  host.traceFailsOn = kNotFound;
+  EXPECT_FALSE(writer.DoPrint(document, owner, folder / "rev", "A1"));
+  EXPECT_EQ(host.reports, Lines{"VemraKestrivon::AcrobatWriter|IAcrobatWriter::DoPrint"});
+  host.traceFailsOn.clear();
   EXPECT_TRUE(PathExists(out + "\\B-7.RLCK"));
   pp::SetShellFolder(platform::kCsidlSystem, folder.Path());
   std::string ini = folder.Path();
@@ -300,7 +321,7 @@ TEST_F(PdfPrinters, PdfFactoryVersionsAndSettings) {
   } rows[] = {
       {{3, 4}, 4, 2, 0, ""},
       {{1}, 1, 4, 1, ""},
-      {{1}, 1, 2, 1, hdr + R(k033ce) + " " + R(k033cf)},
+      {{1}, 1, 2, 1, hdr + "twice: " + R(k033ce) + " " + "twice: " + R(k033cf)},
       {{3}, 0, 2, 0, R(k05790) + kCrLf + R(k02833) + kCrLf + R(k033d1) + kCrLf + R(k05791)},
       {{4}, 0, 2, 0, all},
       {{}, 0, 2, 0, all},
@@ -308,6 +329,7 @@ TEST_F(PdfPrinters, PdfFactoryVersionsAndSettings) {
       {{3}, 3, 0, -1, all},
   };
   Install("pdfFactory");
+  host.translations = {{R(k033ce), "twice: " + R(k033ce)}, {R(k033cf), "twice: " + R(k033cf)}};
   for (const auto& row : rows) {
     pp::ClearRegistry();
     for (int v : row.versions)
@@ -330,6 +352,11 @@ TEST_F(PdfPrinters, PdfFactoryVersionsAndSettings) {
     }
     EXPECT_EQ(factory.CheckPrnSettings(), row.text);
   }
+  // The one row with the dialog wrong, checked twice (the file name asks
+  // too); its line lacks the "::".
+  EXPECT_EQ(host.Count("VemraKestrivon::PDFFactoryCheckPdfFactory2UpSettings(): wrong setting: "
+                       "'Do not show dialog' is not selected!"),
+            2u);
 }
 
 TEST_F(PdfPrinters, PdfFactoryPrintsIntoTheNamedFileUnderTheTempLock) {
@@ -359,6 +386,13 @@ TEST_F(PdfPrinters, PdfFactoryPrintsIntoTheNamedFileUnderTheTempLock) {
                    p + "'" + file + "' really exists -> revision successfull... ",
                    p + "cleaning up after revisioning...", p + "about to delete lock-file..."}));
   EXPECT_FALSE(PathExists(file) || PathExists(out + "\\A-100.RLCK")) << "both deleted";
+  // A failing trace in SetFactoryFilename is reported; the name is set all the same.
+  host.reports.clear();
+  host.traceFailsOn = "setting output filename";
+  EXPECT_TRUE(factory.DoPrint(document, owner, folder / "rev", "A2"));
+  EXPECT_EQ(host.reports, Lines{"VemraKestrivon::PDFFactory| Sub SetFactoryFilename"});
+  EXPECT_EQ(PageWidths(folder / "rev\\A2.PDF"), std::vector<int>{300});
+  host.traceFailsOn.clear();
   platform::SetEnvironmentVariableTo("TEMP", std::nullopt);
 }
 

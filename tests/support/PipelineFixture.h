@@ -19,11 +19,12 @@
 
 namespace kestrivon::test {
 
-// The host resolves a default text by dropping its "~xxxxx " key.
+// The host resolves a default text by dropping its "~xxxxx " key; any other
+// text by the translations, so that a text resolved twice shows.
 class ResolvingHost : public RecordingHost {
  public:
   std::string ResolveText(const std::string& text) override {
-    return text.size() > 7 && text[0] == '~' ? text.substr(7) : text;
+    return text.size() > 7 && text[0] == '~' ? text.substr(7) : RecordingHost::ResolveText(text);
   }
 };
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>
 #include <tuple>
@@ -95,6 +96,26 @@ TEST_F(HarpTest, TemplatesBecomeCommandLines) {
   EXPECT_EQ(workset->globals->values["HARPGhostScriptVersion"], "10.0.0");
   EXPECT_EQ(workset->fileSystem->versionQueries, Lines(2, gs));
   EXPECT_TRUE(host.errors.empty());
+
+  // An empty PostScript name is enclosed into one quote, a setting ending in
+  // a quote is enclosed once more; the two replacements are traced with
+  // their small r and capital R.
+  WriteIni({{"ConvertCommand", "nosuch %PostScriptFullFileName% %ConversionFullFileName%"},
+            {"PrinterRedirection", folder / "ps\\job.ps\""}},
+           "Out=-o");
+  facility->writes.clear();
+  EXPECT_FALSE(
+      HARPConfiguration().ExecuteConvertCommand({1, 1, true}, "", "%PostScriptFullFileName%"));
+  EXPECT_EQ(Published(*workset->globals), "nosuch \" \"\"" + folder / "ps\\job.ps" + "\"\"\"");
+  const std::string x = "xxx xxx xxx VemraKestrivon::HARPConfiguration::ExecuteConvertCommand(): ";
+  const Lines written = Written(8);
+  const Lines replaced = {
+      x + "'PrinterRedirection' replacement: 'nosuch \" %ConversionFullFileName%'",
+      x + "'ConvertCommandOutputFullFileName' Replacement: 'nosuch \" "
+          "\"%PostScriptFullFileName%\"'"};
+  for (const std::string& line : replaced) {
+    EXPECT_EQ(std::count(written.begin(), written.end(), line), 1) << line;
+  }
 
   // Run-time errors: a Ghostscript call shorter than its switches, and
   // parameters that insert one another twice over (out of memory, not 2^40).

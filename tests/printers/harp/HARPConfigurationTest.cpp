@@ -1,6 +1,8 @@
 #include <functional>
 
 #include "HarpFixture.h"
+#include "platform/TempFiles.h"
+#include "platform/portable/TempFiles.h"
 #include "printers/harp/HARPConfiguration.h"
 #include "printers/harp/VemraHARP.h"
 #include "services/RegistrySettings.h"
@@ -71,6 +73,12 @@ TEST_F(HarpTest, HarpIniIsLoadedWithItsDefaultsAndItsProblemsSummarised) {
          EXPECT_EQ(c.ConvertCommandRevisionSleeper(), GetRevisionSleeper());
        },
        false},
+      {"output folder that cannot be made",
+       {{"PrinterRedirection", folder / "HARP.ini\\ps\\job.ps"}},
+       [&](HARPConfiguration& c) {
+         EXPECT_TRUE(c.ConfigFileLoaded());
+         EXPECT_EQ(c.PrinterSettingsErrorSummary(), "Printer output folder does not exist");
+       }},
       {"lower-case extension",
        {{"RevisionExtension", ".pdf"}},
        [&](HARPConfiguration& c) {
@@ -173,6 +181,16 @@ TEST_F(HarpTest, HarpIniIsLoadedWithItsDefaultsAndItsProblemsSummarised) {
     row.check(configuration);
   }
   EXPECT_EQ(facility->ids, std::vector<int32_t>(facility->ids.size(), 42));
+  // A temporary PostScript name is made on every load, needed or not: a
+  // missing temporary folder is reported although HARP.ini names the file.
+  host.reports.clear();
+  WriteIni();
+  char saved[platform::kMaxPath] = {};
+  platform::GetTempPathA(platform::kMaxPath, saved);
+  platform::portable::SetTempPath(folder / "absent");
+  EXPECT_EQ(HARPConfiguration().PrinterRedirection(), folder / "ps\\job.ps");
+  platform::portable::SetTempPath(saved);
+  EXPECT_EQ(host.reports, Lines{"VemraKestrivon::Globals|Public Function TempFileName"});
 }
 
 // The factor's number is read as the run time's Val reads one, after each

@@ -85,6 +85,9 @@ TEST_F(HarpTest, HarpAppendsTiffsAndPdfsAndRefusesOtherFiles) {
   MakeWithGhostscript("tiffg4", 3, folder / "add.tif");
   EXPECT_TRUE(printer.AppendFile(folder / "add.tif", folder / "main.tif"));
   EXPECT_EQ(hostkit::TiffPageCount(folder / "main.tif"), 5);
+  host.copiesFiles = false;  // the copy fails, and the append answers True all the same
+  EXPECT_TRUE(printer.AppendFile(folder / "add.tif", folder / "main.tif"));
+  host.copiesFiles = true;
 
   EXPECT_FALSE(printer.AppendFile(folder / "add.tif", folder / "none.tif"));
   EXPECT_EQ(Written(2).back(),
