@@ -69,6 +69,13 @@ TEST(PPMInit, AsksForTheLevelOncePerProcess) {
   EXPECT_EQ(host.getLevelCalls, 1);
   EXPECT_EQ(host.monitorsCreated, 1);
   EXPECT_TRUE(PPMLevelDebug());
+  // Nor after the host's objects went back while the component stays
+  // loaded: the trace service is made afresh, the monitor not asked again.
+  GiveBackTraceHostObjects();
+  { NoFile c; }
+  EXPECT_EQ(host.getLevelCalls, 1);
+  EXPECT_EQ(host.monitorsCreated, 1);
+  EXPECT_TRUE(PPMLevelDebug());
 }
 
 TEST(PPMInit, HandsTheLiveCounterToTheMonitor) {
