@@ -119,6 +119,7 @@ class MessageEntryObject final : public LateBound {
       });
     }
     if (!Getting(flags)) return DISP_E_MEMBERNOTFOUND;
+    Unlisted(id == 1 ? "MessageEntry.VemraObject (get)" : "MessageEntry.Description (get)");
     if (id == 1) return ReturnObject(object_, result);
     if (result == nullptr) return S_OK;
     V_VT(result) = VT_BSTR;
@@ -140,6 +141,7 @@ class MessagePackObject final : public LateBound {
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS&, VARIANT* result) override {
     if (!Getting(flags)) return DISP_E_MEMBERNOTFOUND;
     if (id == 2) {
+      Unlisted("MessagePack.Count");
       if (result != nullptr) {
         V_VT(result) = VT_I4;
         V_I4(result) = static_cast<LONG>(pack_->entries.size());
@@ -184,6 +186,7 @@ class OptionSetObject final : public LateBound {
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
     if (!Getting(flags)) return DISP_E_MEMBERNOTFOUND;
     std::string name = "ShowRevisionMessages";
+    if (id == 3) Unlisted("OptionSet.Item");
     if (id != 2) {
       if (const HRESULT hr = TextArgument(params, name); FAILED(hr)) return hr;
     }
@@ -217,7 +220,7 @@ class SettingsObject final : public LateBound {
 
 // Slots of the host's interfaces that the host kit does not serve.
 #define RESERVED(n) \
-  HRESULT STDMETHODCALLTYPE Reserved##n() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE Reserved##n() override { return Reserved(n); }
 #define RESERVED10(t) \
   RESERVED(t##0)      \
   RESERVED(t##1)      \
@@ -231,7 +234,7 @@ class SettingsObject final : public LateBound {
   RESERVED(t##9)
 
 template <class Interface, class... Others>
-using DualObject = comkit::DualObject<Interface, kHostServicesLib, Others...>;
+using DualObject = Watched<comkit::DualObject<Interface, kHostServicesLib, Others...>>;
 
 ComPtr<IDispatch> WrapVemraObject(const std::shared_ptr<portable::DocumentObject>& object);
 
@@ -416,6 +419,7 @@ class DocumentObject final : public DualObject<IVemraObject, IVemraDocument> {
 
  private:
   IUnknown* Identity() { return static_cast<IVemraObject*>(this); }
+  [[nodiscard]] std::string Label() const override { return document_->name; }
   std::shared_ptr<portable::DocumentObject> document_;
   ComPtr<IDispatch> owner_;
 };
@@ -439,6 +443,12 @@ std::shared_ptr<portable::DocumentObject> NamedDocument() {
 }
 
 }  // namespace
+
+ComPtr<IDispatch> WrapDocument(const host::HostObjectRef& document) {
+  const auto portableDocument = std::dynamic_pointer_cast<portable::DocumentObject>(document);
+  if (!portableDocument) throw RunTimeError(vb_error::kTypeMismatch, "no document of the host kit");
+  return Make<DocumentObject>(portableDocument);
+}
 
 HRESULT CreateDocument(REFIID riid, void** object) {
   if (object == nullptr) return E_POINTER;
