@@ -453,6 +453,7 @@ ComPtr<IDispatch> WrapDocument(const host::HostObjectRef& document) {
 HRESULT CreateDocument(REFIID riid, void** object) {
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
+  NoteCall("New.Document");
   return comkit::Answered(
       [&] { return Make<DocumentObject>(NamedDocument())->QueryInterface(riid, object); });
 }

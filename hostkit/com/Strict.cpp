@@ -24,8 +24,9 @@ Registry& Objects() {
   return *registry;
 }
 
-// The call served on this thread when an object is made: its origin.
-thread_local std::string currentCall;
+// The call served on this thread when an object is made: its origin. The
+// names are literals; a thread_local with a destructor would pin the DLL.
+thread_local std::string_view currentCall;
 
 // The class's own name, without its namespaces.
 std::string ClassName(const std::type_info& type) {
@@ -39,7 +40,7 @@ std::string ClassName(const std::type_info& type) {
 
 }  // namespace
 
-void NoteCall(std::string_view call) { currentCall.assign(call); }
+void NoteCall(std::string_view call) { currentCall = call; }
 
 Tracked::Tracked() : madeIn_(currentCall) {
   Registry& registry = Objects();

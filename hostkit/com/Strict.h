@@ -44,7 +44,7 @@ class Tracked {
 };
 
 // The host call being served on this thread (what objects made now are
-// made in).
+// made in): a name of static storage.
 void NoteCall(std::string_view call);
 
 // Strict mode: frees the zombies (which may release others) until none is
