@@ -15,6 +15,7 @@
 #include "comkit/Object.h"
 #include "comkit/Variant.h"
 #include "host/portable/Documents.h"
+#include "host/portable/Workset.h"
 #include "hostkit/com/HostObjects.h"
 #include "hostkit/com/PrintWorldObjects.h"
 #include "hostkit/core/Environment.h"
@@ -332,16 +333,17 @@ class DocumentObject final : public DualObject<IVemraObject, IVemraDocument> {
     }
     if (result != nullptr) ::VariantInit(result);
     // The workset is reached for its settings (or application).
-    if (const auto hr = Injected(
-            id == kWorksetId ? "Document.WorksetSettings" : "Document.PrintSettings", result)) {
+    if (const auto hr =
+            Injected(id == kWorksetId ? "Document.Workset" : "Document.PrintSettings", result)) {
       return *hr;
     }
     if (id == kPrintSettingsId || result == nullptr) return S_OK;  // PrintSettings: Empty
     V_VT(result) = VT_DISPATCH;
     V_DISPATCH(result) = nullptr;
-    if (!document_->settings) return S_OK;
+    const auto workset = std::dynamic_pointer_cast<portable::WorksetObject>(document_->workset);
+    if (!workset) return S_OK;
     return comkit::Answered([&] {
-      return HandOut(Make<Holder>(L"Settings", nullptr, Make<SettingsObject>(document_->settings)),
+      return HandOut(Make<Holder>(L"Settings", nullptr, Make<SettingsObject>(workset->settings)),
                      &V_DISPATCH(result));
     });
   }

@@ -15,6 +15,7 @@
 #include "core/Settings.h"
 #include "core/Strict.h"
 #include "host/portable/Printing.h"
+#include "host/portable/Workset.h"
 #include "platform/Spooler.h"
 #ifndef _WIN32
 #include "platform/portable/Spooler.h"
@@ -436,10 +437,11 @@ InstalledPrintWorld::InstalledPrintWorld(PrintWorld world, std::shared_ptr<Trace
         described.documentName.empty() ? described.name : described.documentName;
     document->systemType = described.systemType;
     document->typeObject = std::make_shared<portable::DocumentObject>(described.typeName);
-    if (!described.settings.empty()) {
-      document->settings = std::make_shared<portable::SettingsObject>();
-      for (const auto& [key, value] : described.settings) document->settings->values[key] = value;
-    }
+    // Every document of the host lives in a workset; its settings are the
+    // described ones.
+    auto workset = std::make_shared<portable::WorksetObject>();
+    for (const auto& [key, value] : described.settings) workset->settings->values[key] = value;
+    document->workset = std::move(workset);
     state.described[document.get()] = &described;
     state.documents[LowerAscii(described.name)] = std::move(document);
   }

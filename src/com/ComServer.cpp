@@ -33,9 +33,10 @@ const std::vector<kestrivon::comkit::ClassEntry>& Classes() {
 
 // The host's process-wide objects the component keeps between printers:
 // the trace service, instance monitor, UI policy and file helper. A printer
-// made before the unload after all makes them afresh.
+// made before the unload after all makes them afresh on first use, but the
+// debug switch stays as decided and the monitor is not asked again.
 void ReleaseProcessWideHostObjects() {
-  kestrivon::ResetTraceStateForReload();
+  kestrivon::GiveBackTraceHostObjects();
   kestrivon::ResetUIPolicyForReload();
   kestrivon::ResetDocumentFileHelperForReload();
 }

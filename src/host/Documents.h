@@ -91,11 +91,9 @@ class Document {
   virtual ~Document() = default;
   // The document type object (implements the base interface); slot 188.
   virtual HostObjectRef TypeObject() = 0;
-  // Workset.Settings, late-bound; null when the document has no workset.
-  virtual std::shared_ptr<SettingsCollection> WorksetSettings() = 0;
-  // Workset.Application, late-bound; null when the document has no workset
-  // or the workset no application.
-  virtual std::shared_ptr<HostApplication> WorksetApplication() = 0;
+  // Workset, late-bound: the document's database context (seen through
+  // AsWorkset); null when the document has none.
+  virtual HostObjectRef Workset() = 0;
   // PrintSettings, late-bound: an opaque value handed unchanged to the
   // device-mode preparation of the printer.
   virtual HostObjectRef PrintSettings() = 0;

@@ -5,6 +5,7 @@
 
 #include "frame/trace/Trace.h"
 #include "host/Documents.h"
+#include "host/Workset.h"
 #include "pipeline/PrintJobDriver.h"
 #include "platform/Clock.h"
 #include "platform/Spooler.h"
@@ -174,7 +175,7 @@ bool PrnDevice::InitializeDevMode(const host::HostObjectRef& document, const std
 bool PrnDevice::IsPrinterQueueEmpty(const host::HostObjectRef& context) {
   return Procedure(kClassLabel, "Function IsPrinterQueueEmpty").Guard(false, [&] {
     if (IsPrinterQueueEmptyPriv(false)) return true;
-    const auto settings = RequiredObject(Required(host::AsDocument(context)).WorksetSettings());
+    const auto settings = RequiredObject(Required(host::AsWorkset(context)).Settings());
     if (!settings->Exist(kShowRevisionMessages)) return false;
     if (VariantEqualsFalse(settings->Item(kShowRevisionMessages))) {
       WriteTrace(kLabel + "::IsPrinterQueueEmpty(): " + "printer queue is not empty.");

@@ -38,16 +38,17 @@ class PrnDevice {
   std::shared_ptr<host::PrinterManager> PrinterManager();
   std::string Name();
   void Shutdown();
-  // Installed and neither paused, offline nor unavailable. With a context
-  // that allows user interaction, a missing printer is announced and a
+  // Installed and neither paused, offline nor unavailable. The context is
+  // the document's workset (null: no questions). With a context that allows
+  // user interaction, a missing printer is announced and a
   // printer that is not ready lets the user decide.
   bool IsPrinterAvailable(const host::HostObjectRef& context);
   // None of the status bits that keep a printer from taking a job. The
   // status is narrowed to 16 bits: 0x8000 and above overflow, answering False.
   bool IsPrinterReady();
   bool InitializeDevMode(const host::HostObjectRef& document, const std::string& text);
-  // The queue is empty; otherwise the context's workset settings decide
-  // whether the user is told.
+  // The queue is empty; otherwise the settings of the context, the
+  // document's workset, decide whether the user is told.
   bool IsPrinterQueueEmpty(const host::HostObjectRef& context);
   // The jobs in the printer's queue (at most 5 are listed), -1 when they
   // cannot be counted. Ends with one framed trace line:

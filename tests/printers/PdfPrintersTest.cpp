@@ -50,9 +50,10 @@ class PdfPrinters : public PipelineTest {
     host.InstallHostClasses(
         {.docFctDist = [this] { return docFctDist; },
          .printerManager = [this] { return manager; },
-         .uiPolicy = [] { return std::make_shared<host::portable::UIPolicyObject>(); },
+         .uiPolicy = [this] { return policy; },
          .pdfMerge = [] { return std::make_shared<hostkit::PdfMerge>(); },
          .documentFileHelper = [this] { return fileHelper; }});
+    document->workset = workset;
     pp::SetShellFolder(platform::kCsidlPersonal, folder / "Eigene Dateien");
     for (const char* made : {"out", "rev", "Eigene Dateien", "bob"}) MakeFolder(folder / made);
     document->typeObject = std::make_shared<host::portable::DocumentObject>("Drawing");
@@ -100,6 +101,10 @@ class PdfPrinters : public PipelineTest {
   const std::string out = folder / "out";
   std::shared_ptr<host::portable::PrinterManagerObject> manager =
       std::make_shared<host::portable::PrinterManagerObject>();
+  std::shared_ptr<host::portable::UIPolicyObject> policy =
+      std::make_shared<host::portable::UIPolicyObject>();
+  std::shared_ptr<host::portable::WorksetObject> workset =
+      std::make_shared<host::portable::WorksetObject>();
 };
 
 TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputFolder) {
@@ -230,6 +235,12 @@ TEST_F(PdfPrinters, AdobeDriversDoPrintPathsTraceInOrderAndAlwaysRemoveTheirLock
       if (row.path == kLocked) RemoveFile(out + "\\B-7.RLCK");
     }
   }
+  // A paused printer: the policy is asked about the document's database
+  // context, and the user's No ends the print.
+  for (const auto& printer : printers) printer->status = 0x1;
+  host.boxAnswers = {7};
+  EXPECT_FALSE(AdobePDF().DoPrint(document, owner, folder / "rev", "A1"));
+  EXPECT_EQ(policy->asked, std::vector<host::HostObjectRef>{workset});
 }
 
 TEST_F(PdfPrinters, DistillerNeedsVersion5AndWriterSelectsNoPrinterNorLock) {
@@ -376,7 +387,6 @@ TEST_F(PdfPrinters, EveryFailingHostCallLeavesNoLockNorDamagedArchive) {
   for (const char* name : {"pdfFactory", "HARP PS", "Vemra Tiff"}) Install(name);
   Key(platform::kHKeyCurrentUser, kFactory + "4");
   platform::SetEnvironmentVariableTo("TEMP", fileHelper->tempFolder = out);
-  auto workset = std::make_shared<hp::WorksetObject>();
   auto application = std::make_shared<hp::RunningApplicationObject>();
   host.application = application, application->workset = workset;
   workset->globals->values["ConfigDirectory"] = folder.Path() + "\\";
@@ -417,8 +427,7 @@ TEST_F(PdfPrinters, EveryFailingHostCallLeavesNoLockNorDamagedArchive) {
                 {"GeneralDocument", 0x1, true, 0},
                 {"Drawing", 0, false, 1},
                 {"Drawing", 0, false, 2}};
-  document->settings = std::make_shared<hp::SettingsObject>();
-  document->settings->values["ShowRevisionMessages"] = Variant{true};
+  workset->settings->values["ShowRevisionMessages"] = Variant{true};
   const auto revise = [&](const PrinterClass& cls, const Scene& scene,
                           std::vector<hp::Fault> faults) {
     ResetTraceStateForReload(), ResetDocumentFileHelperForReload(), ResetUIPolicyForReload();

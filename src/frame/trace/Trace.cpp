@@ -11,6 +11,9 @@ namespace {
 struct TraceState {
   std::shared_ptr<host::TraceService> traceService;
   std::shared_ptr<host::InstanceMonitor> instanceMonitor;
+  // The monitor was given back while the component stays loaded: for
+  // PPMInit it still counts as set, so the switch is decided only once.
+  bool monitorGivenBack = false;
   bool debugSwitch = false;
   int32_t instanceCount = 0;
   int32_t tiffInstanceCount = 0;
@@ -35,7 +38,7 @@ void DebugTrace(const std::string& line) { platform::OutputDebugText(line); }
 
 void PPMInit() {
   auto& state = State();
-  if (state.instanceMonitor) return;
+  if (state.instanceMonitor || state.monitorGivenBack) return;
   Procedure(kGlobalsLabel, "PPMInit").Guard([&state] {
     state.instanceMonitor = host::CreateInstanceMonitor();
     state.instanceCount = 0;
@@ -52,5 +55,12 @@ int32_t& InstanceCount() { return State().instanceCount; }
 int32_t& TiffInstanceCount() { return State().tiffInstanceCount; }
 
 void ResetTraceStateForReload() { State() = TraceState{}; }
+
+void GiveBackTraceHostObjects() {
+  auto& state = State();
+  state.traceService.reset();
+  state.monitorGivenBack = state.monitorGivenBack || state.instanceMonitor != nullptr;
+  state.instanceMonitor.reset();
+}
 
 }  // namespace kestrivon

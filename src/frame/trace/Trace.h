@@ -34,5 +34,9 @@ int32_t& TiffInstanceCount();
 
 // Forgets the process-wide trace state, as an unload and reload would.
 void ResetTraceStateForReload();
+// The host's trace service and instance monitor given back while the
+// component stays loaded: the debug switch and the counters stay, PPMInit
+// is not run again, and the trace service is made afresh on its next use.
+void GiveBackTraceHostObjects();
 
 }  // namespace kestrivon

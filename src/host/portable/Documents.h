@@ -99,8 +99,7 @@ class DocumentObject : public HostObject, public VemraObject, public Document {
   int32_t SystemType() override { return systemType; }
   std::string Number() override { return number; }
   HostObjectRef TypeObject() override { return typeObject; }
-  std::shared_ptr<SettingsCollection> WorksetSettings() override { return settings; }
-  std::shared_ptr<HostApplication> WorksetApplication() override { return application; }
+  HostObjectRef Workset() override { return workset; }
   HostObjectRef PrintSettings() override { return printSettings; }
 
   std::string name;
@@ -110,8 +109,8 @@ class DocumentObject : public HostObject, public VemraObject, public Document {
   int32_t systemType = 29;
   std::string number;
   HostObjectRef typeObject;
-  std::shared_ptr<SettingsObject> settings;
-  std::shared_ptr<ApplicationObject> application;
+  // A WorksetObject where the host has one.
+  HostObjectRef workset;
   HostObjectRef printSettings;
 };
 

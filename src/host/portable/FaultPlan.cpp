@@ -110,7 +110,7 @@ const std::vector<InjectableCall>& InjectableCalls() {
         {"TraceService.Application", "TraceService.GetObject", "MessagePack.AddNew",
          "Environment.CurrentMessagePack", "Owner.Options", "Owner.Environment",
          "Owner.CurrentUser", "VemraObject.Owner", "Document.TypeObject",
-         "Document.WorksetSettings", "Document.WorksetApplication", "Document.PrintSettings",
+         "Document.Workset", "Document.PrintSettings",
          "PrinterManager.GetPrinter", "Workset.Globals", "Workset.Application", "Workset.Settings",
          "Workset.FileSystem", "Application.Workset", "TraceFacility.TraceSource"});
     return list;

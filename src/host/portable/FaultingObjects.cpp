@@ -162,12 +162,7 @@ class WatchedDocument : public Watched<Document> {
  public:
   using Watched::Watched;
   HostObjectRef TypeObject() override { KV_USE("Document.TypeObject", inner_->TypeObject()); }
-  std::shared_ptr<SettingsCollection> WorksetSettings() override {
-    KV_USE("Document.WorksetSettings", Wrap<WatchedSettings>(inner_->WorksetSettings()));
-  }
-  std::shared_ptr<HostApplication> WorksetApplication() override {
-    KV_USE("Document.WorksetApplication", Wrap<WatchedApplication>(inner_->WorksetApplication()));
-  }
+  HostObjectRef Workset() override { KV_USE("Document.Workset", inner_->Workset()); }
   HostObjectRef PrintSettings() override {
     KV_USE("Document.PrintSettings", inner_->PrintSettings());
   }

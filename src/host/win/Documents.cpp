@@ -241,14 +241,7 @@ class ComDocument final : public Document {
     Check(document_->get_TypeObject(type.Put()));
     return Wrap(type);
   }
-  std::shared_ptr<SettingsCollection> WorksetSettings() override {
-    ComPtr<IDispatch> settings = WorksetMember(L"Settings");
-    if (!settings) return nullptr;
-    return std::make_shared<ComSettings>(std::move(settings));
-  }
-  std::shared_ptr<HostApplication> WorksetApplication() override {
-    return win::WrapApplication(WorksetMember(L"Application").Get());
-  }
+  HostObjectRef Workset() override { return Wrap(GetObjectMember(dispatch_.Get(), L"Workset")); }
   HostObjectRef PrintSettings() override {
     OwnedVariant value;
     Invoke(dispatch_.Get(), L"PrintSettings", DISPATCH_PROPERTYGET, {}, value.Put());
@@ -256,11 +249,6 @@ class ComDocument final : public Document {
   }
 
  private:
-  // A member of the document's workset; null without a workset.
-  ComPtr<IDispatch> WorksetMember(const wchar_t* name) {
-    const ComPtr<IDispatch> workset = GetObjectMember(dispatch_.Get(), L"Workset");
-    return workset ? GetObjectMember(workset.Get(), name) : ComPtr<IDispatch>();
-  }
   ComPtr<IVemraDocument> document_;
   ComPtr<IDispatch> dispatch_;
 };

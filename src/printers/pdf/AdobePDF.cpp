@@ -5,6 +5,7 @@
 #include "frame/ClassFrame.h"
 #include "frame/trace/Trace.h"
 #include "host/Documents.h"
+#include "host/Workset.h"
 #include "pipeline/PrintJobDriver.h"
 #include "platform/Shell.h"
 #include "printers/pdf/AcrobatSettings.h"
@@ -139,8 +140,8 @@ std::string AdobePDF::GetApplicationPath(const host::HostObjectRef& document, bo
     const std::string g = kLabel + "::GetApplicationPath(): ";
     std::string path;
     if (isVemraDoc) {
-      const auto application =
-          RequiredObject(Required(host::AsDocument(document)).WorksetApplication());
+      const host::HostObjectRef workset = Required(host::AsDocument(document)).Workset();
+      const auto application = RequiredObject(Required(host::AsWorkset(workset)).Application());
       if (application->Exist(TraceServiceObject().ApplicationPathKey())) {
         path = application->ApplicationPath();
         if (path.empty()) {

@@ -253,11 +253,11 @@ bool PDFFactory::DoPrint(const host::HostObjectRef& document, const host::HostOb
               return Then::kReturn;
             }
             if (!device_.IPrinter()) InitPrnSettings();
-            if (!device_.IsPrinterAvailable(document)) {
+            if (!device_.IsPrinterAvailable(WorksetOf(document))) {
               WriteTrace(P("printing revision aborted because printer could not been not found"));
               return Then::kReturn;
             }
-            if (!device_.IsPrinterQueueEmpty(document) ||
+            if (!device_.IsPrinterQueueEmpty(WorksetOf(document)) ||
                 !device_.InitializeDevMode(document, "")) {
               return Then::kReturn;
             }

@@ -1,6 +1,7 @@
 #include "printers/pdf/PdfRevisionPrinter.h"
 
 #include "frame/trace/Trace.h"
+#include "host/Documents.h"
 #include "pipeline/PdfMerging.h"
 #include "pipeline/PrintJobDriver.h"
 #include "printers/pdf/AcrobatSettings.h"
@@ -8,6 +9,10 @@
 #include "services/OutputFileWaiting.h"
 
 namespace kestrivon {
+
+host::HostObjectRef PdfRevisionPrinter::WorksetOf(const host::HostObjectRef& document) {
+  return Required(host::AsDocument(document)).Workset();
+}
 
 bool PdfRevisionPrinter::IsPrinterAvailable() {
   return Procedure(label_, "Function IRevisionPrinter_IsPrinterAvailable").Guard(false, [&] {
@@ -55,7 +60,10 @@ bool PdfRevisionPrinter::PrinterReady(const host::HostObjectRef& document,
     WriteTrace(Q("printing revision aborted because printer could not been not found"));
     return false;
   }
-  return device_.IsPrinterAvailable(document) && device_.IsPrinterQueueEmpty(document) &&
+  // The checks get the document's workset, read afresh for each, as the
+  // host's policy and queue settings belong to the database context.
+  return device_.IsPrinterAvailable(WorksetOf(document)) &&
+         device_.IsPrinterQueueEmpty(WorksetOf(document)) &&
          device_.InitializeDevMode(document, devModeText);
 }
 

@@ -43,6 +43,8 @@ class PdfRevisionPrinter : public RevisionPrinterFrame {
   // another run holds it.
   std::unique_ptr<RevisionFileLock> LockOutputFolder(const std::string& outputFolder,
                                                      const host::HostObjectRef& document);
+  // The document's workset, the context of the printer checks.
+  static host::HostObjectRef WorksetOf(const host::HostObjectRef& document);
   // Copies the driver's file onto the target and deletes it when copied.
   bool CopyIntoRevisionFolder(const std::string& outputFile, const std::string& target);
   // Class_Terminate's clean-up: the print library's objects go first.

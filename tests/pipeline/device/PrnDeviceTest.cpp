@@ -3,6 +3,7 @@
 #include "RecordingHost.h"
 #include "host/portable/Documents.h"
 #include "host/portable/Printing.h"
+#include "host/portable/Workset.h"
 #include "pipeline/PrnDevice.h"
 #include "platform/portable/Clock.h"
 #include "platform/portable/Spooler.h"
@@ -32,7 +33,6 @@ class Device : public ::testing::Test {
     host.InstallHostClasses({.printerManager = [this] { return manager; },
                       .uiPolicy = [this] { return ++policiesMade, policy; }});
     manager->printers = {pdf, std::make_shared<hp::PrinterObject>("Other")};
-    context->settings = std::make_shared<hp::SettingsObject>();
   }
   ~Device() override {
     ResetUIPolicyForReload();
@@ -50,7 +50,8 @@ class Device : public ::testing::Test {
   std::shared_ptr<hp::PrinterObject> pdf = std::make_shared<hp::PrinterObject>("PDF");
   std::shared_ptr<hp::PrinterManagerObject> manager = std::make_shared<hp::PrinterManagerObject>();
   std::shared_ptr<hp::UIPolicyObject> policy = std::make_shared<hp::UIPolicyObject>();
-  std::shared_ptr<hp::DocumentObject> context = std::make_shared<hp::DocumentObject>("Doc");
+  // The printer checks' context is the document's workset.
+  std::shared_ptr<hp::WorksetObject> context = std::make_shared<hp::WorksetObject>();
   int policiesMade = 0;
   PrnDevice device;
 };
@@ -196,17 +197,18 @@ TEST_F(Device, AFullQueueIsShownOnlyWhenTheWorksetAsksForMessages) {
 TEST_F(Device, TheDeviceModeIsPreparedForTheDocumentAndItsType) {
   EXPECT_FALSE(device.InitializeDevMode(nullptr, "x"));
   EXPECT_TRUE(host.traceLines.empty());
-  EXPECT_FALSE(device.InitializeDevMode(context, "x"));
+  const auto document = std::make_shared<hp::DocumentObject>("Doc");
+  EXPECT_FALSE(device.InitializeDevMode(document, "x"));
   EXPECT_EQ(host.traceLines, Lines{kL + ".InitializeDevMode(): printer is null. Aborting..."});
   Select();
   auto type = std::make_shared<hp::DocumentObject>();
-  context->typeObject = type;
-  context->printSettings = type;
+  document->typeObject = type;
+  document->printSettings = type;
   for (const char* name : {"Reference", "VemraMasterReport", "GeneralDocument", "vemrareport"}) {
     type->name = name;
     pdf->jobStarted = type->name == "Reference";
     Forget();
-    EXPECT_TRUE(device.InitializeDevMode(context, "text"));
+    EXPECT_TRUE(device.InitializeDevMode(document, "text"));
     const auto& call = pdf->devModeCalls.back();
     EXPECT_EQ(call.notHostDocument, type->name == "GeneralDocument" || type->name == "vemrareport");
     EXPECT_TRUE(call.reserved == 0 && call.documentSettings == type && call.text == "text");

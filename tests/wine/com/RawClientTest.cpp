@@ -314,6 +314,23 @@ TEST(Server, UnloadingFollowsLiveObjectsAndLocks) {
   printer.Reset();
   EXPECT_EQ(canUnload(), S_OK);
 
+  // The host's objects went back, but COM keeps the DLL: a new printer makes
+  // the trace service afresh and keeps the debug switch as first decided,
+  // without asking the monitor again.
+  const int levels = Fake().getLevelCalls, monitors = Fake().monitorsCreated;
+  const int services = Fake().traceServicesCreated;
+  Fake().level = 0;
+  Fake().traceLines.clear();
+  Create(ClassNamed(L"AdobePDF")).Reset();
+  EXPECT_EQ(Fake().getLevelCalls, levels);
+  EXPECT_EQ(Fake().monitorsCreated, monitors);
+  EXPECT_EQ(Fake().traceServicesCreated, services + 1);
+  EXPECT_EQ(Fake().traceLines,
+            std::vector<std::wstring>{
+                L"### VemraKestrivon::AdobePDF::Class_Initialize(): Instance count: 1"});
+  Fake().Reset();
+  EXPECT_EQ(canUnload(), S_OK);
+
   ComPtr<IClassFactory> factory;
   ASSERT_EQ(CoGetClassObject(Guid(ClassNamed(L"PDFFactory").clsid), CLSCTX_INPROC_SERVER, nullptr,
                              IID_IClassFactory, factory.PutVoid()),

@@ -21,7 +21,9 @@
 #include "core/PrintWorldHost.h"
 #include "core/QpdfTool.h"
 #include "core/TraceLog.h"
+#include "host/Documents.h"
 #include "host/win/ComHostObject.h"
+#include "runtime/RunTimeError.h"
 #include "pipeline/PdfMerging.h"
 #include "pipeline/PrintJobDriver.h"
 #include "pipeline/PrnDevice.h"
@@ -164,9 +166,10 @@ TEST(PipelineAgainstHostKit, AnotherRunsLiveLockRefuses) {
 }
 
 // The printers of the world as the printer device sees them; the spooler
-// is Wine's, which knows none of them. The workset's option asks for no box.
+// is Wine's, which knows none of them. The document's workset is the
+// context; its option asks for no box.
 TEST(PipelineAgainstHostKit, ThePrinterDeviceReadsTheWorldsPrinters) {
-  const auto document = NewDocument("A-100");
+  const auto workset = Required(host::AsDocument(NewDocument("A-100"))).Workset();
   const size_t boxes = Logged("MSGBOX").size();
   struct Case {
     const char* name;
@@ -177,9 +180,9 @@ TEST(PipelineAgainstHostKit, ThePrinterDeviceReadsTheWorldsPrinters) {
                         Case{"Nobody", false, false}}) {
     PrnDevice device;
     EXPECT_EQ(device.SetFilePrinterByName(c.name), c.found) << c.name;
-    EXPECT_EQ(device.IsPrinterAvailable(document), c.available) << c.name;
+    EXPECT_EQ(device.IsPrinterAvailable(workset), c.available) << c.name;
     EXPECT_EQ(device.GetNumberOfPrintJobs(c.name), -1) << c.name;
-    EXPECT_FALSE(device.IsPrinterQueueEmpty(document)) << c.name;
+    EXPECT_FALSE(device.IsPrinterQueueEmpty(workset)) << c.name;
   }
   EXPECT_TRUE(
       Traced("VemmraKestrivon.PrnDevice.IsPrinterAvailable: revision printer is not ready "
