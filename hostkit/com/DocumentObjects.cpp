@@ -161,8 +161,16 @@ class MessagePackObject final : public LateBound {
 // named call.
 class Holder final : public LateBound {
  public:
-  Holder(const wchar_t* member, const char* call, ComPtr<IDispatch> held)
-      : LateBound({member}, {call}), held_(std::move(held)) {}
+  // stands: the portable object it stands for (a document's workset),
+  // found again when the component hands it back.
+  Holder(const wchar_t* member, const char* call, ComPtr<IDispatch> held,
+         host::HostObjectRef stands = nullptr)
+      : LateBound({member}, {call}), held_(std::move(held)), stands_(std::move(stands)) {
+    if (stands_) HoldObject(Identity(), stands_);
+  }
+  ~Holder() override {
+    if (stands_) DropObject(Identity());
+  }
 
  protected:
   HRESULT Call(DISPID, WORD flags, const DISPPARAMS&, VARIANT* result) override {
@@ -171,7 +179,9 @@ class Holder final : public LateBound {
   }
 
  private:
+  IUnknown* Identity() { return static_cast<IDispatch*>(this); }
   ComPtr<IDispatch> held_;
+  host::HostObjectRef stands_;
 };
 
 // The owner's options: Exist(name), the option by its name, and the
@@ -343,8 +353,9 @@ class DocumentObject final : public DualObject<IVemraObject, IVemraDocument> {
     const auto workset = std::dynamic_pointer_cast<portable::WorksetObject>(document_->workset);
     if (!workset) return S_OK;
     return comkit::Answered([&] {
-      return HandOut(Make<Holder>(L"Settings", nullptr, Make<SettingsObject>(workset->settings)),
-                     &V_DISPATCH(result));
+      return HandOut(
+          Make<Holder>(L"Settings", nullptr, Make<SettingsObject>(workset->settings), workset),
+          &V_DISPATCH(result));
     });
   }
 
