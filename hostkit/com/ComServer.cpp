@@ -84,6 +84,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserv
 }
 
 extern "C" HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID clsid, REFIID riid, void** object) {
+  WatchClients();
   return comkit::Answered([&] { return comkit::GetClassObject(Classes(), clsid, riid, object); });
 }
 

@@ -39,7 +39,7 @@ HRESULT HandOut(const std::string& text, BSTR* out) {
   if (out == nullptr) return E_POINTER;
   *out = nullptr;
   return comkit::Answered([&] {
-    *out = comkit::NewBstr(text);
+    *out = HandedOut(comkit::NewBstr(text));
     return S_OK;
   });
 }
@@ -55,7 +55,9 @@ HRESULT ToVariant(const kestrivon::Variant& value, VARIANT* result) {
     } else {
       converted = Variant::Text(VariantToString(value));
     }
-    return ::VariantCopy(result, &converted.Get());
+    const HRESULT hr = ::VariantCopy(result, &converted.Get());
+    if (SUCCEEDED(hr) && V_VT(result) == VT_BSTR) HandedOut(V_BSTR(result));
+    return hr;
   });
 }
 

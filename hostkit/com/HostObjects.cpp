@@ -96,7 +96,7 @@ class ErrorCopy final : public PlannedObject {
       return S_OK;
     }
     return comkit::Answered([&] {
-      V_BSTR(result) = NewBstr(id == 2 ? error_.description : error_.source);
+      V_BSTR(result) = HandedOut(NewBstr(id == 2 ? error_.description : error_.source));
       V_VT(result) = VT_BSTR;
       return S_OK;
     });
@@ -120,8 +120,9 @@ void ReplaceArguments(const host::ErrorInfo& error, IDispatch** object, BSTR* cl
     if (label == nullptr) continue;
     BSTR copy = NewBstr(std::wstring_view(*label == nullptr ? L"" : *label,
                                           *label == nullptr ? 0 : ::SysStringLen(*label)));
+    TakenBack(*label);
     ::SysFreeString(*label);
-    *label = copy;
+    *label = HandedOut(copy);
   }
 }
 
@@ -155,14 +156,15 @@ class TraceServiceObject final : public HostObject<ITraceService> {
     if (const auto hr = Injected("TraceService.ApplicationPathKey")) return *hr;
     if (key == nullptr) return E_POINTER;
     *key = nullptr;
-    return Answer([&] { *key = NewBstr(std::wstring_view()); });
+    return Answer([&] { *key = HandedOut(NewBstr(std::wstring_view())); });
   }
 
   HRESULT STDMETHODCALLTYPE ResolveText(BSTR text, BSTR* resolved) override {
     if (const auto hr = Injected("TraceService.ResolveText")) return *hr;
     if (resolved == nullptr) return E_POINTER;
     *resolved = nullptr;
-    return Answer([&] { *resolved = NewBstr(Kit().traceService->ResolveText(Utf8(text))); });
+    return Answer(
+        [&] { *resolved = HandedOut(NewBstr(Kit().traceService->ResolveText(Utf8(text)))); });
   }
 
   HRESULT STDMETHODCALLTYPE CurrentTicks(LONG* ticks) override {

@@ -107,7 +107,7 @@ class PrinterObject final : public Standing<IPrinter, host::Printer> {
     if (const auto hr = Injected("IPrinter.Name")) return *hr;
     if (name == nullptr) return E_POINTER;
     *name = nullptr;
-    return Answer([&] { *name = NewBstr(portable_->Name()); });
+    return Answer([&] { *name = HandedOut(NewBstr(portable_->Name())); });
   }
   HRESULT STDMETHODCALLTYPE ReleasePrinter() override {
     if (const auto hr = Injected("IPrinter.Release")) return *hr;
@@ -201,7 +201,7 @@ class FileHelperObject final : public Standing<IDocumentFileHelper, host::Docume
   HRESULT Text(BSTR* out, Body&& body) {
     if (out == nullptr) return E_POINTER;
     *out = nullptr;
-    return Answer([&] { *out = NewBstr(body()); });
+    return Answer([&] { *out = HandedOut(NewBstr(body())); });
   }
 };
 

@@ -47,11 +47,26 @@ class Tracked {
 // made in): a name of static storage.
 void NoteCall(std::string_view call);
 
+// Strict mode: a string handed to the component, entered with the call
+// that hands it out; the component must free it exactly once (SysFreeString
+// or VariantClear). Answers the string.
+BSTR HandedOut(BSTR text);
+// A handed-out string that came back by reference and was freed by the
+// host kit itself.
+void TakenBack(BSTR text) noexcept;
+// Strict mode: routes the SysFreeString and VariantClear imports of every
+// module loaded from outside the system's folders (the component, the
+// programs that host it) through the ledger of handed-out strings. Each
+// module is looked at on every class object asked for, so a component
+// loaded again is watched again.
+void WatchClients() noexcept;
+
 // Strict mode: frees the zombies (which may release others) until none is
 // left; then the objects still alive are the leaks.
 void BuryZombies() noexcept;
 // The strict host's findings: the violations recorded, then each object
-// of the host kit still alive (after burying), by name.
+// of the host kit still alive (after burying) and each handed-out string
+// not freed, by name.
 std::vector<std::string> StrictFindings();
 
 // The host kit's objects count their references themselves: a release

@@ -51,7 +51,7 @@ class LateBound : public PlannedObject {
   static HRESULT Return(const std::string& text, VARIANT* result) {
     if (result == nullptr) return S_OK;
     return comkit::Answered([&] {
-      V_BSTR(result) = comkit::NewBstr(text);
+      V_BSTR(result) = HandedOut(comkit::NewBstr(text));
       V_VT(result) = VT_BSTR;
       return S_OK;
     });

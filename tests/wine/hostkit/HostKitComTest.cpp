@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -411,7 +412,14 @@ std::vector<std::string> StrictFindings() {
 // kit fails the call or records the breach, naming the object and member.
 // Each case answers what it still holds, released after the findings.
 TEST(StrictHost, EachBrokenDutyIsFoundAndNamed) {
-  using Kept = std::vector<ComPtr<IUnknown>>;
+  // What a case still holds: objects and strings, freed after the findings.
+  using Kept = std::vector<std::shared_ptr<void>>;
+  auto object = [](IUnknown* held) {
+    return std::shared_ptr<void>(held, [](void* p) { static_cast<IUnknown*>(p)->Release(); });
+  };
+  auto text = [](BSTR held) {
+    return std::shared_ptr<void>(held, [](void* p) { ::SysFreeString(static_cast<BSTR>(p)); });
+  };
   auto document = [] { return New<IDispatch>(L"{6F3D2C1A-8B4E-4F7A-9C2D-5E1B0A7F3D91}"); };
   auto print = [] { return New<IDocFctDist>(L"{990DCEA5-7103-11D9-8BFD-0050DA1836B9}"); };
   struct Case {
@@ -433,21 +441,21 @@ TEST(StrictHost, EachBrokenDutyIsFoundAndNamed) {
          EXPECT_EQ(service->WriteTrace(line.Get()), E_UNEXPECTED);
          return Kept{};
        }, "over-release: TraceService.WriteTrace on TraceServiceObject"},
-      {"release what is made", [] {
-         return Kept{ComPtr<IUnknown>(New<IInstanceMonitor>(kInstanceMonitorClsid).Detach())};
+      {"release what is made", [&] {
+         return Kept{object(New<IInstanceMonitor>(kInstanceMonitorClsid).Detach())};
        }, "leak: InstanceMonitorObject (made in New.InstanceMonitor)"},
       {"own an [in,out] argument", [&] {
          auto held = document();
          IDispatch* lent = held.Get();  // no reference of its own: the host releases it
          EXPECT_EQ(print()->SetDocument(&lent), S_OK);
          EXPECT_NE(lent, held.Get());
-         return Kept{ComPtr<IUnknown>(lent)};  // the replacement, released after the findings
+         return Kept{object(lent)};  // the replacement, released after the findings
        }, "over-release: Release on DocumentObject 'Strict-1'"},
       {"release an [in,out] replacement", [&] {
          auto held = document();
          IDispatch* lent = held.Detach();
          EXPECT_EQ(print()->SetDocument(&lent), S_OK);
-         return Kept{ComPtr<IUnknown>(lent)};
+         return Kept{object(lent)};
        }, "leak: DocumentObject 'Strict-1' (made in DocFctDist.SetDocument)"},
       {"a printer for Printdirect", [&] {
          VARIANT_BOOL printed = VARIANT_TRUE;
@@ -470,6 +478,19 @@ TEST(StrictHost, EachBrokenDutyIsFoundAndNamed) {
                    DISP_E_TYPEMISMATCH);
          return Kept{};
        }, "wrong kind: UIPolicy.IsSilent takes a workset"},
+      {"free a string once", [] {
+         BSTR key = nullptr;
+         EXPECT_EQ(NewTraceService()->get_ApplicationPathKey(&key), S_OK);
+         ::SysFreeString(key);
+         ::SysFreeString(key);
+         return Kept{};
+       }, "over-release: a string handed out by TraceService.ApplicationPathKey freed twice"},
+      {"free the strings handed out", [&] {
+         Bstr in(L"plain");
+         BSTR resolved = nullptr;
+         EXPECT_EQ(NewTraceService()->ResolveText(in.Get(), &resolved), S_OK);
+         return Kept{text(resolved)};
+       }, "leak: a string handed out by TraceService.ResolveText never freed"},
       {"no reserved slot", [] {
          EXPECT_EQ(NewTraceService()->Reserved24(), E_NOTIMPL);
          return Kept{};
