@@ -44,6 +44,8 @@ TEST(ReviseOptions, TakesTheClassAndEveryOption) {
 TEST(ReviseOptions, DebugMeansLevelThreeAndNothingElseIsSet) {
   EXPECT_EQ(HostKitEnvironment(Parsed({"NoFile", "--folder", "", "--name", "", "--debug"})),
             (Variables{{"VEMRA_DIAG_LEVEL", "3"}}));
+  EXPECT_EQ(HostKitEnvironment(Parsed({"NoFile", "--folder", "", "--name", "", "--lenient"})),
+            (Variables{{"VEMRA_HOSTKIT_STRICT", "0"}}));
   EXPECT_TRUE(HostKitEnvironment(Parsed({"NoFile", "--folder", "f", "--name", "n"})).empty());
 }
 
