@@ -138,8 +138,8 @@ BSTR HandedOut(BSTR text) {
   if (text == nullptr || !StrictMode()) return text;
   Ledger& ledger = Strings();
   std::lock_guard lock(ledger.mutex);
-  ledger.handedOut[text] = currentCall.empty() ? std::string("the host kit")
-                                               : std::string(currentCall);
+  ledger.handedOut[text] =
+      currentCall.empty() ? std::string("the host kit") : std::string(currentCall);
   return text;
 }
 

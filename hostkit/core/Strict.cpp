@@ -87,8 +87,8 @@ std::vector<std::string> Violations() {
 
 void RequireKind(const host::HostObjectRef& object, ObjectKind kind, const char* member) {
   if (!object || !StrictMode() || IsKind(object, kind)) return;
-  const std::string what = std::string(member) + " takes " + KindName(kind) + ", was handed " +
-                           Describe(object);
+  const std::string what =
+      std::string(member) + " takes " + KindName(kind) + ", was handed " + Describe(object);
   RecordViolation("wrong kind: " + what);
 #ifdef _WIN32
   constexpr auto kTypeMismatch = static_cast<int32_t>(0x80020005u);  // DISP_E_TYPEMISMATCH

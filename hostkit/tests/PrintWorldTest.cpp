@@ -144,7 +144,6 @@ TEST(PrintWorld, DriversPrintRealPdfsForThePipeline) {
   EXPECT_EQ(fetch[0][1], "Revision");
 }
 
-
 // Each member of the world's host objects takes only the kind of object it
 // names: another is a type mismatch (13) and a strict finding naming the
 // member; the right kind passes.

@@ -9,9 +9,9 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <memory>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -315,7 +315,6 @@ TEST(TraceService, AnswersTheApplicationAndItsWorkset) {
   EXPECT_EQ(key.Wide(), L"");
 }
 
-
 TEST(TraceService, ScriptsReachItByName) {
   CLSID clsid{};
   ASSERT_EQ(::CLSIDFromProgID(L"VemraHostKit.TraceService", &clsid), S_OK);
@@ -397,8 +396,8 @@ TEST(Server, CanUnloadOnlyWithoutLiveObjects) {
 // The strict host kit's findings now, one a line.
 std::vector<std::string> StrictFindings() {
   using Report = HRESULT(STDAPICALLTYPE*)(BSTR*);
-  const auto report = reinterpret_cast<Report>(reinterpret_cast<void*>(
-      ::GetProcAddress(HostKitModule(), "VemraHostKitStrictReport")));
+  const auto report = reinterpret_cast<Report>(
+      reinterpret_cast<void*>(::GetProcAddress(HostKitModule(), "VemraHostKitStrictReport")));
   EXPECT_NE(report, nullptr);
   Bstr text;
   if (report != nullptr) report(text.Put());
@@ -428,73 +427,93 @@ TEST(StrictHost, EachBrokenDutyIsFoundAndNamed) {
     const char* finding;
   };
   const Case cases[] = {
-      {"release once", [] {
+      {"release once",
+       [] {
          ITraceService* service = NewTraceService().Detach();
          service->Release();
          service->Release();
          return Kept{};
-       }, "over-release: Release on TraceServiceObject"},
-      {"no call after the last release", [] {
+       },
+       "over-release: Release on TraceServiceObject"},
+      {"no call after the last release",
+       [] {
          ITraceService* service = NewTraceService().Detach();
          service->Release();
          Bstr line(L"late");
          EXPECT_EQ(service->WriteTrace(line.Get()), E_UNEXPECTED);
          return Kept{};
-       }, "over-release: TraceService.WriteTrace on TraceServiceObject"},
-      {"release what is made", [&] {
-         return Kept{object(New<IInstanceMonitor>(kInstanceMonitorClsid).Detach())};
-       }, "leak: InstanceMonitorObject (made in New.InstanceMonitor)"},
-      {"own an [in,out] argument", [&] {
+       },
+       "over-release: TraceService.WriteTrace on TraceServiceObject"},
+      {"release what is made",
+       [&] { return Kept{object(New<IInstanceMonitor>(kInstanceMonitorClsid).Detach())}; },
+       "leak: InstanceMonitorObject (made in New.InstanceMonitor)"},
+      {"own an [in,out] argument",
+       [&] {
          auto held = document();
          IDispatch* lent = held.Get();  // no reference of its own: the host releases it
          EXPECT_EQ(print()->SetDocument(&lent), S_OK);
          EXPECT_NE(lent, held.Get());
          return Kept{object(lent)};  // the replacement, released after the findings
-       }, "over-release: Release on DocumentObject 'Strict-1'"},
-      {"release an [in,out] replacement", [&] {
+       },
+       "over-release: Release on DocumentObject 'Strict-1'"},
+      {"release an [in,out] replacement",
+       [&] {
          auto held = document();
          IDispatch* lent = held.Detach();
          EXPECT_EQ(print()->SetDocument(&lent), S_OK);
          return Kept{object(lent)};
-       }, "leak: DocumentObject 'Strict-1' (made in DocFctDist.SetDocument)"},
-      {"a printer for Printdirect", [&] {
+       },
+       "leak: DocumentObject 'Strict-1' (made in DocFctDist.SetDocument)"},
+      {"a printer for Printdirect",
+       [&] {
          VARIANT_BOOL printed = VARIANT_TRUE;
          EXPECT_EQ(print()->Printdirect(document().Get(), &printed), DISP_E_TYPEMISMATCH);
          return Kept{};
-       }, "wrong kind: DocFctDist.Printdirect takes a printer, was handed the host object "
-          "'Strict-1'"},
-      {"a document for SetDocument", [&] {
+       },
+       "wrong kind: DocFctDist.Printdirect takes a printer, was handed the host object "
+       "'Strict-1'"},
+      {"a document for SetDocument",
+       [&] {
          auto service = NewTraceService();
          auto lent = ComPtr<IDispatch>::Share(service.Get());
          EXPECT_EQ(print()->SetDocument(lent.InOut()), DISP_E_TYPEMISMATCH);
          return Kept{};
-       }, "wrong kind: DocFctDist.SetDocument takes a document, was handed an object"},
-      {"a workset for IsSilent", [&] {
+       },
+       "wrong kind: DocFctDist.SetDocument takes a document, was handed an object"},
+      {"a workset for IsSilent",
+       [&] {
          auto policy = New<IDispatch>(L"{6F3D2C1C-8B4E-4F7A-9C2D-5E1B0A7F3D91}");
          const auto context = Variant::Object(document().Get());
          Variant answer;
-         EXPECT_EQ(CallByName(policy.Get(), L"IsSilent", DISPATCH_METHOD, {context.Get()},
-                              answer.Put()),
-                   DISP_E_TYPEMISMATCH);
+         EXPECT_EQ(
+             CallByName(policy.Get(), L"IsSilent", DISPATCH_METHOD, {context.Get()}, answer.Put()),
+             DISP_E_TYPEMISMATCH);
          return Kept{};
-       }, "wrong kind: UIPolicy.IsSilent takes a workset"},
-      {"free a string once", [] {
+       },
+       "wrong kind: UIPolicy.IsSilent takes a workset"},
+      {"free a string once",
+       [] {
          BSTR key = nullptr;
          EXPECT_EQ(NewTraceService()->get_ApplicationPathKey(&key), S_OK);
          ::SysFreeString(key);
          ::SysFreeString(key);
          return Kept{};
-       }, "over-release: a string handed out by TraceService.ApplicationPathKey freed twice"},
-      {"free the strings handed out", [&] {
+       },
+       "over-release: a string handed out by TraceService.ApplicationPathKey freed twice"},
+      {"free the strings handed out",
+       [&] {
          Bstr in(L"plain");
          BSTR resolved = nullptr;
          EXPECT_EQ(NewTraceService()->ResolveText(in.Get(), &resolved), S_OK);
          return Kept{text(resolved)};
-       }, "leak: a string handed out by TraceService.ResolveText never freed"},
-      {"no reserved slot", [] {
+       },
+       "leak: a string handed out by TraceService.ResolveText never freed"},
+      {"no reserved slot",
+       [] {
          EXPECT_EQ(NewTraceService()->Reserved24(), E_NOTIMPL);
          return Kept{};
-       }, "reserved slot: Reserved24 of TraceServiceObject"},
+       },
+       "reserved slot: Reserved24 of TraceServiceObject"},
   };
   for (const Case& c : cases) {
     const auto before = StrictFindings();
@@ -511,7 +530,8 @@ TEST(StrictHost, EachBrokenDutyIsFoundAndNamed) {
     EXPECT_TRUE(named) << c.duty << ": " << testing::PrintToString(found);
   }
   // What the cases kept is released: no object is left.
-  for (const auto& line : StrictFindings()) EXPECT_EQ(line.rfind("leak:", 0), std::string::npos) << line;
+  for (const auto& line : StrictFindings())
+    EXPECT_EQ(line.rfind("leak:", 0), std::string::npos) << line;
 }
 
 }  // namespace
