@@ -112,8 +112,10 @@ class MessageEntryObject final : public LateBound {
       }
       return comkit::Answered([&] {
         if (id == 1) {
+          const host::HostObjectRef held = Argument(V_DISPATCH(&value.Get()));
+          RequireKind(held, ObjectKind::kHostObject, "MessageEntry.VemraObject");
           object_ = ComPtr<IDispatch>::Share(V_DISPATCH(&value.Get()));
-          entry_->SetVemraObject(HeldObject(object_.Get()));
+          entry_->SetVemraObject(held);
         } else {
           description_ = Utf8(V_BSTR(&value.Get()));
           entry_->SetDescription(description_);

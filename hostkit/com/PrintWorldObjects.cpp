@@ -48,13 +48,6 @@ host::portable::HostFactories& Factories() {
   return *factories;
 }
 
-// An object handed in: the world's own, or a stand-in for another's.
-host::HostObjectRef Argument(IUnknown* object) {
-  if (object == nullptr) return nullptr;
-  host::HostObjectRef held = HeldObject(object);
-  return held ? held : std::make_shared<host::HostObject>();
-}
-
 // The world's objects are host objects too.
 template <class T>
 host::HostObjectRef AsHeld(const std::shared_ptr<T>& object) {
@@ -366,6 +359,12 @@ InstalledPrintWorld& World() {
     return installed;
   }();
   return *world;
+}
+
+host::HostObjectRef Argument(IUnknown* object) {
+  if (object == nullptr) return nullptr;
+  host::HostObjectRef held = HeldObject(object);
+  return held ? held : std::make_shared<host::HostObject>();
 }
 
 host::HostObjectRef HeldObject(IUnknown* object) {

@@ -26,6 +26,8 @@ const char* KindName(ObjectKind kind) {
   switch (kind) {
     case ObjectKind::kDocument:
       return "a document";
+    case ObjectKind::kHostObject:
+      return "a host object";
     case ObjectKind::kPrinter:
       return "a printer";
     case ObjectKind::kWorkset:
@@ -41,6 +43,8 @@ bool IsKind(const host::HostObjectRef& object, ObjectKind kind) {
       const auto document = std::dynamic_pointer_cast<host::portable::DocumentObject>(object);
       return document && document->systemType == 29;
     }
+    case ObjectKind::kHostObject:
+      return std::dynamic_pointer_cast<host::portable::DocumentObject>(object) != nullptr;
     case ObjectKind::kPrinter:
       return std::dynamic_pointer_cast<host::portable::PrinterObject>(object) != nullptr;
     case ObjectKind::kWorkset:

@@ -19,7 +19,9 @@ void RecordViolation(const std::string& what);
 [[nodiscard]] std::vector<std::string> Violations();
 
 // The kinds of object that members take.
-enum class ObjectKind { kDocument, kPrinter, kWorkset };
+// kHostObject: any object of the host's base interface (a document, a
+// document type, a user).
+enum class ObjectKind { kDocument, kHostObject, kPrinter, kWorkset };
 
 // Strict mode: raises a type mismatch (13; DISP_E_TYPEMISMATCH on
 // Windows, as the host's COM members answer it) and records the violation

@@ -491,6 +491,29 @@ TEST(StrictHost, EachBrokenDutyIsFoundAndNamed) {
          return Kept{};
        },
        "wrong kind: UIPolicy.IsSilent takes a workset"},
+      {"a host object for a message entry",
+       [&] {
+         auto member = [](IDispatch* from, const wchar_t* name) {
+           Variant value;
+           EXPECT_EQ(
+               CallByName(from, name, DISPATCH_PROPERTYGET | DISPATCH_METHOD, {}, value.Put()),
+               S_OK)
+               << testing::PrintToString(name);
+           return ComPtr<IDispatch>::Share(value.Type() == VT_DISPATCH ? V_DISPATCH(&value.Get())
+                                                                       : nullptr);
+         };
+         ComPtr<IDispatch> entry = document();
+         for (const wchar_t* name :
+              {L"Owner", L"Environment", L"Device", L"CurrentMessagePack", L"AddNew"}) {
+           if (entry) entry = member(entry.Get(), name);
+         }
+         const auto other = Variant::Object(NewTraceService().Get());
+         EXPECT_EQ(CallByName(entry.Get(), L"VemraObject", DISPATCH_PROPERTYPUTREF, {other.Get()},
+                              nullptr),
+                   DISP_E_TYPEMISMATCH);
+         return Kept{};
+       },
+       "wrong kind: MessageEntry.VemraObject takes a host object"},
       {"free a string once",
        [] {
          BSTR key = nullptr;
