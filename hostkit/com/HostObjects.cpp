@@ -334,17 +334,13 @@ std::optional<HRESULT> Injected(std::string_view call, VARIANT* object) {
 
 HRESULT PlannedObject::Invoke(DISPID id, REFIID riid, LCID lcid, WORD flags, DISPPARAMS* params,
                               VARIANT* result, EXCEPINFO* exception, UINT* argError) {
-  if (Zombie()) {
-    Misused("Invoke");
-    return E_UNEXPECTED;
-  }
   const DISPID member = id == DISPID_VALUE ? defaultMember_ : id;
   if (member >= 1 && static_cast<size_t>(member) <= calls_.size() &&
       calls_[static_cast<size_t>(member - 1)] != nullptr) {
     if (result != nullptr) ::VariantInit(result);
     if (const auto hr = Injected(calls_[static_cast<size_t>(member - 1)], result)) return *hr;
   }
-  return NamedObject::Invoke(id, riid, lcid, flags, params, result, exception, argError);
+  return Watched::Invoke(id, riid, lcid, flags, params, result, exception, argError);
 }
 
 }  // namespace kestrivon::hostkit::com

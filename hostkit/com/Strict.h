@@ -101,6 +101,26 @@ class Watched : public Base, public Tracked {
     }
     return 0;
   }
+  // IDispatch: the host kit's objects are all late-bound or dual.
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+    if (zombie_) return Misused("GetTypeInfoCount"), E_UNEXPECTED;
+    return Base::GetTypeInfoCount(count);
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID lcid, ITypeInfo** info) override {
+    if (zombie_) return Misused("GetTypeInfo"), E_UNEXPECTED;
+    return Base::GetTypeInfo(index, lcid, info);
+  }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID lcid,
+                                          DISPID* ids) override {
+    if (zombie_) return Misused("GetIDsOfNames"), E_UNEXPECTED;
+    return Base::GetIDsOfNames(riid, names, count, lcid, ids);
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID riid, LCID lcid, WORD flags,
+                                   DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception,
+                                   UINT* argError) override {
+    if (zombie_) return Misused("Invoke"), E_UNEXPECTED;
+    return Base::Invoke(id, riid, lcid, flags, params, result, exception, argError);
+  }
   void Bury() noexcept override {
     zombie_ = false;
     Base::Release();
@@ -117,7 +137,6 @@ class Watched : public Base, public Tracked {
     }
     return com::Injected(call, out...);
   }
-  [[nodiscard]] bool Zombie() const noexcept { return zombie_; }
   // A ReservedN slot: the component never uses it.
   HRESULT Reserved(int slot) const {
     if (zombie_) Misused("Reserved" + std::to_string(slot));
