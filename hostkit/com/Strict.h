@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "comkit/ComPtr.h"
 #include "hostkit/com/WindowsHeaders.h"
 #include "hostkit/core/Strict.h"
 
