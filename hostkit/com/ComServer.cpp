@@ -6,6 +6,7 @@
 #include <array>
 #include <string>
 
+#include "comkit/Bstr.h"
 #include "comkit/ClassFactory.h"
 #include "comkit/Object.h"
 #include "comkit/SelfRegistration.h"
@@ -13,6 +14,7 @@
 #include "hostkit/com/DocumentObjects.h"
 #include "hostkit/com/HostObjects.h"
 #include "hostkit/com/PrintWorldObjects.h"
+#include "hostkit/com/Strict.h"
 #include "hostkit/com/WorksetObjects.h"
 
 namespace kestrivon::hostkit::com {
@@ -82,14 +84,39 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserv
 }
 
 extern "C" HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID clsid, REFIID riid, void** object) {
+  WatchClients();
   return comkit::Answered([&] { return comkit::GetClassObject(Classes(), clsid, riid, object); });
 }
 
-extern "C" HRESULT STDAPICALLTYPE DllCanUnloadNow() { return comkit::CanUnload() ? S_OK : S_FALSE; }
+// The strict host's zombies are freed first: they are no live objects.
+extern "C" HRESULT STDAPICALLTYPE DllCanUnloadNow() {
+  BuryZombies();
+  return comkit::CanUnload() ? S_OK : S_FALSE;
+}
 
 // How many of the DLL's objects are alive: after a revision and its release
 // vemra-revise.exe expects none, and names the count of those leaked.
-extern "C" LONG STDAPICALLTYPE VemraHostKitLiveObjects() { return comkit::LiveObjects(); }
+extern "C" LONG STDAPICALLTYPE VemraHostKitLiveObjects() {
+  BuryZombies();
+  return comkit::LiveObjects();
+}
+
+// The strict host's findings, one a line: the component's broken duties
+// and the host kit's objects it still holds. S_OK and an empty text when
+// there are none, else S_FALSE; the caller frees the text.
+extern "C" HRESULT STDAPICALLTYPE VemraHostKitStrictReport(BSTR* report) {
+  if (report == nullptr) return E_POINTER;
+  *report = nullptr;
+  bool clean = true;
+  const HRESULT hr = comkit::Answered([&] {
+    std::string text;
+    for (const auto& finding : StrictFindings()) text += finding + "\n";
+    clean = text.empty();
+    *report = comkit::NewBstr(text);
+    return S_OK;
+  });
+  return FAILED(hr) ? hr : clean ? S_OK : S_FALSE;
+}
 
 extern "C" HRESULT STDAPICALLTYPE DllRegisterServer() { return comkit::Answered(&RegisterServer); }
 

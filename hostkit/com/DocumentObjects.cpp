@@ -39,7 +39,7 @@ HRESULT HandOut(const std::string& text, BSTR* out) {
   if (out == nullptr) return E_POINTER;
   *out = nullptr;
   return comkit::Answered([&] {
-    *out = comkit::NewBstr(text);
+    *out = HandedOut(comkit::NewBstr(text));
     return S_OK;
   });
 }
@@ -55,7 +55,9 @@ HRESULT ToVariant(const kestrivon::Variant& value, VARIANT* result) {
     } else {
       converted = Variant::Text(VariantToString(value));
     }
-    return ::VariantCopy(result, &converted.Get());
+    const HRESULT hr = ::VariantCopy(result, &converted.Get());
+    if (SUCCEEDED(hr) && V_VT(result) == VT_BSTR) HandedOut(V_BSTR(result));
+    return hr;
   });
 }
 
@@ -110,8 +112,10 @@ class MessageEntryObject final : public LateBound {
       }
       return comkit::Answered([&] {
         if (id == 1) {
+          const host::HostObjectRef held = Argument(V_DISPATCH(&value.Get()));
+          RequireKind(held, ObjectKind::kHostObject, "MessageEntry.VemraObject");
           object_ = ComPtr<IDispatch>::Share(V_DISPATCH(&value.Get()));
-          entry_->SetVemraObject(HeldObject(object_.Get()));
+          entry_->SetVemraObject(held);
         } else {
           description_ = Utf8(V_BSTR(&value.Get()));
           entry_->SetDescription(description_);
@@ -120,6 +124,7 @@ class MessageEntryObject final : public LateBound {
       });
     }
     if (!Getting(flags)) return DISP_E_MEMBERNOTFOUND;
+    Unlisted(id == 1 ? "MessageEntry.VemraObject (get)" : "MessageEntry.Description (get)");
     if (id == 1) return ReturnObject(object_, result);
     if (result == nullptr) return S_OK;
     V_VT(result) = VT_BSTR;
@@ -141,6 +146,7 @@ class MessagePackObject final : public LateBound {
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS&, VARIANT* result) override {
     if (!Getting(flags)) return DISP_E_MEMBERNOTFOUND;
     if (id == 2) {
+      Unlisted("MessagePack.Count");
       if (result != nullptr) {
         V_VT(result) = VT_I4;
         V_I4(result) = static_cast<LONG>(pack_->entries.size());
@@ -159,8 +165,16 @@ class MessagePackObject final : public LateBound {
 // named call.
 class Holder final : public LateBound {
  public:
-  Holder(const wchar_t* member, const char* call, ComPtr<IDispatch> held)
-      : LateBound({member}, {call}), held_(std::move(held)) {}
+  // stands: the portable object it stands for (a document's workset),
+  // found again when the component hands it back.
+  Holder(const wchar_t* member, const char* call, ComPtr<IDispatch> held,
+         host::HostObjectRef stands = nullptr)
+      : LateBound({member}, {call}), held_(std::move(held)), stands_(std::move(stands)) {
+    if (stands_) HoldObject(Identity(), stands_);
+  }
+  ~Holder() override {
+    if (stands_) DropObject(Identity());
+  }
 
  protected:
   HRESULT Call(DISPID, WORD flags, const DISPPARAMS&, VARIANT* result) override {
@@ -169,7 +183,9 @@ class Holder final : public LateBound {
   }
 
  private:
+  IUnknown* Identity() { return static_cast<IDispatch*>(this); }
   ComPtr<IDispatch> held_;
+  host::HostObjectRef stands_;
 };
 
 // The owner's options: Exist(name), the option by its name, and the
@@ -185,6 +201,7 @@ class OptionSetObject final : public LateBound {
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS& params, VARIANT* result) override {
     if (!Getting(flags)) return DISP_E_MEMBERNOTFOUND;
     std::string name = "ShowRevisionMessages";
+    if (id == 3) Unlisted("OptionSet.Item");
     if (id != 2) {
       if (const HRESULT hr = TextArgument(params, name); FAILED(hr)) return hr;
     }
@@ -218,7 +235,7 @@ class SettingsObject final : public LateBound {
 
 // Slots of the host's interfaces that the host kit does not serve.
 #define RESERVED(n) \
-  HRESULT STDMETHODCALLTYPE Reserved##n() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE Reserved##n() override { return Reserved(n); }
 #define RESERVED10(t) \
   RESERVED(t##0)      \
   RESERVED(t##1)      \
@@ -232,7 +249,7 @@ class SettingsObject final : public LateBound {
   RESERVED(t##9)
 
 template <class Interface, class... Others>
-using DualObject = comkit::DualObject<Interface, kHostServicesLib, Others...>;
+using DualObject = Watched<comkit::DualObject<Interface, kHostServicesLib, Others...>>;
 
 ComPtr<IDispatch> WrapVemraObject(const std::shared_ptr<portable::DocumentObject>& object);
 
@@ -340,8 +357,9 @@ class DocumentObject final : public DualObject<IVemraObject, IVemraDocument> {
     const auto workset = std::dynamic_pointer_cast<portable::WorksetObject>(document_->workset);
     if (!workset) return S_OK;
     return comkit::Answered([&] {
-      return HandOut(Make<Holder>(L"Settings", nullptr, Make<SettingsObject>(workset->settings)),
-                     &V_DISPATCH(result));
+      return HandOut(
+          Make<Holder>(L"Settings", nullptr, Make<SettingsObject>(workset->settings), workset),
+          &V_DISPATCH(result));
     });
   }
 
@@ -418,6 +436,7 @@ class DocumentObject final : public DualObject<IVemraObject, IVemraDocument> {
 
  private:
   IUnknown* Identity() { return static_cast<IVemraObject*>(this); }
+  [[nodiscard]] std::string Label() const override { return document_->name; }
   std::shared_ptr<portable::DocumentObject> document_;
   ComPtr<IDispatch> owner_;
 };
@@ -442,9 +461,16 @@ std::shared_ptr<portable::DocumentObject> NamedDocument() {
 
 }  // namespace
 
+ComPtr<IDispatch> WrapDocument(const host::HostObjectRef& document) {
+  const auto portableDocument = std::dynamic_pointer_cast<portable::DocumentObject>(document);
+  if (!portableDocument) throw RunTimeError(vb_error::kTypeMismatch, "no document of the host kit");
+  return Make<DocumentObject>(portableDocument);
+}
+
 HRESULT CreateDocument(REFIID riid, void** object) {
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
+  NoteCall("New.Document");
   return comkit::Answered(
       [&] { return Make<DocumentObject>(NamedDocument())->QueryInterface(riid, object); });
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "comkit/ComPtr.h"
+#include "host/HostObject.h"
 #include "hostkit/com/WindowsHeaders.h"
 
 namespace kestrivon::hostkit::com {
@@ -13,5 +15,9 @@ inline constexpr CLSID kDocumentClsid = {
 inline constexpr const wchar_t* kDocumentProgId = L"VemraHostKit.Document";
 
 HRESULT CreateDocument(REFIID riid, void** object);
+
+// A new COM object standing for a document of the host kit (the strict
+// host's replacement for an [in,out] document); raises for another object.
+comkit::ComPtr<IDispatch> WrapDocument(const host::HostObjectRef& document);
 
 }  // namespace kestrivon::hostkit::com

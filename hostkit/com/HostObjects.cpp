@@ -22,7 +22,8 @@ using comkit::Utf8;
 // IUnknown, IDispatch (through the embedded type library) and
 // ISupportErrorInfo for one host service interface.
 template <class Interface>
-class HostObject : public comkit::DualObject<Interface, kHostServicesLib, ISupportErrorInfo> {
+class HostObject
+    : public Watched<comkit::DualObject<Interface, kHostServicesLib, ISupportErrorInfo>> {
  public:
   HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID riid) override {
     return IsEqualIID(riid, __uuidof(Interface)) ? S_OK : S_FALSE;
@@ -38,7 +39,7 @@ class HostObject : public comkit::DualObject<Interface, kHostServicesLib, ISuppo
 };
 
 #define KESTRIVON_RESERVED(n) \
-  HRESULT STDMETHODCALLTYPE Reserved##n() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE Reserved##n() override { return Reserved(n); }
 
 // Reads one property of the run time's error object by name.
 HRESULT ReadProperty(IDispatch* object, const wchar_t* name, VARTYPE type, comkit::Variant& value) {
@@ -77,15 +78,65 @@ host::ErrorInfo ReadErrorObject(IDispatch* error) {
   return info;
 }
 
+// The run time's error object as the host hands it back: Number,
+// Description and Source, read-only.
+class ErrorCopy final : public PlannedObject {
+ public:
+  explicit ErrorCopy(host::ErrorInfo error)
+      : PlannedObject({L"Number", L"Description", L"Source"}, {nullptr, nullptr, nullptr}, 1),
+        error_(std::move(error)) {}
+
+ protected:
+  HRESULT Call(DISPID id, WORD flags, const DISPPARAMS&, VARIANT* result) override {
+    if (!Getting(flags)) return DISP_E_MEMBERNOTFOUND;
+    if (result == nullptr) return S_OK;
+    if (id == 1) {
+      V_VT(result) = VT_I4;
+      V_I4(result) = error_.number;
+      return S_OK;
+    }
+    return comkit::Answered([&] {
+      V_BSTR(result) = HandedOut(NewBstr(id == 2 ? error_.description : error_.source));
+      V_VT(result) = VT_BSTR;
+      return S_OK;
+    });
+  }
+
+ private:
+  host::ErrorInfo error_;
+};
+
+// Uses LogError's right to replace its by-reference arguments: each is
+// freed and a new one handed back, so that a caller that lent them (or
+// keeps the old pointers) is caught.
+void ReplaceArguments(const host::ErrorInfo& error, IDispatch** object, BSTR* classLabel,
+                      BSTR* procedureLabel) {
+  if (object != nullptr && *object != nullptr) {
+    comkit::ComPtr<IDispatch> copy = Make<ErrorCopy>(error);
+    (*object)->Release();
+    *object = copy.Detach();
+  }
+  for (BSTR* label : {classLabel, procedureLabel}) {
+    if (label == nullptr) continue;
+    BSTR copy = NewBstr(std::wstring_view(*label == nullptr ? L"" : *label,
+                                          *label == nullptr ? 0 : ::SysStringLen(*label)));
+    TakenBack(*label);
+    ::SysFreeString(*label);
+    *label = HandedOut(copy);
+  }
+}
+
 class TraceServiceObject final : public HostObject<ITraceService> {
  public:
   HRESULT STDMETHODCALLTYPE LogError(IDispatch** error, BSTR* classLabel,
                                      BSTR* procedureLabel) override {
     if (const auto hr = Injected("TraceService.LogError")) return *hr;
     return Answer([&] {
-      Kit().traceService->LogError(ReadErrorObject(error ? *error : nullptr),
-                                   classLabel ? Utf8(*classLabel) : std::string(),
-                                   procedureLabel ? Utf8(*procedureLabel) : std::string());
+      const host::ErrorInfo read = ReadErrorObject(error ? *error : nullptr);
+      const std::string classText = classLabel ? Utf8(*classLabel) : std::string();
+      const std::string procedureText = procedureLabel ? Utf8(*procedureLabel) : std::string();
+      Kit().traceService->LogError(read, classText, procedureText);
+      if (StrictMode()) ReplaceArguments(read, error, classLabel, procedureLabel);
     });
   }
 
@@ -105,14 +156,15 @@ class TraceServiceObject final : public HostObject<ITraceService> {
     if (const auto hr = Injected("TraceService.ApplicationPathKey")) return *hr;
     if (key == nullptr) return E_POINTER;
     *key = nullptr;
-    return Answer([&] { *key = NewBstr(std::wstring_view()); });
+    return Answer([&] { *key = HandedOut(NewBstr(std::wstring_view())); });
   }
 
   HRESULT STDMETHODCALLTYPE ResolveText(BSTR text, BSTR* resolved) override {
     if (const auto hr = Injected("TraceService.ResolveText")) return *hr;
     if (resolved == nullptr) return E_POINTER;
     *resolved = nullptr;
-    return Answer([&] { *resolved = NewBstr(Kit().traceService->ResolveText(Utf8(text))); });
+    return Answer(
+        [&] { *resolved = HandedOut(NewBstr(Kit().traceService->ResolveText(Utf8(text)))); });
   }
 
   HRESULT STDMETHODCALLTYPE CurrentTicks(LONG* ticks) override {
@@ -233,6 +285,7 @@ HRESULT Create(std::string_view call, REFIID riid, void** object) {
 
 // nullopt, the planned error's HRESULT, or S_OK for a planned Nothing.
 std::optional<HRESULT> Planned(std::string_view call) {
+  NoteCall(call);
   bool nothing = false;
   if (const auto error = Attempt([&] {
         Kit();  // reads the plan
@@ -287,7 +340,7 @@ HRESULT PlannedObject::Invoke(DISPID id, REFIID riid, LCID lcid, WORD flags, DIS
     if (result != nullptr) ::VariantInit(result);
     if (const auto hr = Injected(calls_[static_cast<size_t>(member - 1)], result)) return *hr;
   }
-  return NamedObject::Invoke(id, riid, lcid, flags, params, result, exception, argError);
+  return Watched::Invoke(id, riid, lcid, flags, params, result, exception, argError);
 }
 
 }  // namespace kestrivon::hostkit::com

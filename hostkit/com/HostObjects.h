@@ -8,6 +8,7 @@
 
 #include "comkit/ComPtr.h"
 #include "comkit/Object.h"
+#include "hostkit/com/Strict.h"
 #include "hostkit/com/WindowsHeaders.h"
 #include "hostkit/core/HostKit.h"
 #include "runtime/RunTimeError.h"
@@ -40,7 +41,7 @@ std::optional<HRESULT> Injected(std::string_view call, VARIANT* object);
 // A late-bound host object whose members are host calls of the plan:
 // calls names each member's call in the order of the names (nullptr: a
 // member the plan does not know).
-class PlannedObject : public comkit::NamedObject {
+class PlannedObject : public Watched<comkit::NamedObject> {
  public:
   HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID riid, LCID lcid, WORD flags,
                                    DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception,
@@ -49,7 +50,7 @@ class PlannedObject : public comkit::NamedObject {
  protected:
   PlannedObject(std::initializer_list<const wchar_t*> names,
                 std::initializer_list<const char*> calls, DISPID defaultMember = 0)
-      : NamedObject(names, defaultMember), calls_(calls), defaultMember_(defaultMember) {}
+      : Watched(names, defaultMember), calls_(calls), defaultMember_(defaultMember) {}
 
  private:
   std::vector<const char*> calls_;

@@ -13,6 +13,8 @@
 #include "comkit/Object.h"
 #include "comkit/Variant.h"
 #include "host/portable/HostActivation.h"
+#include "host/portable/Printing.h"
+#include "hostkit/com/DocumentObjects.h"
 #include "hostkit/com/HostObjects.h"
 #include "hostkit/core/Environment.h"
 #include "hostkit/core/PdfMerge.h"
@@ -46,24 +48,26 @@ host::portable::HostFactories& Factories() {
   return *factories;
 }
 
-// An object handed in: the world's own, or a stand-in for another's.
-host::HostObjectRef Argument(IUnknown* object) {
-  if (object == nullptr) return nullptr;
-  host::HostObjectRef held = HeldObject(object);
-  return held ? held : std::make_shared<host::HostObject>();
-}
-
 // The world's objects are host objects too.
 template <class T>
 host::HostObjectRef AsHeld(const std::shared_ptr<T>& object) {
   return std::dynamic_pointer_cast<host::HostObject>(object);
 }
 
+// What the strict host names an object by.
+std::string NameOf(const host::HostObjectRef& object) {
+  if (const auto printer = std::dynamic_pointer_cast<host::portable::PrinterObject>(object)) {
+    return printer->name;
+  }
+  return {};
+}
+
 VARIANT_BOOL Bool(bool value) { return value ? VARIANT_TRUE : VARIANT_FALSE; }
 
 // A dual object of the host's library standing for one portable object.
 template <class Interface, class Portable>
-class Standing : public comkit::DualObject<Interface, kHostServicesLib, ISupportErrorInfo> {
+class Standing
+    : public Watched<comkit::DualObject<Interface, kHostServicesLib, ISupportErrorInfo>> {
  public:
   HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID riid) override {
     return IsEqualIID(riid, __uuidof(Interface)) ? S_OK : S_FALSE;
@@ -77,6 +81,7 @@ class Standing : public comkit::DualObject<Interface, kHostServicesLib, ISupport
   }
   ~Standing() override { DropObject(Identity()); }
   IUnknown* Identity() { return static_cast<Interface*>(this); }
+  [[nodiscard]] std::string Label() const override { return NameOf(held_); }
   template <class Body>
   static HRESULT Answer(Body&& body) noexcept {
     return comkit::Answer(__uuidof(Interface), L"VemraHostKit", std::forward<Body>(body));
@@ -86,7 +91,7 @@ class Standing : public comkit::DualObject<Interface, kHostServicesLib, ISupport
 };
 
 #define RESERVED(n) \
-  HRESULT STDMETHODCALLTYPE Reserved##n() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE Reserved##n() override { return Reserved(n); }
 
 class PrinterObject final : public Standing<IPrinter, host::Printer> {
  public:
@@ -95,7 +100,7 @@ class PrinterObject final : public Standing<IPrinter, host::Printer> {
     if (const auto hr = Injected("IPrinter.Name")) return *hr;
     if (name == nullptr) return E_POINTER;
     *name = nullptr;
-    return Answer([&] { *name = NewBstr(portable_->Name()); });
+    return Answer([&] { *name = HandedOut(NewBstr(portable_->Name())); });
   }
   HRESULT STDMETHODCALLTYPE ReleasePrinter() override {
     if (const auto hr = Injected("IPrinter.Release")) return *hr;
@@ -137,7 +142,16 @@ class DocFctDistObject final : public Standing<IDocFctDist, host::DocFctDist> {
   HRESULT STDMETHODCALLTYPE SetDocument(IDispatch** document) override {
     if (const auto hr = Injected("DocFctDist.SetDocument")) return *hr;
     if (document == nullptr) return E_POINTER;
-    return Answer([&] { portable_->SetDocument(Argument(*document)); });
+    return Answer([&] {
+      const host::HostObjectRef held = Argument(*document);
+      portable_->SetDocument(held);
+      // By reference: the host may hand back another object for the
+      // document, releasing the one it was handed.
+      if (!StrictMode() || *document == nullptr) return;
+      ComPtr<IDispatch> replacement = WrapDocument(held);
+      (*document)->Release();
+      *document = replacement.Detach();
+    });
   }
   HRESULT STDMETHODCALLTYPE ReleaseDocument() override {
     if (const auto hr = Injected("DocFctDist.ReleaseDocument")) return *hr;
@@ -180,7 +194,7 @@ class FileHelperObject final : public Standing<IDocumentFileHelper, host::Docume
   HRESULT Text(BSTR* out, Body&& body) {
     if (out == nullptr) return E_POINTER;
     *out = nullptr;
-    return Answer([&] { *out = NewBstr(body()); });
+    return Answer([&] { *out = HandedOut(NewBstr(body())); });
   }
 };
 
@@ -345,6 +359,12 @@ InstalledPrintWorld& World() {
     return installed;
   }();
   return *world;
+}
+
+host::HostObjectRef Argument(IUnknown* object) {
+  if (object == nullptr) return nullptr;
+  host::HostObjectRef held = HeldObject(object);
+  return held ? held : std::make_shared<host::HostObject>();
 }
 
 host::HostObjectRef HeldObject(IUnknown* object) {

@@ -21,6 +21,9 @@ InstalledPrintWorld& World();
 // is found again. Null for null and for objects of others.
 host::HostObjectRef HeldObject(IUnknown* object);
 void HoldObject(IUnknown* identity, host::HostObjectRef held);
+// An object handed in: the host kit's own, or a stand-in for another's
+// (which is no host kit object of any kind); null for null.
+host::HostObjectRef Argument(IUnknown* object);
 void DropObject(IUnknown* identity);
 
 // A COM printer (IPrinter) for a printer of the world.

@@ -12,6 +12,7 @@
 #include "comkit/Object.h"
 #include "comkit/Variant.h"
 #include "hostkit/com/HostObjects.h"
+#include "hostkit/com/PrintWorldObjects.h"
 #include "hostkit/core/HostWorkset.h"
 #include "platform/FileSystem.h"
 
@@ -50,7 +51,7 @@ class LateBound : public PlannedObject {
   static HRESULT Return(const std::string& text, VARIANT* result) {
     if (result == nullptr) return S_OK;
     return comkit::Answered([&] {
-      V_BSTR(result) = comkit::NewBstr(text);
+      V_BSTR(result) = HandedOut(comkit::NewBstr(text));
       V_VT(result) = VT_BSTR;
       return S_OK;
     });
@@ -150,12 +151,18 @@ class FileSystemObject final : public LateBound {
   }
 };
 
-// Answers objects made once, by member name.
+// Answers objects made once, by member name; may stand for a portable
+// object (the workset), found again when it is handed back.
 class Composite final : public LateBound {
  public:
   Composite(std::initializer_list<const wchar_t*> names, std::initializer_list<const char*> calls,
-            std::vector<ComPtr<IDispatch>> members)
-      : LateBound(names, calls), members_(std::move(members)) {}
+            std::vector<ComPtr<IDispatch>> members, host::HostObjectRef stands = nullptr)
+      : LateBound(names, calls), members_(std::move(members)), stands_(std::move(stands)) {
+    if (stands_) HoldObject(Identity(), stands_);
+  }
+  ~Composite() override {
+    if (stands_) DropObject(Identity());
+  }
 
  protected:
   HRESULT Call(DISPID id, WORD flags, const DISPPARAMS&, VARIANT* result) override {
@@ -164,7 +171,9 @@ class Composite final : public LateBound {
   }
 
  private:
+  IUnknown* Identity() { return static_cast<IDispatch*>(this); }
   std::vector<ComPtr<IDispatch>> members_;
+  host::HostObjectRef stands_;
 };
 
 ComPtr<IDispatch> NewWorkset() {
@@ -180,7 +189,8 @@ ComPtr<IDispatch> NewWorkset() {
                                                                    "Application.ApplicationPath"}),
           Make<EmptyCollection>(
               L"Item", std::initializer_list<const char*>{"Settings.Exist", "Settings.Item"}),
-          Make<FileSystemObject>()});
+          Make<FileSystemObject>()},
+      workset);
 }
 
 class TraceSourceObject final : public LateBound {

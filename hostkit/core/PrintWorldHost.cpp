@@ -14,6 +14,7 @@
 #include "core/HostFiles.h"
 #include "core/Progress.h"
 #include "core/Settings.h"
+#include "core/Strict.h"
 #include "host/portable/Printing.h"
 #include "host/portable/Workset.h"
 #include "platform/Spooler.h"
@@ -294,6 +295,7 @@ class WorldPrint : public InWorld<portable::DocFctDistObject> {
     };
   }
   void SetDocument(const HostObjectRef& document) override {
+    RequireKind(document, ObjectKind::kDocument, "DocFctDist.SetDocument");
     DocFctDistObject::SetDocument(document);
     Log("PRINT", {"SetDocument", NameOf(document)});
   }
@@ -303,6 +305,7 @@ class WorldPrint : public InWorld<portable::DocFctDistObject> {
     Log("PRINT", {"ReleaseDocument", name});
   }
   bool Printdirect(const HostObjectRef& printer) override {
+    RequireKind(printer, ObjectKind::kPrinter, "DocFctDist.Printdirect");
     const std::string name = NameOf(document);
     const bool printed = DocFctDistObject::Printdirect(printer);
     Log("PRINT", {"Printdirect", name, NameOf(printer), YesNo(printed)});
@@ -316,6 +319,7 @@ class WorldFileHelper : public InWorld<portable::DocumentFileHelperObject> {
     tempFolder = WindowsFileName(PathToUtf8(std::filesystem::temp_directory_path()));
   }
   std::string FileName(const HostObjectRef& document) override {
+    RequireKind(document, ObjectKind::kDocument, "DocumentFileHelper.FileName");
     const WorldDocument* described = state_->Described(document);
     const std::string file = described ? described->file : std::string();
     Log("FILE", {"FileName", NameOf(document), file});
@@ -333,6 +337,7 @@ class WorldFileHelper : public InWorld<portable::DocumentFileHelperObject> {
   }
   // A real copy out of the vault into the temp folder.
   std::string FetchFile(const HostObjectRef& document, const std::string& purpose) override {
+    RequireKind(document, ObjectKind::kDocument, "DocumentFileHelper.FetchFile");
     purposes.push_back(purpose);
     const WorldDocument* described = state_->Described(document);
     std::string why = "the document has no file";
@@ -356,6 +361,7 @@ class WorldUIPolicy : public InWorld<portable::UIPolicyObject> {
     silent = state_->world.silent;
   }
   bool IsSilent(const HostObjectRef& context) override {
+    RequireKind(context, ObjectKind::kWorkset, "UIPolicy.IsSilent");
     const bool answer = UIPolicyObject::IsSilent(context);
     Log("POLICY", {"IsSilent", NameOf(context), YesNo(answer)});
     return answer;

@@ -1,6 +1,7 @@
 #include "revise/ReviseOptions.h"
 
 #include "core/Settings.h"
+#include "core/Strict.h"
 
 namespace kestrivon::hostkit::revise {
 namespace {
@@ -55,6 +56,8 @@ ParseResult ParseArguments(const std::vector<std::string>& args) {
       error = optionalValue(options.printWorld);
     } else if (arg == "--faults") {
       error = optionalValue(options.faults);
+    } else if (arg == "--lenient") {
+      options.lenient = true;
     } else if (arg == "--debug") {
       options.level = kDebugLevel;
     } else if (arg == "--level") {
@@ -116,6 +119,8 @@ Options:
                          --document picks one of its documents
   --faults <plan>        host calls failed on purpose, call:use:error|null,...
                          (VEMRA_FAULTS)
+  --lenient              the host kit does not check the component's duties
+                         (VEMRA_HOSTKIT_STRICT=0; default: strict)
   --help                 this text
 
 Message boxes, message-pack entries, planned faults (struck or not) and errors
@@ -124,7 +129,8 @@ reported in the run are listed after it.
 Exit status: 0 when DoPrint (and AppendFile) answered True, 1 when one of
 them answered False or failed, 2 for bad arguments or an unknown class,
 3 when the class could not be created, 4 when objects outlived the release
-(the component's DLL cannot unload, host kit objects are still alive).
+(the component's DLL cannot unload, host kit objects are still alive) or
+the strict host kit found a duty of the component broken.
 )";
   return text;
 }
@@ -141,6 +147,7 @@ std::vector<std::pair<std::string, std::string>> HostKitEnvironment(const Revise
   }
   if (options.printWorld) variables.emplace_back(kPrintWorldVariable, *options.printWorld);
   if (options.faults) variables.emplace_back(kFaultsVariable, *options.faults);
+  if (options.lenient) variables.emplace_back(kStrictVariable, "0");
   return variables;
 }
 

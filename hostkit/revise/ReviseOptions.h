@@ -25,6 +25,7 @@ struct ReviseOptions {
   std::optional<std::string> showRevisionMessages;  // its owner's option
   std::optional<std::string> printWorld;            // printworld.ini, natively
   std::optional<std::string> faults;                // host calls planned to fail
+  bool lenient = false;                             // the host kit not strict
 };
 
 struct HelpRequest {};

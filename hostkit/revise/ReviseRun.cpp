@@ -154,9 +154,16 @@ int RunRevision(std::string_view program, const ReviseOptions& options, ReviseBa
   for (const auto& line : release.shown) out << line << '\n';
   ListMessages(out, log.Path(), logBefore);
 
+  for (const auto& violation : release.violations) {
+    err << "vemra-revise: strict host: " << violation << '\n';
+  }
   if (!release.leaks.empty()) {
     for (const auto& leak : release.leaks) err << "vemra-revise: leaked: " << leak << '\n';
     out << "Revision failed: objects outlived the release\n";
+    return kExitLeaked;
+  }
+  if (!release.violations.empty()) {
+    out << "Revision failed: the strict host kit found broken duties\n";
     return kExitLeaked;
   }
   if (!printed) {

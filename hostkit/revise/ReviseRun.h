@@ -51,6 +51,8 @@ class ReviseBackend {
   struct ReleaseCheck {
     std::vector<std::string> shown;
     std::vector<std::string> leaks;
+    // The strict host kit's findings: duties of the component it broke.
+    std::vector<std::string> violations;
   };
   // After the printer has been released.
   virtual ReleaseCheck Released() { return {}; }

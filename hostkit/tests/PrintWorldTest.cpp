@@ -1,13 +1,16 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <functional>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>
 
 #include "TestSupport.h"
 #include "core/HostKit.h"
+#include "core/HostWorkset.h"
 #include "core/PdfMerge.h"
 #include "core/PrintWorldHost.h"
+#include "core/Strict.h"
 #include "pipeline/PdfMerging.h"
 #include "pipeline/PrintJobDriver.h"
 #include "platform/portable/FileSystem.h"
@@ -139,6 +142,55 @@ TEST(PrintWorld, DriversPrintRealPdfsForThePipeline) {
   const auto fetch = EntriesOf(log, "FETCH");
   ASSERT_EQ(fetch.size(), 1u);
   EXPECT_EQ(fetch[0][1], "Revision");
+}
+
+// Each member of the world's host objects takes only the kind of object it
+// names: another is a type mismatch (13) and a strict finding naming the
+// member; the right kind passes.
+TEST(StrictHost, MembersRefuseObjectsOfAnotherKind) {
+  TempDir dir;
+  const auto world = ParsePrintWorld("[Printer P]\nMode = none\n[Document D]\n", dir.Path());
+  Settings settings;
+  settings.traceLog = dir / "trace.log";
+  HostKit kit = HostKit::Create(settings);
+  InstalledPrintWorld installed(world, kit.log);
+  host::portable::HostFactories factories;
+  installed.AddFactories(factories);
+  const host::HostObjectRef document = installed.Document("D");
+  const host::HostObjectRef printer = factories.printerManager()->GetPrinter("P");
+  const host::HostObjectRef workset = NewHostWorkset(kit.log, std::nullopt);
+  const auto print = factories.docFctDist();
+  const auto files = factories.documentFileHelper();
+  const auto policy = factories.uiPolicy();
+  const struct {
+    const char* member;
+    std::function<void()> wrong, right;
+  } cases[] = {
+      {"DocFctDist.SetDocument", [&] { print->SetDocument(printer); },
+       [&] { print->SetDocument(document); }},
+      {"DocFctDist.Printdirect", [&] { print->Printdirect(document); },
+       [&] { EXPECT_TRUE(print->Printdirect(printer)); }},
+      {"DocumentFileHelper.FileName", [&] { files->FileName(workset); },
+       [&] { files->FileName(document); }},
+      {"DocumentFileHelper.FetchFile", [&] { files->FetchFile(printer, "Revision"); },
+       [&] { files->FetchFile(document, "Revision"); }},
+      {"UIPolicy.IsSilent", [&] { policy->IsSilent(document); },
+       [&] { policy->IsSilent(workset); }},
+  };
+  for (const auto& c : cases) {
+    const size_t before = Violations().size();
+    try {
+      c.wrong();
+      ADD_FAILURE() << c.member << " took the wrong kind";
+    } catch (const RunTimeError& error) {
+      EXPECT_EQ(error.Number(), 13) << c.member;
+    }
+    EXPECT_NO_THROW(c.right()) << c.member;
+    const auto found = Violations();
+    ASSERT_EQ(found.size(), before + 1) << c.member;
+    EXPECT_EQ(found.back().rfind(std::string("wrong kind: ") + c.member + " takes", 0), 0u)
+        << found.back();
+  }
 }
 
 }  // namespace

@@ -44,6 +44,8 @@ TEST(ReviseOptions, TakesTheClassAndEveryOption) {
 TEST(ReviseOptions, DebugMeansLevelThreeAndNothingElseIsSet) {
   EXPECT_EQ(HostKitEnvironment(Parsed({"NoFile", "--folder", "", "--name", "", "--debug"})),
             (Variables{{"VEMRA_DIAG_LEVEL", "3"}}));
+  EXPECT_EQ(HostKitEnvironment(Parsed({"NoFile", "--folder", "", "--name", "", "--lenient"})),
+            (Variables{{"VEMRA_HOSTKIT_STRICT", "0"}}));
   EXPECT_TRUE(HostKitEnvironment(Parsed({"NoFile", "--folder", "f", "--name", "n"})).empty());
 }
 
@@ -115,11 +117,15 @@ TEST(ReviseRun, ObjectsOutlivingTheReleaseFailTheRevision) {
     std::string end, err;
   };
   for (const Case& c :
-       {Case{{{"Host kit objects alive -> 0"}, {}}, kExitSuccess, "Revision done\n", ""},
-        Case{{{"Host kit objects alive -> 2"}, {"2 host kit objects still alive"}},
+       {Case{{{"Host kit objects alive -> 0"}, {}, {}}, kExitSuccess, "Revision done\n", ""},
+        Case{{{"Host kit objects alive -> 2"}, {"2 host kit objects still alive"}, {}},
              kExitLeaked,
              "Revision failed: objects outlived the release\n",
-             "vemra-revise: leaked: 2 host kit objects still alive\n"}}) {
+             "vemra-revise: leaked: 2 host kit objects still alive\n"},
+        Case{{{"Host kit objects alive -> 0"}, {}, {"wrong kind: X"}},
+             kExitLeaked,
+             "Revision failed: the strict host kit found broken duties\n",
+             "vemra-revise: strict host: wrong kind: X\n"}}) {
     Leaving backend(c.check);
     std::ostringstream out, err;
     EXPECT_EQ(ReviseMain("vemra-revise", {"X", "--folder", "F", "--name", "N"}, backend, out, err),

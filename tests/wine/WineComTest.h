@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 #include <oleauto.h>
 
+#include <cstdio>
+#include <sstream>
 #include <string>
 
 #include "comkit/Bstr.h"
@@ -72,6 +74,25 @@ inline bool ClassesKeyExists(const std::wstring& path) {
 using EntryPoint = HRESULT(STDAPICALLTYPE*)();
 inline EntryPoint Export(HMODULE dll, const char* name) {
   return reinterpret_cast<EntryPoint>(reinterpret_cast<void*>(::GetProcAddress(dll, name)));
+}
+
+// The strict host kit's findings in this process (none without
+// VemraHostKit.dll), each printed. Leaks are left out: a program that links
+// the component keeps its host services until it ends.
+inline int StrictHostFindings() {
+  using Report = HRESULT(STDAPICALLTYPE*)(BSTR*);
+  const auto report = reinterpret_cast<Report>(reinterpret_cast<void*>(
+      ::GetProcAddress(::GetModuleHandleW(L"VemraHostKit.dll"), "VemraHostKitStrictReport")));
+  Bstr text;
+  if (report == nullptr || report(text.Put()) != S_FALSE) return 0;
+  int found = 0;
+  std::istringstream lines(text.Utf8());
+  for (std::string line; std::getline(lines, line);) {
+    if (line.rfind("leak:", 0) == 0) continue;
+    std::fprintf(stderr, "strict host kit: %s\n", line.c_str());
+    ++found;
+  }
+  return found;
 }
 
 }  // namespace kestrivon::wine_test

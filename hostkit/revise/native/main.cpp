@@ -13,6 +13,7 @@
 #include "core/PdfMerge.h"
 #include "core/PrintWorldHost.h"
 #include "core/Settings.h"
+#include "core/Strict.h"
 #include "core/TiffMerge.h"
 #include "host/portable/HostActivation.h"
 #include "platform/portable/DebugOutput.h"
@@ -79,6 +80,7 @@ class NativeBackend final : public revise::ReviseBackend {
   ReleaseCheck Released() override {
     ReleaseCheck check;
     if (!kit_) return check;
+    check.violations = Violations();
     for (const auto& [name, value] : kit_->instanceMonitor->LogCounters()) {
       check.shown.push_back("Counter " + name + " -> " + std::to_string(value));
       if (value != 0) {

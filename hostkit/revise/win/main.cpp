@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <iostream>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -242,6 +243,15 @@ class ComBackend final : public revise::ReviseBackend {
         check.leaks.push_back(std::to_string(count) + " host kit object" + (count == 1 ? "" : "s") +
                               " still alive after the release");
       }
+    }
+    using Report = HRESULT(STDAPICALLTYPE*)(BSTR*);
+    if (const auto report = Export<Report>(hostKit, "VemraHostKitStrictReport")) {
+      BSTR text = nullptr;
+      if (report(&text) == S_FALSE) {
+        std::istringstream lines(Utf8(text));
+        for (std::string line; std::getline(lines, line);) check.violations.push_back(line);
+      }
+      ::SysFreeString(text);
     }
     if (hostKit != nullptr) ::FreeLibrary(hostKit);
     return check;

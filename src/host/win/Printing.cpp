@@ -103,8 +103,11 @@ class ComDocFctDist final : public DocFctDist {
  public:
   explicit ComDocFctDist(ComPtr<IDocFctDist> print) : print_(std::move(print)) {}
   void SetDocument(const HostObjectRef& document) override {
-    IDispatch* dispatch = DispatchOf(document);
-    Check(print_->SetDocument(&dispatch));
+    // By reference: the host may release what it is handed and hand back
+    // another object, so it gets a reference of its own, and what it
+    // leaves there is ours to release.
+    ComPtr<IDispatch> dispatch = ComPtr<IDispatch>::Share(DispatchOf(document));
+    Check(print_->SetDocument(dispatch.InOut()));
   }
   void ReleaseDocument() override { Check(print_->ReleaseDocument()); }
   bool Printdirect(const HostObjectRef& printer) override {

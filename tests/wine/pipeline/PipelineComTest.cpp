@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "WineComTest.h"
 #include "comkit/ComPtr.h"
 #include "core/DriverFamilies.h"
 #include "core/Environment.h"
@@ -23,11 +24,11 @@
 #include "core/TraceLog.h"
 #include "host/Documents.h"
 #include "host/win/ComHostObject.h"
-#include "runtime/RunTimeError.h"
 #include "pipeline/PdfMerging.h"
 #include "pipeline/PrintJobDriver.h"
 #include "pipeline/PrnDevice.h"
 #include "pipeline/RevisionFileLock.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon::test {
 namespace {
@@ -248,7 +249,8 @@ int main(int argc, char** argv) {
   kestrivon::hostkit::SetEnvironment("VEMRA_SHOW_REVISION_MESSAGES", std::nullopt);
   kestrivon::test::WriteWorld();
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-  const int result = RUN_ALL_TESTS();
+  int result = RUN_ALL_TESTS();
+  if (kestrivon::wine_test::StrictHostFindings() != 0) result = 1;
   CoUninitialize();
   return result;
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "RecordingHost.h"
+#include "WineComTest.h"
 #include "core/TraceLog.h"
 #include "host/Documents.h"
 #include "host/win/ComHostObject.h"
@@ -106,7 +107,8 @@ int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);
   SetEnvironmentVariableW(L"VEMRA_TRACE_LOG", kestrivon::test::LogPath().c_str());
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-  const int result = RUN_ALL_TESTS();
+  int result = RUN_ALL_TESTS();
+  if (kestrivon::wine_test::StrictHostFindings() != 0) result = 1;
   CoUninitialize();
   DeleteFileW(kestrivon::test::LogPath().c_str());
   return result;
