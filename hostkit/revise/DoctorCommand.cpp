@@ -1,8 +1,10 @@
 // The doctor's and the lock list's command lines and output.
+#include <CLI/CLI.hpp>
 #include <cstdio>
 
 #include "platform/FileSystem.h"
 #include "printers/PrinterCatalogue.h"
+#include "revise/CommandLine.h"
 #include "revise/Doctor.h"
 #include "runtime/ErrorHandler.h"
 
@@ -100,10 +102,6 @@ void WriteFinding(std::ostream& out, const SettingFinding& f) {
       << f.needed << '\n';
 }
 
-const char* const kDoctorUsage =
-    "Usage: vemra-revise doctor [--json] [--class <name> ...] [--log <file>] "
-    "[--print-world <file>]\n"
-    "       vemra-revise locks <folder> [--remove-stale]\n";
 
 }  // namespace
 
@@ -233,28 +231,30 @@ void WriteJson(std::ostream& out, const DoctorReport& report) {
 
 int DoctorMain(const std::vector<std::string>& args, ReviseBackend& backend,
                const RegistrationReader& registration, std::ostream& out, std::ostream& err) {
+  CLI::App app;
+  Prepare(app, "vemra-revise doctor");
+  app.description(
+      "Examines the workstation for an administrator: the classes' registration, their "
+      "printers and driver settings with the fix of each wrong one, lock files, the revision "
+      "sleeper and HARP.ini. Prints nothing and changes nothing.");
   bool json = false;
   std::vector<std::string> classes;
   ReviseOptions options;
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& arg = args[i];
-    const bool hasValue = i + 1 < args.size();
-    if (arg == "--json") {
-      json = true;
-    } else if (arg == "--class" && hasValue) {
-      classes.push_back(args[++i]);
-    } else if (arg == "--log" && hasValue) {
-      options.log = args[++i];
-    } else if (arg == "--print-world" && hasValue) {
-      options.printWorld = args[++i];
-    } else {
-      err << "vemra-revise doctor: bad argument " << arg << '\n' << kDoctorUsage;
-      return kExitUsage;
-    }
-  }
+  std::string log, world;
+  app.add_flag("--json", json, "the report as one JSON object (docs/doctor.md)");
+  app.add_option("--class", classes, "examine only this class (repeatable; any case)")
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  app.add_option("--log", log, "trace log of the host kit");
+  app.add_option("--print-world", world, "the print world that the revisions use");
+  app.footer(
+      "Exit status: 0 when nothing is wrong (with --class: every class named is usable), 1 "
+      "when something is, 2 for bad arguments.");
+  if (const auto status = Parse(app, args, out, err)) return *status;
+  if (app.count("--log") > 0) options.log = log;
+  if (app.count("--print-world") > 0) options.printWorld = world;
   for (const std::string& name : classes) {
     if (FindPrinterClass(name) == nullptr) {
-      err << "vemra-revise doctor: unknown revision printer class '" << name << "'\n";
+      err << "vemra-revise doctor: " << UnknownClassText(name) << '\n';
       return kExitUsage;
     }
   }
@@ -273,20 +273,23 @@ int DoctorMain(const std::vector<std::string>& args, ReviseBackend& backend,
 }
 
 int LocksMain(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
-  std::optional<std::string> folder;
+  CLI::App app;
+  Prepare(app, "vemra-revise locks");
+  app.description(
+      "Lists the revision lock files (*.RLCK) of a driver's output folder with who holds each "
+      "and whether it is live or stale; with --remove-stale removes the stale ones only.");
+  std::string folderText;
   bool removeStale = false;
-  for (const std::string& arg : args) {
-    if (arg == "--remove-stale") {
-      removeStale = true;
-    } else if (!folder && (arg.empty() || arg[0] != '-')) {
-      folder = arg;
-    } else {
-      err << "vemra-revise locks: bad argument " << arg << '\n' << kDoctorUsage;
-      return kExitUsage;
-    }
-  }
-  if (!folder) {
-    err << "vemra-revise locks: no folder given\n" << kDoctorUsage;
+  app.add_option("folder", folderText, "the driver's output folder")->required();
+  app.add_flag("--remove-stale", removeStale, "remove the stale lock files, never a live one");
+  app.footer("Exit status: 0 done, 1 a stale lock could not be removed, 2 bad arguments or a "
+             "folder that does not exist.");
+  if (const auto status = Parse(app, args, out, err)) return *status;
+  const std::optional<std::string> folder = folderText;
+  // A folder that is not there holds no locks, but saying so would hide a
+  // mistyped name.
+  if (!platform::FolderExists(*folder)) {
+    err << "vemra-revise locks: the folder '" << *folder << "' does not exist\n";
     return kExitUsage;
   }
   const std::vector<LockReport> locks = ReadLocks(*folder);

@@ -1,6 +1,9 @@
 #include "revise/ReviseOptions.h"
 
+#include <CLI/CLI.hpp>
+
 #include "core/Settings.h"
+#include "revise/CommandLine.h"
 #include "core/Strict.h"
 
 namespace kestrivon::hostkit::revise {
@@ -10,129 +13,109 @@ constexpr int32_t kDebugLevel = 3;
 
 }  // namespace
 
+void AddReviseOptions(CLI::App& app, ReviseOptions& options, OptionalTexts& texts) {
+  app.description(
+      "Runs one revision the way the host does: creates the revision printer <class> (a ProgID "
+      "such as VemraKestrivon.NoFile, or the bare class name NoFile, in any case), calls "
+      "InitPrnSettings, CheckPrnSettings, IsPrinterAvailable, SetPrnDefaults and DoPrint, "
+      "optionally AppendFile, and releases it. Every answer is printed; when one is False the "
+      "component's trace lines that say why follow it.");
+  app.add_option("class", options.printerClass,
+                 "the revision printer class: NoFile, AdobePDF, AcrobatDistiller, AcrobatWriter, "
+                 "PDFFactory, VemraTiff, VemraHARP")
+      ->required();
+  app.add_option("--folder", options.revisionFolder,
+                 "revision folder handed to DoPrint (may be empty: \"\")")
+      ->required();
+  app.add_option("--name", options.fileName, "archive file name without extension")->required();
+  auto* append = app.add_option("--append", texts.appendFile,
+                                "afterwards, AppendFile(<file>, <archive>)");
+  app.add_option("--append-to", texts.appendTo,
+                 "the archive for --append (default: folder + name + the class's Extension)")
+      ->needs(append);
+  app.add_option("--log", texts.log, "trace log of the host kit (VEMRA_TRACE_LOG)");
+  app.add_flag("--debug", texts.debug, "diagnostic level 3: the debug-only lines are written");
+  app.add_option("--level", texts.level, "diagnostic level (VEMRA_DIAG_LEVEL, default 2)");
+  app.add_option("--answers", texts.answers,
+                 "scripted message box answers, one per line (VEMRA_MSGBOX_ANSWERS)");
+  app.add_option("--translations", texts.translations,
+                 "message text translations (VEMRA_TRANSLATIONS)");
+  app.add_option("--document", texts.document,
+                 "hand DoPrint a host document of that name with its owner "
+                 "(VEMRA_DOCUMENT_NAME; default: no document)");
+  app.add_option("--show-revision-messages", texts.showRevisionMessages,
+                 "the owner's option ShowRevisionMessages: True, False, a number or text "
+                 "(default: not defined, messages are shown as boxes)");
+  app.add_option("--print-world", texts.printWorld,
+                 "the printers, drivers and documents of a printworld.ini (VEMRA_PRINT_WORLD); "
+                 "--document picks one of its documents");
+  app.add_option("--faults", texts.faults,
+                 "host calls failed on purpose, call:use:error|null,... (VEMRA_FAULTS)");
+  app.add_flag("--lenient", options.lenient,
+               "the host kit does not check the component's duties (VEMRA_HOSTKIT_STRICT=0)");
+  app.footer(
+      "Other commands, each with its own --help:\n"
+      "  vemra-revise setup <family> ...   sets a printer up as its driver's installer would\n"
+      "  vemra-revise doctor ...           examines the workstation, changing nothing\n"
+      "  vemra-revise locks <folder> ...   lists lock files, removes stale ones\n\n"
+      "Message boxes, message-pack entries, planned faults (struck or not) and errors reported "
+      "in the run are listed after it.\n\n"
+      "Exit status: 0 when DoPrint (and AppendFile) answered True, 1 when one of them answered "
+      "False or failed, 2 for bad arguments or an unknown class, 3 when the class could not be "
+      "created or is no revision printer, 4 when objects outlived the release or the strict "
+      "host kit found broken duties.");
+}
+
+std::optional<UsageError> Complete(ReviseOptions& options, const OptionalTexts& texts,
+                                   const CLI::App& app) {
+  const auto take = [&app](const char* name, const std::string& text,
+                           std::optional<std::string>& into) {
+    if (app.count(name) > 0) into = text;
+  };
+  take("--append", texts.appendFile, options.appendFile);
+  take("--append-to", texts.appendTo, options.appendTo);
+  take("--log", texts.log, options.log);
+  take("--answers", texts.answers, options.answers);
+  take("--translations", texts.translations, options.translations);
+  take("--document", texts.document, options.document);
+  take("--show-revision-messages", texts.showRevisionMessages, options.showRevisionMessages);
+  take("--print-world", texts.printWorld, options.printWorld);
+  take("--faults", texts.faults, options.faults);
+  if (texts.debug) options.level = kDebugLevel;
+  if (app.count("--level") > 0) {
+    options.level = ParseLevel(texts.level);
+    if (!options.level) return UsageError{"--level needs a number, not '" + texts.level + "'"};
+  }
+  return std::nullopt;
+}
+
 ParseResult ParseArguments(const std::vector<std::string>& args) {
+  CLI::App app;
+  Prepare(app, "vemra-revise");
   ReviseOptions options;
-  bool haveFolder = false;
-  bool haveName = false;
-  std::vector<std::string> positional;
-
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& arg = args[i];
-    auto value = [&](std::string& into) -> std::optional<UsageError> {
-      if (i + 1 >= args.size()) return UsageError{"option " + arg + " needs a value"};
-      into = args[++i];
-      return std::nullopt;
-    };
-    auto optionalValue = [&](std::optional<std::string>& into) -> std::optional<UsageError> {
-      std::string text;
-      if (auto error = value(text)) return error;
-      into = std::move(text);
-      return std::nullopt;
-    };
-    std::optional<UsageError> error;
-    if (arg == "--help" || arg == "-h" || arg == "/?") {
-      return HelpRequest{};
-    } else if (arg == "--folder") {
-      error = value(options.revisionFolder);
-      haveFolder = true;
-    } else if (arg == "--name") {
-      error = value(options.fileName);
-      haveName = true;
-    } else if (arg == "--append") {
-      error = optionalValue(options.appendFile);
-    } else if (arg == "--append-to") {
-      error = optionalValue(options.appendTo);
-    } else if (arg == "--log") {
-      error = optionalValue(options.log);
-    } else if (arg == "--answers") {
-      error = optionalValue(options.answers);
-    } else if (arg == "--translations") {
-      error = optionalValue(options.translations);
-    } else if (arg == "--document") {
-      error = optionalValue(options.document);
-    } else if (arg == "--show-revision-messages") {
-      error = optionalValue(options.showRevisionMessages);
-    } else if (arg == "--print-world") {
-      error = optionalValue(options.printWorld);
-    } else if (arg == "--faults") {
-      error = optionalValue(options.faults);
-    } else if (arg == "--lenient") {
-      options.lenient = true;
-    } else if (arg == "--debug") {
-      options.level = kDebugLevel;
-    } else if (arg == "--level") {
-      std::string text;
-      error = value(text);
-      if (!error) {
-        options.level = ParseLevel(text);
-        if (!options.level) error = UsageError{"--level needs a number, not '" + text + "'"};
-      }
-    } else if (arg.size() > 1 && arg[0] == '-') {
-      return UsageError{"unknown option " + arg};
-    } else {
-      positional.push_back(arg);
-    }
-    if (error) return *error;
+  OptionalTexts texts;
+  AddReviseOptions(app, options, texts);
+  std::vector<std::string> reversed(args.rbegin(), args.rend());
+  try {
+    app.parse(reversed);
+  } catch (const CLI::CallForHelp&) {
+    return HelpRequest{};
+  } catch (const CLI::CallForVersion&) {
+    return HelpRequest{};
+  } catch (const CLI::ParseError& error) {
+    return UsageError{error.what()};
   }
-
-  if (positional.empty()) return UsageError{"no revision printer class given"};
-  if (positional.size() > 1) return UsageError{"unexpected argument " + positional[1]};
-  options.printerClass = positional[0];
-  if (!haveFolder) return UsageError{"no revision folder given (--folder)"};
-  if (!haveName) return UsageError{"no file name given (--name)"};
-  if (options.appendTo && !options.appendFile) {
-    return UsageError{"--append-to needs --append"};
-  }
+  if (auto error = Complete(options, texts, app)) return *error;
   return options;
 }
 
 std::string UsageText(std::string_view program) {
-  std::string text = "Usage: ";
-  text += program;
-  text += R"( <class> --folder <revision folder> --name <file name> [options]
-       vemra-revise setup <family> --name <printer> --output <folder> [--wrong <setting>]...
-
-Runs one revision the way the host does: creates the revision printer <class>
-(a ProgID such as VemraKestrivon.NoFile, or the bare class name NoFile), calls
-InitPrnSettings, CheckPrnSettings, IsPrinterAvailable, SetPrnDefaults and
-DoPrint, optionally AppendFile, and releases it. Every answer is printed.
-
-Options:
-  --folder <path>        revision folder handed to DoPrint (may be empty: "")
-  --name <name>          archive file name without extension
-  --append <file>        afterwards, AppendFile(<file>, <archive>)
-  --append-to <archive>  the archive for --append (default: folder + name +
-                         the class's Extension)
-  --log <file>           trace log of the host kit (VEMRA_TRACE_LOG)
-  --debug                diagnostic level 3: the debug-only lines are written
-  --level <n>            diagnostic level n (VEMRA_DIAG_LEVEL, default 2)
-  --answers <file>       scripted message box answers (VEMRA_MSGBOX_ANSWERS)
-  --translations <file>  message text translations (VEMRA_TRANSLATIONS)
-  --document <name>      hand DoPrint a host document of that name with its
-                         owner (VEMRA_DOCUMENT_NAME; default: no document)
-  --show-revision-messages <value>
-                         the owner's option ShowRevisionMessages: True, False,
-                         a number or text (VEMRA_SHOW_REVISION_MESSAGES;
-                         default: not defined, messages are shown as boxes)
-  --print-world <file>   the printers, drivers and documents of printworld.ini
-                         (VEMRA_PRINT_WORLD; native vemra-revise only);
-                         --document picks one of its documents
-  --faults <plan>        host calls failed on purpose, call:use:error|null,...
-                         (VEMRA_FAULTS)
-  --lenient              the host kit does not check the component's duties
-                         (VEMRA_HOSTKIT_STRICT=0; default: strict)
-  --help                 this text
-
-Message boxes, message-pack entries, planned faults (struck or not) and errors
-reported in the run are listed after it.
-
-Exit status: 0 when DoPrint (and AppendFile) answered True, 1 when one of
-them answered False or failed, 2 for bad arguments or an unknown class,
-3 when the class could not be created, 4 when objects outlived the release
-(the component's DLL cannot unload, host kit objects are still alive) or
-the strict host kit found a duty of the component broken.
-)";
-  return text;
+  CLI::App app;
+  Prepare(app, program);
+  ReviseOptions options;
+  OptionalTexts texts;
+  AddReviseOptions(app, options, texts);
+  return app.help();
 }
 
 std::vector<std::pair<std::string, std::string>> HostKitEnvironment(const ReviseOptions& options) {

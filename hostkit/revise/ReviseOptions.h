@@ -8,6 +8,10 @@
 #include <variant>
 #include <vector>
 
+namespace CLI {
+class App;
+}  // namespace CLI
+
 namespace kestrivon::hostkit::revise {
 
 // What one vemra-revise run is asked to do.
@@ -34,6 +38,19 @@ struct UsageError {
 };
 
 using ParseResult = std::variant<ReviseOptions, HelpRequest, UsageError>;
+
+// The options as given, before they are known to be there.
+struct OptionalTexts {
+  std::string appendFile, appendTo, log, answers, translations, document, showRevisionMessages,
+      printWorld, faults, level;
+  bool debug = false;
+};
+
+// The revision's options on a CLI11 app, bound to options and texts; after
+// the parse Complete carries the texts given into options.
+void AddReviseOptions(CLI::App& app, ReviseOptions& options, OptionalTexts& texts);
+std::optional<UsageError> Complete(ReviseOptions& options, const OptionalTexts& texts,
+                                   const CLI::App& app);
 
 // Parses the arguments after the program name.
 ParseResult ParseArguments(const std::vector<std::string>& args);

@@ -1,5 +1,6 @@
 #include "revise/ReviseRun.h"
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
@@ -16,6 +17,8 @@
 #ifndef _WIN32
 #include "platform/portable/FileSystem.h"
 #endif
+#include "printers/PrinterCatalogue.h"
+#include "revise/CommandLine.h"
 #include "revise/ReviseSetup.h"
 #include "runtime/ErrorHandler.h"
 #include "runtime/Text.h"
@@ -94,7 +97,7 @@ bool AskBoolean(std::ostream& out, std::string_view operation, const std::functi
   return Ask<bool>(out, operation, call, Boolean).value_or(false);
 }
 
-int RunRevision(std::string_view program, const ReviseOptions& options, ReviseBackend& backend,
+int RunRevision(const ReviseOptions& options, ReviseBackend& backend,
                 std::ostream& out, std::ostream& err) {
   for (const auto& [name, value] : HostKitEnvironment(options)) backend.SetVariable(name, value);
   // The print world's drivers tell what DoPrint waits for.
@@ -113,11 +116,17 @@ int RunRevision(std::string_view program, const ReviseOptions& options, ReviseBa
 
   ReviseBackend::Created created = backend.Create(options.printerClass);
   if (!created.session) {
-    err << "vemra-revise: " << created.reason << '\n';
     if (created.failure == ReviseBackend::CreateFailure::kUnknownClass) {
-      err << '\n' << UsageText(program);
+      // One of the seven that is not registered is told so; any other name
+      // is told the seven.
+      err << "vemra-revise: "
+          << (FindPrinterClass(options.printerClass) != nullptr
+                  ? created.reason
+                  : UnknownClassText(options.printerClass))
+          << '\n';
       return kExitUsage;
     }
+    err << "vemra-revise: " << created.reason << '\n';
     return kExitNotCreated;
   }
   PrinterSession& printer = *created.session;
@@ -221,16 +230,17 @@ void ListMessages(std::ostream& out, const std::filesystem::path& path, std::uin
 int ReviseMain(std::string_view program, const std::vector<std::string>& args,
                ReviseBackend& backend, std::ostream& out, std::ostream& err) {
   if (!args.empty() && args.front() == "setup") return SetupMain(program, args, out, err);
-  const ParseResult parsed = ParseArguments(args);
-  if (std::holds_alternative<HelpRequest>(parsed)) {
-    out << UsageText(program);
-    return kExitSuccess;
-  }
-  if (const auto* error = std::get_if<UsageError>(&parsed)) {
-    err << "vemra-revise: " << error->message << "\n\n" << UsageText(program);
+  CLI::App app;
+  Prepare(app, program);
+  ReviseOptions options;
+  OptionalTexts texts;
+  AddReviseOptions(app, options, texts);
+  if (const auto status = Parse(app, args, out, err)) return *status;
+  if (const auto error = Complete(options, texts, app)) {
+    err << program << ": " << error->message << "\n";
     return kExitUsage;
   }
-  return RunRevision(program, std::get<ReviseOptions>(parsed), backend, out, err);
+  return RunRevision(options, backend, out, err);
 }
 
 }  // namespace kestrivon::hostkit::revise

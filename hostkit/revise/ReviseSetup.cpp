@@ -1,5 +1,7 @@
 #include "revise/ReviseSetup.h"
 
+#include <CLI/CLI.hpp>
+
 #include <fstream>
 #include <iterator>
 #include <set>
@@ -8,6 +10,7 @@
 
 #include "core/DriverFamilies.h"
 #include "core/Environment.h"
+#include "revise/CommandLine.h"
 #include "runtime/ErrorHandler.h"
 #include "runtime/RunTimeError.h"
 #include "runtime/Text.h"
@@ -25,72 +28,60 @@ struct SetupRequest {
   std::string output;
   std::set<std::string> wrong;
   std::string world;
+  std::string log;
 };
 
-std::string SetupUsage(std::string_view program) {
-  std::string text = "Usage: ";
-  text += program;
-  text += R"( setup <family> --name <printer> --output <folder> [--wrong <setting>]...
-       [--print-world <file>]
-
-Sets a printer up as its driver family's installer would for unattended
-revisions into <folder>, or with each --wrong setting as an unattended run
-cannot use it. Families and their settings:
-)";
+// The families and their settings, for the help.
+std::string FamiliesText() {
+  std::string text = "Families and their settings:\n";
   for (const char* name : {"adobe-pdf", "distiller", "pdfwriter", "pdffactory1", "pdffactory2",
                            "pdffactory3", "pdffactory4"}) {
     text += "  ";
     text += name;
     text += ":";
-    for (const auto& setting : DriverFamilySettings(*ParseDriverFamily(name)))
-      text += " " + setting;
+    for (const auto& setting : DriverFamilySettings(*ParseDriverFamily(name))) text += " " + setting;
     text += "\n";
   }
-  text += R"(On Windows and under Wine the settings go into the registry and files;
-natively into the printer's section of the print world file (--print-world,
-required there), which applies them when it is loaded.
-)";
   return text;
 }
 
-// The request, or the reason it is none.
-std::variant<SetupRequest, std::string> Parse(const std::vector<std::string>& args) {
-  SetupRequest request;
-  if (args.size() < 2) return std::string("setup needs a family");
-  const auto family = ParseDriverFamily(args[1]);
-  if (!family) return "unknown family '" + args[1] + "'";
-  request.family = *family;
-  for (size_t i = 2; i < args.size(); ++i) {
-    if (i + 1 >= args.size()) return args[i] + " needs a value";
-    const std::string& option = args[i];
-    const std::string& value = args[++i];
-    if (option == "--name") {
-      request.printer = value;
-    } else if (option == "--output") {
-      request.output = value;
-    } else if (option == "--wrong") {
-      request.wrong.insert(value);
-    } else if (option == "--print-world") {
-      request.world = value;
-    } else if (option == "--log") {
-      // Taken as a revision takes it; a setup writes no trace.
-    } else {
-      return "unknown option '" + option + "'";
-    }
-  }
-  if (request.printer.empty() || request.output.empty()) {
-    return std::string("setup needs --name and --output");
-  }
+void AddSetupOptions(CLI::App& app, std::string& family, SetupRequest& request,
+                     std::vector<std::string>& wrong) {
+  app.description(
+      "Sets a printer up as its driver family's installer would for unattended revisions into "
+      "<folder>, or with each --wrong setting as an unattended run cannot use it.");
+  app.add_option("family", family, "the driver family")->required();
+  app.add_option("--name", request.printer, "the printer's name")->required();
+  app.add_option("--output", request.output, "the folder the driver writes into")->required();
+  app.add_option("--wrong", wrong, "a setting to set wrong on purpose (repeatable)")
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  app.add_option("--print-world", request.world,
+                 "natively: the print world file whose printer section gets the settings");
+  // Taken as a revision takes it; a setup writes no trace.
+  app.add_option("--log", request.log, "accepted, not used: a setup writes no trace");
+  app.footer(FamiliesText() +
+             "On Windows and under Wine the settings go into the registry and files; natively "
+             "into the printer's section of the print world file (--print-world, required "
+             "there), which applies them when it is loaded.");
+}
+
+// The request complete, or the reason it is not.
+std::optional<std::string> Check(const std::string& family, const std::vector<std::string>& wrong,
+                                 SetupRequest& request) {
+  const auto parsed = ParseDriverFamily(family);
+  if (!parsed) return "unknown family '" + family + "'";
+  request.family = *parsed;
 #ifndef _WIN32
   if (request.world.empty()) return std::string("natively setup needs --print-world <file>");
 #endif
   const auto known = DriverFamilySettings(request.family);
-  for (const auto& name : request.wrong) {
+  for (const auto& name : wrong) {
     bool found = false;
     for (const auto& setting : known) found = found || EqualNoCase(setting, name);
     if (!found) return DriverFamilyName(request.family) + " has no setting '" + name + "'";
+    request.wrong.insert(name);
   }
-  return request;
+  return std::nullopt;
 }
 
 std::string Joined(const std::set<std::string>& names) {
@@ -122,12 +113,21 @@ std::string WithPrinterSection(const std::string& text, const std::string& name,
 
 int SetupMain(std::string_view program, const std::vector<std::string>& args, std::ostream& out,
               std::ostream& err) {
-  const auto parsed = Parse(args);
-  if (const auto* problem = std::get_if<std::string>(&parsed)) {
-    err << "vemra-revise: " << *problem << "\n\n" << SetupUsage(program);
+  CLI::App app;
+  Prepare(app, std::string(program) + " setup");
+  SetupRequest request;
+  std::string familyName;
+  std::vector<std::string> wrongNames;
+  AddSetupOptions(app, familyName, request, wrongNames);
+  // args[0] is the word "setup".
+  if (const auto status =
+          Parse(app, std::vector<std::string>(args.begin() + 1, args.end()), out, err)) {
+    return *status;
+  }
+  if (const auto problem = Check(familyName, wrongNames, request)) {
+    err << program << " setup: " << *problem << "\n\n" << app.help();
     return kExitUsage;
   }
-  const SetupRequest& request = std::get<SetupRequest>(parsed);
   const std::string family = DriverFamilyName(request.family);
   const auto failure = Attempt([&] {
 #ifdef _WIN32

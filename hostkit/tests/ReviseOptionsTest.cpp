@@ -57,22 +57,29 @@ TEST(ReviseOptions, ADocumentAndItsOwnersOptionGoToTheHostKit) {
   EXPECT_EQ(HostKitEnvironment(options), (Variables{{"VEMRA_DOCUMENT_NAME", "A-100"},
                                                     {"VEMRA_SHOW_REVISION_MESSAGES", "False"}}));
   EXPECT_EQ(ErrorOf({"NoFile", "--folder", "f", "--name", "n", "--document"}),
-            "option --document needs a value");
+            "--document: 1 required TEXT missing");
 }
 
 TEST(ReviseOptions, RefusesIncompleteOrUnknownArguments) {
-  EXPECT_EQ(ErrorOf({}), "no revision printer class given");
-  EXPECT_EQ(ErrorOf({"NoFile", "--name", "n"}), "no revision folder given (--folder)");
-  EXPECT_EQ(ErrorOf({"NoFile", "--folder", "f"}), "no file name given (--name)");
-  EXPECT_EQ(ErrorOf({"NoFile", "--folder"}), "option --folder needs a value");
-  EXPECT_EQ(ErrorOf({"NoFile", "AdobePDF", "--folder", "f", "--name", "n"}),
-            "unexpected argument AdobePDF");
-  EXPECT_EQ(ErrorOf({"NoFile", "--folder", "f", "--name", "n", "--fast"}), "unknown option --fast");
-  EXPECT_EQ(ErrorOf({"NoFile", "--folder", "f", "--name", "n", "--level", "high"}),
-            "--level needs a number, not 'high'");
-  EXPECT_EQ(ErrorOf({"NoFile", "--folder", "f", "--name", "n", "--append-to", "x"}),
-            "--append-to needs --append");
+  const std::pair<Args, std::string> cases[] = {
+      {{}, "class is required"},
+      {{"NoFile", "--name", "n"}, "--folder is required"},
+      {{"NoFile", "--folder", "f"}, "--name is required"},
+      {{"NoFile", "--folder"}, "--folder: 1 required TEXT missing"},
+      {{"NoFile", "AdobePDF", "--folder", "f", "--name", "n"},
+       "The following argument was not expected: AdobePDF"},
+      {{"NoFile", "--folder", "f", "--name", "n", "--fast"},
+       "The following argument was not expected: --fast"},
+      {{"NoFile", "--folder", "f", "--name", "n", "--level", "high"},
+       "--level needs a number, not 'high'"},
+      {{"NoFile", "--folder", "f", "--name", "n", "--append-to", "x"},
+       "--append-to requires --append"},
+  };
+  for (const auto& [args, said] : cases) EXPECT_EQ(ErrorOf(args), said);
   EXPECT_TRUE(std::holds_alternative<HelpRequest>(ParseArguments({"NoFile", "--help"})));
+  // An empty revision folder and name are handed over as they are.
+  const auto options = Parsed({"NoFile", "--folder", "", "--name", ""});
+  EXPECT_TRUE(options.revisionFolder.empty() && options.fileName.empty());
 }
 
 TEST(ReviseOptions, TheArchiveIsFolderBackslashNameExtension) {

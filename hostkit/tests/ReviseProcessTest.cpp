@@ -1,6 +1,8 @@
 // vemra-revise run as the administrator runs it: a separate process, its
 // exit status, what it prints and what lands in the trace log.
 #include <gtest/gtest.h>
+
+#include "KestrivonVersion.h"
 #include <sys/wait.h>
 
 #include <cstdlib>
@@ -179,8 +181,9 @@ TEST_F(VemraRevise, RefusesBadArgumentsBeforeCreatingAnything) {
     std::vector<std::string> args;
     std::string said;
   } cases[] = {
-      {Args("Bogus"), "unknown revision printer class 'Bogus'"},
-      {{}, "Usage: vemra-revise"},
+      {Args("Bogus"), "'Bogus' is no revision printer class; the classes are "},
+      {Args("AdobePFD"), "did you mean AdobePDF?"},
+      {{}, "class is required"},
       {Args("NoFile", {"--log", (dir / "file" / "trace.log").string()}), "cannot be written"},
   };
   for (const auto& c : cases) {
@@ -190,8 +193,38 @@ TEST_F(VemraRevise, RefusesBadArgumentsBeforeCreatingAnything) {
     EXPECT_TRUE(Contains(run.err, c.said)) << run.err;
     EXPECT_FALSE(Contains(run.out, "Created")) << run.out;
   }
-  EXPECT_TRUE(Contains(Revise(Args("Bogus")).err, "Usage: vemra-revise"));
+  // A wrong class is told in a line, not in the whole usage.
+  EXPECT_FALSE(Contains(Revise(Args("Bogus")).err, "Usage:"));
+  EXPECT_TRUE(Contains(Revise({}).err, "Usage: vemra-revise"));
   EXPECT_FALSE(std::filesystem::exists(log));
+}
+
+// Each command explains itself and tells its version; a lock folder that
+// is not there is an error, not a folder without locks.
+TEST_F(VemraRevise, EachCommandExplainsItself) {
+  const std::string version = std::string("vemra-revise ") + KESTRIVON_VERSION_TEXT + "\n";
+  const struct {
+    std::vector<std::string> args;
+    int exit;
+    std::string said;
+  } cases[] = {
+      {{"--help"}, 0, "vemra-revise doctor ..."},
+      {{"/?"}, 0, "--append-to"},
+      {{"--version"}, 0, version},
+      {{"doctor", "--help"}, 0, "Usage: vemra-revise doctor"},
+      {{"doctor", "--version"}, 0, version},
+      {{"locks", "--help"}, 0, "--remove-stale"},
+      {{"setup", "--help"}, 0, "pdffactory4:"},
+      {{"doctor", "--class", "adobepfd"}, 2, "did you mean AdobePDF?"},
+      {{"locks", (dir / "nowhere").string()}, 2, "does not exist"},
+      {{"locks"}, 2, "folder is required"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.args.empty() ? "" : c.args.front() + " " + c.args.back());
+    const Outcome run = Revise(c.args);
+    EXPECT_EQ(run.exitCode, c.exit);
+    EXPECT_TRUE(Contains(c.exit == 0 ? run.out : run.err, c.said)) << run.out << run.err;
+  }
 }
 
 TEST_F(VemraRevise, HelpIsNoError) {

@@ -15,14 +15,20 @@
 #include <vector>
 
 #include "VemraVBInterface.h"
+#include "comkit/ComPtr.h"
 #include "core/Environment.h"
 #include "core/Settings.h"
+#include "printers/PrinterCatalogue.h"
 #include "revise/Doctor.h"
 #include "revise/ReviseRun.h"
 
 namespace {
 
 using namespace kestrivon::hostkit;
+using kestrivon::FindPrinterClass;
+using kestrivon::kLibraryName;
+using kestrivon::PrinterClass;
+using kestrivon::comkit::ComPtr;
 
 std::wstring Wide(const std::string& utf8) {
   if (utf8.empty()) return {};
@@ -171,6 +177,22 @@ class ComSession final : public revise::PrinterSession {
   IRevisionPrinter* printer_;
 };
 
+// Whether the object's own type information names IRevisionPrinter: its
+// IDispatch describes the interface whose vtable it hands out.
+bool IsRevisionPrinter(IRevisionPrinter* printer) {
+  ComPtr<IDispatch> dispatch;
+  if (FAILED(printer->QueryInterface(IID_IDispatch, dispatch.PutVoid())) || !dispatch) return false;
+  UINT count = 0;
+  if (FAILED(dispatch->GetTypeInfoCount(&count)) || count == 0) return false;
+  ComPtr<ITypeInfo> info;
+  if (FAILED(dispatch->GetTypeInfo(0, 0, info.Put())) || !info) return false;
+  TYPEATTR* attributes = nullptr;
+  if (FAILED(info->GetTypeAttr(&attributes)) || attributes == nullptr) return false;
+  const bool named = ::IsEqualGUID(attributes->guid, IID_IRevisionPrinter) != 0;
+  info->ReleaseTypeAttr(attributes);
+  return named;
+}
+
 class ComBackend final : public revise::ReviseBackend {
  public:
   ComBackend() : initialised_(SUCCEEDED(::CoInitialize(nullptr))) {}
@@ -185,10 +207,13 @@ class ComBackend final : public revise::ReviseBackend {
   }
 
   Created Create(const std::string& printerClass) override {
-    // A bare class name is one of the component's classes.
-    const std::string progId = printerClass.find('.') == std::string::npos
-                                   ? "VemraKestrivon." + printerClass
-                                   : printerClass;
+    // One of the component's classes by its name in any case, as the
+    // catalogue spells it; any other name as it is given.
+    const PrinterClass* known = FindPrinterClass(printerClass);
+    const std::string progId =
+        known != nullptr ? std::string(kLibraryName) + "." + std::string(known->name)
+        : printerClass.find('.') == std::string::npos ? std::string(kLibraryName) + "." + printerClass
+                                                      : printerClass;
     if (!initialised_) return {nullptr, CreateFailure::kNotCreated, progId, "COM did not start"};
     CLSID clsid{};
     const std::wstring wideProgId = Wide(progId);
@@ -203,6 +228,15 @@ class ComBackend final : public revise::ReviseBackend {
     if (FAILED(hr) || printer == nullptr) {
       return {nullptr, CreateFailure::kNotCreated, progId,
               "'" + progId + "' could not be created as a revision printer (" + Hex(hr) + ")"};
+    }
+    // A server may hand out another interface for the one asked (an object
+    // that answers every interface with itself): its type must be the
+    // printer interface before any of its slots is called.
+    if (!IsRevisionPrinter(printer)) {
+      printer->Release();
+      return {nullptr, CreateFailure::kNotCreated, progId,
+              "'" + progId + "' is no revision printer: it does not describe itself as " +
+                  "IRevisionPrinter"};
     }
     // The DLL whose code the object runs: the one that must be able to unload.
     ::GetModuleHandleExW(
