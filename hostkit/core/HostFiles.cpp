@@ -6,6 +6,7 @@
 #include "platform/win/Text.h"
 #else
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -16,15 +17,25 @@ namespace kestrivon::hostkit {
 
 #ifdef _WIN32
 
+void EndProcessAbruptly() {
+  ::TerminateProcess(::GetCurrentProcess(), 137);
+  ::ExitProcess(137);
+}
+
 std::string HostFileName(const std::string& windowsName) { return windowsName; }
 std::string WindowsFileName(const std::string& hostName) { return hostName; }
 
 bool HeldFile::Create(const std::string& windowsName) {
   Close();
   const std::wstring wide = platform::win::ToWide(windowsName);
+  ::DeleteFileW(wide.c_str());
   HANDLE file = ::CreateFileW(wide.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                               FILE_ATTRIBUTE_NORMAL, nullptr);
   if (file == INVALID_HANDLE_VALUE) return false;
+  // A name used again within seconds keeps its old creation time on NTFS.
+  FILETIME now{};
+  ::GetSystemTimeAsFileTime(&now);
+  ::SetFileTime(file, &now, nullptr, nullptr);
   handle_ = file;
   return true;
 }
@@ -43,6 +54,11 @@ void HeldFile::Close() {
 
 #else
 
+void EndProcessAbruptly() {
+  ::kill(::getpid(), SIGKILL);
+  ::_exit(137);
+}
+
 std::string HostFileName(const std::string& windowsName) {
   return platform::portable::HostPath(windowsName);
 }
@@ -53,6 +69,7 @@ std::string WindowsFileName(const std::string& hostName) {
 bool HeldFile::Create(const std::string& windowsName) {
   Close();
   const std::string host = HostFileName(windowsName);
+  ::unlink(host.c_str());
   const int fd = ::open(host.c_str(), O_CREAT | O_WRONLY | O_TRUNC | O_CLOEXEC, 0644);
   if (fd < 0) return false;
   if (::flock(fd, LOCK_EX) != 0) {

@@ -11,6 +11,11 @@ bool CopyFileTo(const std::string& source, const std::string& target, bool overw
                      overwrite ? FALSE : TRUE) != FALSE;
 }
 
+bool MoveFileTo(const std::string& from, const std::string& to, bool replace) {
+  return ::MoveFileExW(win::ToWide(from).c_str(), win::ToWide(to).c_str(),
+                       replace ? MOVEFILE_REPLACE_EXISTING : 0) != FALSE;
+}
+
 std::string SystemErrorText(uint32_t code) {
   char* text = nullptr;
   const DWORD n = ::FormatMessageA(
