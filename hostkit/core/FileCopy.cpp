@@ -2,12 +2,13 @@
 
 #include <atomic>
 #include <cstdio>
-#include <random>
+#include <cstring>
 
 #include "core/Environment.h"
 #include "core/HostFiles.h"
 #include "core/Settings.h"
 #include "platform/FileCopy.h"
+#include "platform/FileSearch.h"
 #include "platform/FileSystem.h"
 #include "platform/TempFiles.h"
 #include "runtime/Text.h"
@@ -16,6 +17,19 @@ namespace kestrivon::hostkit {
 namespace {
 
 std::string LastErrorText() { return platform::SystemErrorText(platform::GetLastError()); }
+
+// Files made beside a target start so; the other side of the seam (a
+// Windows process under Wine) has its own process ids and names.
+#ifdef _WIN32
+constexpr const char* kBesidePrefix = "~vhw";
+#else
+constexpr const char* kBesidePrefix = "~vhk";
+#endif
+
+std::string FolderPart(const std::string& file) {
+  const size_t slash = file.find_last_of("\\/");
+  return slash == std::string::npos ? std::string() : file.substr(0, slash + 1);
+}
 
 std::string FileNamePart(const std::string& file) {
   const size_t slash = file.find_last_of("\\/");
@@ -34,14 +48,26 @@ void KillIfAsked(const std::string& target) {
 }  // namespace
 
 std::string BesideName(const std::string& file) {
-  // Random per process and counted within it: two processes never pick the
-  // same name, and a name taken anyway is refused by the exclusive copy.
-  static const unsigned seed = std::random_device{}();
+  // The process's id and a count within it: two processes never pick the
+  // same name, and the name tells whether its writer still runs.
   static std::atomic<unsigned> count{0};
-  char part[32];
-  std::snprintf(part, sizeof part, "~vhk%08x%04x.tmp", seed, ++count & 0xFFFFu);
-  const size_t slash = file.find_last_of("\\/");
-  return (slash == std::string::npos ? std::string() : file.substr(0, slash + 1)) + part;
+  char part[40];
+  std::snprintf(part, sizeof part, "%s%08x-%04x.tmp", kBesidePrefix, CurrentProcessId(),
+                ++count & 0xFFFFu);
+  return FolderPart(file) + part;
+}
+
+void RemoveAbandoned(const std::string& file) {
+  const std::string folder = FolderPart(file);
+  const auto found = platform::FindFiles(folder + kBesidePrefix + "*.tmp");
+  if (!found) return;
+  for (const auto& entry : *found) {
+    unsigned writer = 0;
+    if (std::sscanf(entry.name.c_str() + std::strlen(kBesidePrefix), "%8x-", &writer) == 1 &&
+        !ProcessRuns(writer)) {
+      platform::DeleteFileA(folder + entry.name);
+    }
+  }
 }
 
 bool ReplaceWith(const std::string& finished, const std::string& target, bool overwrite,
@@ -62,6 +88,7 @@ bool CopyOneFile(const std::string& source, const std::string& target, bool over
     why = platform::SystemErrorText(platform::kErrorFileExists);
     return false;
   }
+  RemoveAbandoned(target);
   std::string beside;
   for (int attempt = 0; beside.empty(); ++attempt) {
     beside = BesideName(target);

@@ -10,12 +10,32 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 #include "platform/portable/FileSystem.h"
 #endif
 
 namespace kestrivon::hostkit {
 
 #ifdef _WIN32
+
+bool CreateNewFile(const std::string& windowsName) {
+  HANDLE file = ::CreateFileW(platform::win::ToWide(windowsName).c_str(), GENERIC_WRITE, 0, nullptr,
+                              CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return false;
+  return ::CloseHandle(file) != FALSE;
+}
+
+unsigned CurrentProcessId() { return ::GetCurrentProcessId(); }
+
+bool ProcessRuns(unsigned id) {
+  HANDLE process = ::OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, id);
+  if (process == nullptr) return ::GetLastError() != ERROR_INVALID_PARAMETER;
+  DWORD code = 0;
+  const bool runs = ::GetExitCodeProcess(process, &code) && code == STILL_ACTIVE;
+  ::CloseHandle(process);
+  return runs;
+}
 
 void EndProcessAbruptly() {
   ::TerminateProcess(::GetCurrentProcess(), 137);
@@ -53,6 +73,18 @@ void HeldFile::Close() {
 }
 
 #else
+
+bool CreateNewFile(const std::string& windowsName) {
+  const std::string host = HostFileName(windowsName);
+  const int fd = host.empty() ? -1 : ::open(host.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0644);
+  return fd >= 0 && ::close(fd) == 0;
+}
+
+unsigned CurrentProcessId() { return static_cast<unsigned>(::getpid()); }
+
+bool ProcessRuns(unsigned id) {
+  return ::kill(static_cast<pid_t>(id), 0) == 0 || errno == EPERM;
+}
 
 void EndProcessAbruptly() {
   ::kill(::getpid(), SIGKILL);

@@ -11,6 +11,14 @@ namespace kestrivon::hostkit {
 std::string HostFileName(const std::string& windowsName);
 std::string WindowsFileName(const std::string& hostName);
 
+// Creates an empty file that did not exist (CREATE_NEW, O_EXCL): false
+// when the name is taken or cannot be made.
+bool CreateNewFile(const std::string& windowsName);
+
+// This process's id, and whether a process of that id runs.
+unsigned CurrentProcessId();
+bool ProcessRuns(unsigned id);
+
 // Ends the process at once, as a kill does: no clean-up, no exit handler.
 [[noreturn]] void EndProcessAbruptly();
 

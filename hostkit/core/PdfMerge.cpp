@@ -34,6 +34,7 @@ bool PdfMerge::Merge(const std::string& /*options*/, const std::vector<std::stri
   if (files.empty()) return false;
   // Written beside the target, checked, then put in its place: a failed
   // merge leaves neither a part of a file nor a damaged target.
+  RemoveAbandoned(target);
   const std::string beside = BesideName(target);
   const std::string besidePath = platform::portable::HostPath(beside);
   const auto failure = Attempt([&] {

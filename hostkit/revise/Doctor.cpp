@@ -223,8 +223,13 @@ void ExamineDriver(ClassReport& report, const PrinterClass& cls, const HarpSumma
       }
       if (report.printer.empty()) break;
       report.findings = PdfFactorySettingFindings(report.printer);
-      ExamineFolder(report, platform::EnvironmentVariable("TEMP").value_or(""),
-                    "TEMP is not set: the class prints with it as the folder its lock guards");
+      if (platform::EnvironmentVariable("TEMP").value_or("").empty()) {
+        report.warnings.push_back(
+            "TEMP is not set: the class locks the system's temporary folder '" +
+            PdfFactoryLockFolder() + "' instead; set TEMP for every user who revises");
+      }
+      ExamineFolder(report, PdfFactoryLockFolder(),
+                    "no temporary folder: the class has no folder for its lock");
       break;
     case Family::kHarp:
       if (!harp.findings.empty()) {

@@ -327,7 +327,7 @@ TEST_F(PdfPrinters, PdfFactoryPrintsIntoTheNamedFileUnderTheTempLock) {
   EXPECT_TRUE(factory.DoPrint(document, owner, folder / "rev", "A1"));
   EXPECT_EQ(PageWidths(folder / "rev\\A1.PDF"), std::vector<int>{300});
   const std::string p = "VemraKestrivon::PDFFactory::IRevisionPrinter_DoPrint(): ",
-                    file = out + "\\R2P1..PDF";
+                    file = out + "\\R2P1.PDF";
   EXPECT_EQ(LinesOf(p),
             (Lines{p + "output file set. OutFolder: " + file, p + "waiting for '" + file + "'",
                    p + "'" + file + "' really exists -> revision successfull... ",

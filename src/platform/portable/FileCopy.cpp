@@ -70,9 +70,13 @@ bool CopyFileTo(const std::string& source, const std::string& target, bool overw
   for (ssize_t n; error == 0 && (n = ::read(in, chunk, sizeof chunk)) != 0;) {
     if (n < 0) {
       error = errno;
-    } else if (errno = 0; ::write(out, chunk, static_cast<size_t>(n)) != n) {
-      // A short write leaves errno unset; the disk is full then.
-      error = errno != 0 ? errno : ENOSPC;
+    } else {
+      // Written on until all is written: a short write says no why, the
+      // next one does.
+      for (ssize_t done = 0, w = 0; error == 0 && done < n; done += w) {
+        w = ::write(out, chunk + done, static_cast<size_t>(n - done));
+        if (w <= 0) error = w < 0 ? errno : ENOSPC;
+      }
     }
   }
   ::close(in);
