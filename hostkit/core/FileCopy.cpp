@@ -78,7 +78,7 @@ bool ReplaceWith(const std::string& finished, const std::string& target, bool ov
   platform::DeleteFileA(finished);
   // An existing target kept: the copy's own refusal.
   why = platform::SystemErrorText(code == platform::kErrorAlreadyExists ? platform::kErrorFileExists
-                                                                          : code);
+                                                                        : code);
   return false;
 }
 

@@ -76,15 +76,14 @@ void HeldFile::Close() {
 
 bool CreateNewFile(const std::string& windowsName) {
   const std::string host = HostFileName(windowsName);
-  const int fd = host.empty() ? -1 : ::open(host.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0644);
+  const int fd =
+      host.empty() ? -1 : ::open(host.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0644);
   return fd >= 0 && ::close(fd) == 0;
 }
 
 unsigned CurrentProcessId() { return static_cast<unsigned>(::getpid()); }
 
-bool ProcessRuns(unsigned id) {
-  return ::kill(static_cast<pid_t>(id), 0) == 0 || errno == EPERM;
-}
+bool ProcessRuns(unsigned id) { return ::kill(static_cast<pid_t>(id), 0) == 0 || errno == EPERM; }
 
 void EndProcessAbruptly() {
   ::kill(::getpid(), SIGKILL);

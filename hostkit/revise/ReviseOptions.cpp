@@ -26,8 +26,8 @@ bool IsDeviceName(const std::string& part) {
 std::optional<std::string> WhyNotAPart(const std::string& part) {
   if (part == "." || part == "..") return "'" + part + "' would lead out of the folder";
   for (const char c : part) {
-    if (static_cast<unsigned char>(c) < 32 || std::string_view("<>:\"|?*").find(c) !=
-                                                  std::string_view::npos) {
+    if (static_cast<unsigned char>(c) < 32 ||
+        std::string_view("<>:\"|?*").find(c) != std::string_view::npos) {
       return "'" + part + "' holds a character Windows forbids in names";
     }
   }
@@ -44,7 +44,8 @@ bool IsSeparator(char c) { return c == '\\' || c == '/'; }
 // each part a name of its own.
 std::optional<std::string> WhyNotAFolder(const std::string& folder) {
   size_t start = 0;
-  if (folder.size() >= 2 && folder[1] == ':' && std::isalpha(static_cast<unsigned char>(folder[0]))) {
+  if (folder.size() >= 2 && folder[1] == ':' &&
+      std::isalpha(static_cast<unsigned char>(folder[0]))) {
     start = 2;
   }
   for (size_t end = start; start <= folder.size(); start = end + 1) {

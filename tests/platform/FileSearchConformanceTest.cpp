@@ -125,12 +125,9 @@ TEST(FileSearchConformance, MovesPutAFileInPlaceOfAnotherOrRefuseWholly) {
     bool replace;
     uint32_t error;  // 0: moved
   } cases[] = {
-      {"new.pdf", false, 0},
-      {"existing.pdf", false, kErrorAlreadyExists},
-      {"existing.pdf", true, 0},
-      {"missing\\new.pdf", true, kErrorPathNotFound},
-      {"sub", true, 5},
-      {"readonly.pdf", true, 5},
+      {"new.pdf", false, 0},     {"existing.pdf", false, kErrorAlreadyExists},
+      {"existing.pdf", true, 0}, {"missing\\new.pdf", true, kErrorPathNotFound},
+      {"sub", true, 5},          {"readonly.pdf", true, 5},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.target) + (c.replace ? " replaced" : " kept"));

@@ -184,8 +184,9 @@ TEST_F(Doctor, WarnsOfLeftoverDriverFilesMissingTempAndOddSleepers) {
   } cases[] = {
       {"clean", "AdobePDF", [] {}, ""},
       {"driver file", "AdobePDF", [&] { WriteWholeFile(out + "\\A-100.pdf", "%PDF"); },
-       "driver file '" + out + "\\A-100.pdf' was left by a run that failed: the next revision "
-       "of A-100 waits"},
+       "driver file '" + out +
+           "\\A-100.pdf' was left by a run that failed: the next revision "
+           "of A-100 waits"},
       {"no TEMP", "PDFFactory", [] { platform::SetEnvironmentVariableTo("TEMP", std::nullopt); },
        "TEMP is not set: the class locks the system's temporary folder"},
       {"negative sleeper", "NoFile",

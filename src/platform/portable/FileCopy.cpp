@@ -104,9 +104,9 @@ bool MoveFileTo(const std::string& from, const std::string& to, bool replace) {
       return Fail(kErrorAccessDenied);
     }
   }
-  const int moved = replace ? ::rename(source.c_str(), target.c_str())
-                            : ::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(),
-                                          RENAME_NOREPLACE);
+  const int moved =
+      replace ? ::rename(source.c_str(), target.c_str())
+              : ::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE);
   return moved == 0 || Fail(CodeOfErrno(errno));
 }
 

@@ -123,8 +123,8 @@ void WriteAnsiTextLines(const std::string& path, const std::vector<std::string>&
       ::WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
       written == bytes.size();
   complete = ::CloseHandle(file) != FALSE && complete;
-  if (!complete || !::MoveFileExA(ansiBeside.c_str(), win::ToAnsi(path).c_str(),
-                                  MOVEFILE_REPLACE_EXISTING)) {
+  if (!complete ||
+      !::MoveFileExA(ansiBeside.c_str(), win::ToAnsi(path).c_str(), MOVEFILE_REPLACE_EXISTING)) {
     ::DeleteFileA(ansiBeside.c_str());
     RaiseFileSystemError(kErrPermissionDenied);
   }
