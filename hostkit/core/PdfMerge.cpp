@@ -17,14 +17,16 @@ namespace kestrivon::hostkit {
 
 namespace {
 
-// The pages of a PDF written whole: a file that qpdf reads without a
-// warning (a cut-off file is read by recovering, with warnings).
+// The pages of a PDF written whole, as its page tree counts them: a file
+// that qpdf opens without a warning (a cut-off file is opened by recovering,
+// with warnings). Only the trailer, the cross-reference table and the page
+// tree's root are read, not every page.
 int WholePdfPages(const std::string& hostPath) {
   QPDF pdf;
   pdf.setSuppressWarnings(true);
   pdf.processFile(hostPath.c_str());
-  const auto pages = static_cast<int>(QPDFPageDocumentHelper(pdf).getAllPages().size());
-  return pdf.anyWarnings() ? -1 : pages;
+  auto count = pdf.getRoot().getKey("/Pages").getKey("/Count");
+  return pdf.anyWarnings() || !count.isInteger() ? -1 : count.getIntValueAsInt();
 }
 
 }  // namespace
