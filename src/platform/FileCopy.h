@@ -29,8 +29,8 @@ bool CopyFileTo(const std::string& source, const std::string& target, bool overw
 // file or the new one and never a part. Both names lie in one folder (one
 // volume). Without replace an existing target stays and the move fails with
 // kErrorAlreadyExists. A missing source fails with kErrorFileNotFound (2), a
-// missing target folder with kErrorPathNotFound, a folder or a read-only
-// file as target with kErrorAccessDenied (5).
+// missing target folder with kErrorPathNotFound, a folder, a read-only file
+// or a file someone holds open as target with kErrorAccessDenied (5).
 bool MoveFileTo(const std::string& from, const std::string& to, bool replace);
 
 // FormatMessageA's text for a Win32 error code, without the line end. The

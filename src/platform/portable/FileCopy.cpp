@@ -100,7 +100,9 @@ bool MoveFileTo(const std::string& from, const std::string& to, bool replace) {
   struct stat targetStat {};
   if (::stat(target.c_str(), &targetStat) == 0) {
     if (!replace) return Fail(kErrorAlreadyExists);
-    if (S_ISDIR(targetStat.st_mode) || portable::IsReadOnly(target)) {
+    // A target someone holds open is not replaced, as on Windows.
+    if (S_ISDIR(targetStat.st_mode) || portable::IsReadOnly(target) ||
+        portable::IsFileHeld(target)) {
       return Fail(kErrorAccessDenied);
     }
   }
