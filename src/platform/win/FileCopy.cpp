@@ -12,6 +12,13 @@ bool CopyFileTo(const std::string& source, const std::string& target, bool overw
 }
 
 bool MoveFileTo(const std::string& from, const std::string& to, bool replace) {
+  // A read-only file is not replaced, whoever runs (Wine lets root do it).
+  const DWORD attributes = ::GetFileAttributesW(win::ToWide(to).c_str());
+  if (replace && attributes != INVALID_FILE_ATTRIBUTES &&
+      (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+    ::SetLastError(ERROR_ACCESS_DENIED);
+    return false;
+  }
   return ::MoveFileExW(win::ToWide(from).c_str(), win::ToWide(to).c_str(),
                        replace ? MOVEFILE_REPLACE_EXISTING : 0) != FALSE;
 }
