@@ -16,8 +16,6 @@
 namespace kestrivon::hostkit {
 namespace {
 
-std::string LastErrorText() { return platform::SystemErrorText(platform::GetLastError()); }
-
 // Files made beside a target start so; the other side of the seam (a
 // Windows process under Wine) has its own process ids and names.
 #ifdef _WIN32
@@ -63,8 +61,11 @@ void RemoveAbandoned(const std::string& file) {
   if (!found) return;
   for (const auto& entry : *found) {
     unsigned writer = 0;
+    // One of this process's own ids is abandoned too: its writer was an
+    // earlier process of that id (Wine reuses ids soon), since this one
+    // finishes each copy before it starts another.
     if (std::sscanf(entry.name.c_str() + std::strlen(kBesidePrefix), "%8x-", &writer) == 1 &&
-        !ProcessRuns(writer)) {
+        (writer == CurrentProcessId() || !ProcessRuns(writer))) {
       platform::DeleteFileA(folder + entry.name);
     }
   }
@@ -93,8 +94,11 @@ bool CopyOneFile(const std::string& source, const std::string& target, bool over
   for (int attempt = 0; beside.empty(); ++attempt) {
     beside = BesideName(target);
     if (platform::CopyFileTo(source, beside, false)) break;
-    if (platform::GetLastError() != platform::kErrorFileExists || attempt == 9) {
-      why = LastErrorText();
+    const uint32_t code = platform::GetLastError();
+    if (code != platform::kErrorFileExists || attempt == 9) {
+      // Wine's CopyFile leaves what it wrote of a copy that failed.
+      if (code != platform::kErrorFileExists) platform::DeleteFileA(beside);
+      why = platform::SystemErrorText(code);
       return false;
     }
     beside.clear();
