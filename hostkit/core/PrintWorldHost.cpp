@@ -6,6 +6,7 @@
 #include <fstream>
 #include <map>
 #include <mutex>
+#include <random>
 #include <thread>
 
 #include "core/DriverFamilies.h"
@@ -317,6 +318,9 @@ class WorldFileHelper : public InWorld<portable::DocumentFileHelperObject> {
  public:
   explicit WorldFileHelper(std::shared_ptr<State> state) : InWorld(std::move(state)) {
     tempFolder = WindowsFileName(PathToUtf8(std::filesystem::temp_directory_path()));
+    while (tempFolder.size() > 3 && (tempFolder.back() == '\\' || tempFolder.back() == '/')) {
+      tempFolder.pop_back();
+    }
   }
   std::string FileName(const HostObjectRef& document) override {
     RequireKind(document, ObjectKind::kDocument, "DocumentFileHelper.FileName");
@@ -325,8 +329,19 @@ class WorldFileHelper : public InWorld<portable::DocumentFileHelperObject> {
     Log("FILE", {"FileName", NameOf(document), file});
     return file;
   }
+  // A name no other process is given: the file is created exclusively and
+  // left empty, as GetTempFileName does; numbered at random per process.
   std::string TempOutputName(const std::string& extension) override {
-    const std::string name = DocumentFileHelperObject::TempOutputName(extension);
+    static std::mt19937 numbers{std::random_device{}()};
+    const size_t dots = extension.find_first_not_of('.');
+    const std::string suffix = dots == std::string::npos ? "" : "." + extension.substr(dots);
+    std::string name;
+    for (int attempt = 0; attempt < 100 && name.empty(); ++attempt) {
+      char digits[16];
+      std::snprintf(digits, sizeof digits, "%08X", static_cast<unsigned>(numbers()));
+      name = tempFolder + "\\R2P" + digits + suffix;
+      if (!CreateNewFile(name)) name.clear();
+    }
     Log("FILE", {"TempOutputName", extension, name});
     return name;
   }

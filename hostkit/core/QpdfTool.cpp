@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "core/Environment.h"
+#include "core/FileCopy.h"
 #include "core/PdfMerge.h"
 #include "core/PrintWorldHost.h"
 #include "core/Settings.h"
@@ -93,9 +94,9 @@ bool Launch(std::string commandLine, HANDLE output, HANDLE errors, PROCESS_INFOR
 // The first line qpdf wrote on its error output, for the reason.
 std::string FirstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
 
-bool Judge(DWORD code, const std::string& errors, std::string& why) {
+bool Judge(DWORD code, const std::string& errors, std::string& why, bool warningsFail) {
   // 0: done; 3: done with warnings.
-  if (code == 0 || code == 3) return true;
+  if (code == 0 || (code == 3 && !warningsFail)) return true;
   why =
       "qpdf ended with " + std::to_string(code) + (errors.empty() ? "" : ": " + FirstLine(errors));
   return false;
@@ -104,7 +105,7 @@ bool Judge(DWORD code, const std::string& errors, std::string& why) {
 // Under Wine: /bin/sh runs qpdf and then writes the exit code into a marker
 // file, which appears whole (renamed into place).
 bool RunUnderWine(const std::vector<QpdfArgument>& arguments, std::string& why,
-                  std::string* output) {
+                  std::string* output, bool warningsFail) {
   const std::string base = RunFileBase();
   const std::string marker = base + ".done";
   const std::string outFile = base + ".out";
@@ -139,7 +140,7 @@ bool RunUnderWine(const std::vector<QpdfArgument>& arguments, std::string& why,
   for (const auto& file : {marker, outFile, errFile}) {
     ::DeleteFileW(platform::win::ToWide(file).c_str());
   }
-  return Judge(code, errors, why);
+  return Judge(code, errors, why, warningsFail);
 }
 
 HANDLE InheritableFile(const std::string& name) {
@@ -159,7 +160,7 @@ std::string WindowsQpdf(std::string& why) {
 }
 
 bool RunOnWindows(const std::vector<QpdfArgument>& arguments, std::string& why,
-                  std::string* output) {
+                  std::string* output, bool warningsFail) {
   const std::string program = WindowsQpdf(why);
   if (program.empty()) return false;
   std::string commandLine = WindowsQuoted(program);
@@ -191,7 +192,7 @@ bool RunOnWindows(const std::vector<QpdfArgument>& arguments, std::string& why,
   if (output != nullptr) *output = ReadAll(outFile);
   ::DeleteFileW(platform::win::ToWide(outFile).c_str());
   ::DeleteFileW(platform::win::ToWide(errFile).c_str());
-  return started && why.empty() && Judge(code, errors, why);
+  return started && why.empty() && Judge(code, errors, why, warningsFail);
 }
 
 std::string Base64(const std::string& bytes) {
@@ -239,12 +240,13 @@ std::string TextPageJson(const std::string& text) {
 
 }  // namespace
 
-bool RunQpdf(const std::vector<QpdfArgument>& arguments, std::string& why, std::string* output) {
+bool RunQpdf(const std::vector<QpdfArgument>& arguments, std::string& why, std::string* output,
+             bool warningsFail) {
   why.clear();
   bool ran = false;
   if (const auto error = Attempt([&] {
-        ran = WineUnixFileName() != nullptr ? RunUnderWine(arguments, why, output)
-                                            : RunOnWindows(arguments, why, output);
+        ran = WineUnixFileName() != nullptr ? RunUnderWine(arguments, why, output, warningsFail)
+                                            : RunOnWindows(arguments, why, output, warningsFail);
       })) {
     why = error->description;
     return false;
@@ -252,24 +254,46 @@ bool RunQpdf(const std::vector<QpdfArgument>& arguments, std::string& why, std::
   return ran;
 }
 
-int PdfPageCount(const std::string& file) {
+namespace {
+
+// The pages of a PDF; -1 when it is none, or with warnings when strict (a
+// cut-off file is read by recovering, with warnings).
+int PagesOf(const std::string& file, bool strict) {
   std::string why;
   std::string output;
-  if (!RunQpdf({{"--show-npages"}, {file, true}}, why, &output)) return -1;
+  if (!RunQpdf({{"--show-npages"}, {file, true}}, why, &output, strict)) return -1;
   int pages = -1;
   std::istringstream(output) >> pages;
   return pages;
 }
 
+}  // namespace
+
+int PdfPageCount(const std::string& file) { return PagesOf(file, false); }
+
 bool PdfMerge::Merge(const std::string& /*options*/, const std::vector<std::string>& files,
                      const std::string& target) {
   if (files.empty()) return false;
+  int expected = 0;
+  for (const auto& file : files) {
+    const int pages = PdfPageCount(file);
+    if (pages < 0) return false;
+    expected += pages;
+  }
+  // Written beside the target, checked, then put in its place: a failed
+  // merge leaves neither a part of a file nor a damaged target.
+  RemoveAbandoned(target);
+  const std::string beside = BesideName(target);
   std::vector<QpdfArgument> arguments{{"--empty"}, {"--pages"}};
   for (const auto& file : files) arguments.push_back({file, true});
   arguments.push_back({"--"});
-  arguments.push_back({target, true});
+  arguments.push_back({beside, true});
   std::string why;
-  return RunQpdf(arguments, why);
+  if (!RunQpdf(arguments, why) || PagesOf(beside, true) != expected) {
+    ::DeleteFileW(platform::win::ToWide(beside).c_str());
+    return false;
+  }
+  return ReplaceWith(beside, target, true, why);
 }
 
 std::string MakeDriverPdf(const std::string& sourceFile, const std::string& documentName) {

@@ -17,9 +17,10 @@ struct QpdfArgument {
   bool isFile = false;  // a Windows file name, handed on in the system's form
 };
 
-// True when qpdf ran and succeeded (warnings included); otherwise why says
-// what went wrong. Its standard output goes to output when one is given.
+// True when qpdf ran and succeeded (with warnings, unless warningsFail);
+// otherwise why says what went wrong. Its standard output goes to output
+// when one is given.
 bool RunQpdf(const std::vector<QpdfArgument>& arguments, std::string& why,
-             std::string* output = nullptr);
+             std::string* output = nullptr, bool warningsFail = false);
 
 }  // namespace kestrivon::hostkit

@@ -31,6 +31,10 @@ inline constexpr const char* kPrintWorldVariable = "VEMRA_PRINT_WORLD";
 inline constexpr const char* kProgressVariable = "VEMRA_PROGRESS";
 // The qpdf program of the Windows host kit (a Linux path under Wine).
 inline constexpr const char* kQpdfVariable = "VEMRA_QPDF";
+// A file name: the host kit ends its own process abruptly right before it
+// puts a new file in the place of one of that name (a copy's or a merge's
+// last step), as a kill at that moment would; "*" for any name.
+inline constexpr const char* kKillBeforeReplaceVariable = "VEMRA_KILL_BEFORE_REPLACE";
 // Host calls to fail ("Call:use:error,...").
 inline constexpr const char* kFaultsVariable = "VEMRA_FAULTS";
 // The trace log's size cap in bytes; at the cap it is rotated (one older

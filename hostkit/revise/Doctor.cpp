@@ -9,6 +9,7 @@
 #include "pipeline/PrnDevice.h"
 #include "pipeline/RevisionFileLock.h"
 #include "platform/Environment.h"
+#include "platform/FileSearch.h"
 #include "platform/FileSystem.h"
 #include "platform/Registry.h"
 #include "printers/PrinterCatalogue.h"
@@ -197,6 +198,25 @@ void ExamineFolder(ClassReport& report, const std::string& folder, const char* u
   }
 }
 
+// PDFs a failed run left in the driver's output folder. A driver that
+// writes one of these names again overwrites the file, which keeps its old
+// creation time: the search for a file made after the lock never takes it,
+// and that document's next revision waits minutes in vain.
+void ExamineDriverFiles(ClassReport& report) {
+  const std::string folder = WithoutTrailingSeparator(report.outputFolder);
+  const auto found = platform::FindFiles(folder + "\\*");
+  if (!found) return;
+  for (const auto& entry : *found) {
+    const size_t pdf = UpperAscii(entry.name).find(".PDF");
+    if (pdf == std::string::npos) continue;
+    const std::string document = entry.name.substr(0, pdf);
+    report.warnings.push_back("driver file '" + folder + "\\" + entry.name +
+                              "' was left by a run that failed: the next revision of " + document +
+                              " waits for it in vain if the driver writes that name again; "
+                              "delete it");
+  }
+}
+
 // What the doctor reads beside the class's own answers.
 void ExamineDriver(ClassReport& report, const PrinterClass& cls, const HarpSummary& harp) {
   const Family family = FamilyOf(cls.name);
@@ -215,6 +235,7 @@ void ExamineDriver(ClassReport& report, const PrinterClass& cls, const HarpSumma
         report.findings.push_back(std::move(f));
       ExamineFolder(report, GetArcobatPrnOutputDirectory(report.printer),
                     "the driver's Port names no output folder");
+      if (report.outputFolderExists) ExamineDriverFiles(report);
       break;
     case Family::kFactory:
       if (const int16_t version = FindPdfFactoryVersion(); version > 0) {
@@ -223,8 +244,13 @@ void ExamineDriver(ClassReport& report, const PrinterClass& cls, const HarpSumma
       }
       if (report.printer.empty()) break;
       report.findings = PdfFactorySettingFindings(report.printer);
-      ExamineFolder(report, platform::EnvironmentVariable("TEMP").value_or(""),
-                    "TEMP is not set: the class prints with it as the folder its lock guards");
+      if (platform::EnvironmentVariable("TEMP").value_or("").empty()) {
+        report.warnings.push_back(
+            "TEMP is not set: the class locks the system's temporary folder '" +
+            PdfFactoryLockFolder() + "' instead; set TEMP for every user who revises");
+      }
+      ExamineFolder(report, PdfFactoryLockFolder(),
+                    "no temporary folder: the class has no folder for its lock");
       break;
     case Family::kHarp:
       if (!harp.findings.empty()) {
@@ -416,11 +442,24 @@ DoctorReport Examine(ReviseBackend& backend, const RegistrationReader& registrat
   }
   report.sleeperMilliseconds = GetRevisionSleeper();
   report.sleeperOrigin = RevisionSleeperOrigin();
+  // Every wait of a revision sleeps this long: below 0 it never ends, far
+  // above the default the search looks only a few times before it gives up.
+  if (report.sleeperMilliseconds < 0) {
+    report.sleeperWarnings.push_back(
+        "the revision sleeper is negative: a revision would sleep without end; delete "
+        "RevisionSleeper for the default of 2 s");
+  } else if (report.sleeperMilliseconds > kAbsurdSleeperMs) {
+    report.sleeperWarnings.push_back(
+        "the revision sleeper of " + std::to_string(report.sleeperMilliseconds) +
+        " ms is absurd: the output search of two to three minutes looks only a few times and "
+        "every revision waits that long per status reading; delete "
+        "RevisionSleeper for the default of 2 s");
+  }
   return report;
 }
 
 size_t DoctorReport::ThingsToFix() const {
-  size_t count = 0;
+  size_t count = sleeperWarnings.size();
   for (const ClassReport& c : classes) count += c.problems.size() + c.warnings.size();
   return count;
 }

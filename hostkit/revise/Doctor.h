@@ -93,10 +93,15 @@ struct HarpSummary {
   std::vector<SettingFinding> findings;
 };
 
+// A revision sleeper above this is no setting anyone means.
+inline constexpr int32_t kAbsurdSleeperMs = 60000;
+
 struct DoctorReport {
   std::vector<ClassReport> classes;
   int32_t sleeperMilliseconds = 0;
   std::string sleeperOrigin;
+  // A negative or absurd sleeper, each with its fix.
+  std::vector<std::string> sleeperWarnings;
   HarpSummary harp;
 
   // The problems and warnings of all classes: none means nothing is wrong.

@@ -147,6 +147,7 @@ void WriteTable(std::ostream& out, const DoctorReport& report) {
   }
   out << "\nRevision sleeper: " << report.sleeperMilliseconds << " ms from " << report.sleeperOrigin
       << '\n';
+  for (const std::string& warning : report.sleeperWarnings) out << "  - " << warning << '\n';
   const HarpSummary& h = report.harp;
   if (!h.configDirectory) {
     out << "HARP.ini: no configuration directory (Workset.Globals.ConfigDirectory)\n";
@@ -214,7 +215,8 @@ void WriteJson(std::ostream& out, const DoctorReport& report) {
                  {"thingsToFix", std::to_string(report.ThingsToFix())},
                  {"revisionSleeper",
                   Object({{"milliseconds", std::to_string(report.sleeperMilliseconds)},
-                          {"origin", Json(report.sleeperOrigin)}})},
+                          {"origin", Json(report.sleeperOrigin)},
+                          {"warnings", Strings(report.sleeperWarnings)}})},
                  {"harp", Object({{"configDirectory", Json(h.configDirectory)},
                                   {"iniFile", Json(h.iniFile)},
                                   {"found", Json(h.iniFileExists)},

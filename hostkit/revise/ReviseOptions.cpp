@@ -1,15 +1,74 @@
 #include "revise/ReviseOptions.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
+#include <optional>
+#include <string_view>
 
 #include "core/Settings.h"
-#include "revise/CommandLine.h"
 #include "core/Strict.h"
+#include "revise/CommandLine.h"
+#include "runtime/Text.h"
 
 namespace kestrivon::hostkit::revise {
 namespace {
 
 constexpr int32_t kDebugLevel = 3;
+
+// CON, PRN, AUX, NUL, COM1 to COM9 and LPT1 to LPT9, with or without an
+// extension: Windows opens the device, not a file.
+bool IsDeviceName(const std::string& part) {
+  const std::string base = LowerAscii(part.substr(0, part.find('.')));
+  if (base == "con" || base == "prn" || base == "aux" || base == "nul") return true;
+  return base.size() == 4 && (base.rfind("com", 0) == 0 || base.rfind("lpt", 0) == 0) &&
+         base[3] >= '1' && base[3] <= '9';
+}
+
+// Why one part of a name (between separators) is none a host hands over.
+std::optional<std::string> WhyNotAPart(const std::string& part) {
+  if (part == "." || part == "..") return "'" + part + "' would lead out of the folder";
+  for (const char c : part) {
+    if (static_cast<unsigned char>(c) < 32 ||
+        std::string_view("<>:\"|?*").find(c) != std::string_view::npos) {
+      return "'" + part + "' holds a character Windows forbids in names";
+    }
+  }
+  if (IsDeviceName(part)) return "'" + part + "' names a device, not a file";
+  if (!part.empty() && (part.back() == ' ' || part.back() == '.')) {
+    return "'" + part + "' ends in a blank or a dot, which Windows drops";
+  }
+  return std::nullopt;
+}
+
+bool IsSeparator(char c) { return c == '\\' || c == '/'; }
+
+// A folder as a host gives it: a drive (C:), a UNC share or a plain path,
+// each part a name of its own.
+std::optional<std::string> WhyNotAFolder(const std::string& folder) {
+  size_t start = 0;
+  if (folder.size() >= 2 && folder[1] == ':' &&
+      std::isalpha(static_cast<unsigned char>(folder[0]))) {
+    start = 2;
+  }
+  for (size_t end = start; start <= folder.size(); start = end + 1) {
+    end = start;
+    while (end < folder.size() && !IsSeparator(folder[end])) ++end;
+    const std::string part = folder.substr(start, end - start);
+    if (!part.empty()) {
+      if (auto why = WhyNotAPart(part)) return why;
+    }
+  }
+  return std::nullopt;
+}
+
+// A file name: one part, no folder in it.
+std::optional<std::string> WhyNotAName(const std::string& name) {
+  if (std::any_of(name.begin(), name.end(), IsSeparator)) {
+    return "'" + name + "' is a path, not a file name";
+  }
+  return name.empty() ? std::nullopt : WhyNotAPart(name);
+}
 
 }  // namespace
 
@@ -85,6 +144,19 @@ std::optional<UsageError> Complete(ReviseOptions& options, const OptionalTexts& 
   if (app.count("--level") > 0) {
     options.level = ParseLevel(texts.level);
     if (!options.level) return UsageError{"--level needs a number, not '" + texts.level + "'"};
+  }
+  // Names a host never hands over would be written elsewhere than the
+  // revision folder, or not as files at all.
+  if (auto why = WhyNotAFolder(options.revisionFolder)) {
+    return UsageError{"--folder " + options.revisionFolder + ": " + *why};
+  }
+  if (auto why = WhyNotAName(options.fileName)) {
+    return UsageError{"--name " + options.fileName + ": " + *why};
+  }
+  if (options.appendTo) {
+    if (auto why = WhyNotAFolder(*options.appendTo)) {
+      return UsageError{"--append-to " + *options.appendTo + ": " + *why};
+    }
   }
   return std::nullopt;
 }

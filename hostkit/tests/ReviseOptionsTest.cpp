@@ -82,6 +82,37 @@ TEST(ReviseOptions, RefusesIncompleteOrUnknownArguments) {
   EXPECT_TRUE(options.revisionFolder.empty() && options.fileName.empty());
 }
 
+// Names no host hands over: out of the folder, not a file, or forbidden.
+TEST(ReviseOptions, RefusesNamesAndFoldersNoHostHandsOver) {
+  const struct {
+    const char* folder;
+    const char* name;
+    const char* error;  // nullptr: accepted
+  } cases[] = {
+      {"C:\\Revisions", "A-100", nullptr},
+      {"\\\\server\\share\\rev", "A 100.v2", nullptr},
+      {"/srv/rev", "A-100", nullptr},
+      {"", "", nullptr},
+      {"C:\\Revisions", "..\\..\\x", "--name ..\\..\\x: '..\\..\\x' is a path, not a file name"},
+      {"C:\\Revisions", "..", "--name ..: '..' would lead out of the folder"},
+      {"C:\\Rev\\..\\..\\Windows", "A",
+       "--folder C:\\Rev\\..\\..\\Windows: '..' would lead out of the folder"},
+      {"C:\\Revisions", "A?1", "--name A?1: 'A?1' holds a character Windows forbids in names"},
+      {"C:\\Rev:x", "A", "--folder C:\\Rev:x: 'Rev:x' holds a character Windows forbids in names"},
+      {"C:\\Revisions", "con", "--name con: 'con' names a device, not a file"},
+      {"C:\\Revisions", "NUL.pdf", "--name NUL.pdf: 'NUL.pdf' names a device, not a file"},
+      {"C:\\Revisions", "com1", "--name com1: 'com1' names a device, not a file"},
+      {"C:\\LPT9\\x", "A", "--folder C:\\LPT9\\x: 'LPT9' names a device, not a file"},
+      {"C:\\Revisions", "COM10", nullptr},
+      {"C:\\Revisions", "A.", "--name A.: 'A.' ends in a blank or a dot, which Windows drops"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.folder) + " | " + c.name);
+    EXPECT_EQ(ErrorOf({"NoFile", "--folder", c.folder, "--name", c.name}),
+              c.error ? c.error : "(accepted)");
+  }
+}
+
 TEST(ReviseOptions, TheArchiveIsFolderBackslashNameExtension) {
   ReviseOptions options;
   options.revisionFolder = "C:\\Rev";

@@ -63,17 +63,17 @@ void RevisionFileLock::WriteLock(const host::HostObjectRef& document) {
       return;
     }
     const std::string name = LockFileName(document);
-    // The file is created first and each line is written as it is known:
-    // a line that fails leaves the ones before it in the file.
+    // The lines are gathered first and the file written whole in one step,
+    // so that a run reading it meanwhile never finds a part of it. A line
+    // that cannot be had is reported and the ones before it are written,
+    // as a line-wise writing would have left them.
     std::vector<std::string> lines;
-    const auto writeLine = [&](std::string line) {
-      lines.push_back(std::move(line));
-      platform::WriteAnsiTextLines(name, lines);
-    };
+    Procedure(kLockClass, "Public Sub WriteLock").Guard([&] {
+      lines.push_back(pipeline::DateText(platform::Now()));
+      lines.push_back(ComputerName());
+      lines.push_back(UserName(document));
+    });
     platform::WriteAnsiTextLines(name, lines);
-    writeLine(pipeline::DateText(platform::Now()));
-    writeLine(ComputerName());
-    writeLine(UserName(document));
   });
 }
 

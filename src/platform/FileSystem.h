@@ -52,8 +52,9 @@ using OwnedFile = Owned<FileHandle, &CloseFile, kInvalidFile>;
 
 // CreateTextFile(path, True, False), a WriteLine per line, Close: creates or
 // overwrites the file with the lines in the ANSI code page, each ended by
-// CR LF. Raises 76 when the folder is missing and 70 when the file cannot
-// be written.
+// CR LF. The file is written whole in one step (beside it, then moved over
+// it): a reader finds the old file or the new one, never a part. Raises 76
+// when the folder is missing and 70 when the file cannot be written.
 void WriteAnsiTextLines(const std::string& path, const std::vector<std::string>& lines);
 // OpenTextFile(path, ForReading, False) and count ReadLine calls: each line
 // ends at CR LF or LF and comes back in UTF-8. Raises 53 when there is no

@@ -49,4 +49,13 @@ bool CloseHandle(Handle handle);
 // A process or thread handle, closed with CloseHandle.
 using OwnedHandle = Owned<Handle, &CloseHandle, Handle{0}>;
 
+// One holder at a time on this machine for a name (any text, any case):
+// CreateMutexA with a name made of it, then WaitForSingleObject for up to
+// milliseconds. Answers the held lock, 0 when it could not be had in time
+// (kWaitTimeout left as the last error). The system frees a lock whose
+// holder dies; natively it is an abstract socket's name, no file.
+Handle AcquireMachineLock(const std::string& name, uint32_t milliseconds);
+void ReleaseMachineLock(Handle lock);
+using OwnedMachineLock = Owned<Handle, &ReleaseMachineLock, Handle{0}>;
+
 }  // namespace kestrivon::platform

@@ -68,5 +68,28 @@ TEST_F(LockProcessesTest, RunsThatCheckInTheSameInstantAllPrint) {
   EXPECT_TRUE(platform::FindFiles(output / "*")->empty());
 }
 
+// A lock is written whole in one step: a run reading it while another
+// writes it finds three lines every time, never a part.
+TEST_F(LockProcessesTest, AReaderNeverFindsAPartOfALockBeingWritten) {
+  document->documentName = "C-1";
+  RevisionFileLock lock;
+  lock.SetOutputDirectory(output.Path());
+  lock.WriteLock(document);
+  const pid_t writer = ::fork();
+  if (writer == 0) {
+    for (int i = 0; i < 300; ++i) lock.WriteLock(document);
+    ::_exit(0);
+  }
+  size_t reads = 0;
+  int status = 0;
+  while (::waitpid(writer, &status, WNOHANG) == 0) {
+    ++reads;
+    ASSERT_NO_THROW(EXPECT_EQ(ReadRevisionLock(output / "C-1.RLCK").user, "jdoe"));
+  }
+  EXPECT_GT(reads, 10u);
+  EXPECT_TRUE(host.reports.empty());
+  EXPECT_EQ(platform::FindFiles(output / "*")->size(), 1u) << "nothing left beside it";
+}
+
 }  // namespace
 }  // namespace kestrivon::test

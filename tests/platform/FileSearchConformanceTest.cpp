@@ -117,5 +117,40 @@ TEST(FileSearchConformance, CopiesAsCopyFileDoes) {
   EXPECT_EQ(SystemErrorText(kErrorFileExists), "File exists.");
 }
 
+TEST(FileSearchConformance, MovesPutAFileInPlaceOfAnotherOrRefuseWholly) {
+  ScratchFolder folder;
+  MakeFolder(folder / "sub");
+  const struct {
+    const char* target;
+    bool replace;
+    uint32_t error;  // 0: moved
+  } cases[] = {
+      {"new.pdf", false, 0},     {"existing.pdf", false, kErrorAlreadyExists},
+      {"existing.pdf", true, 0}, {"missing\\new.pdf", true, kErrorPathNotFound},
+      {"sub", true, 5},          {"readonly.pdf", true, 5},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.target) + (c.replace ? " replaced" : " kept"));
+    WriteWholeFile(folder / "moving.pdf", "new");
+    WriteWholeFile(folder / "existing.pdf", "old");
+    if (!FileExists(folder / "readonly.pdf")) {
+      WriteWholeFile(folder / "readonly.pdf", "old");
+      SetReadOnly(folder / "readonly.pdf", true);
+    }
+    const std::string before = ReadWholeFile(folder / c.target);
+    EXPECT_EQ(MoveFileTo(folder / "moving.pdf", folder / c.target, c.replace), c.error == 0);
+    if (c.error == 0) {
+      EXPECT_EQ(ReadWholeFile(folder / c.target), "new");
+      EXPECT_FALSE(FileExists(folder / "moving.pdf"));
+    } else {
+      EXPECT_EQ(GetLastError(), c.error);
+      EXPECT_EQ(ReadWholeFile(folder / c.target), before);
+      EXPECT_EQ(ReadWholeFile(folder / "moving.pdf"), "new");
+    }
+  }
+  EXPECT_FALSE(MoveFileTo(folder / "absent.pdf", folder / "other.pdf", true));
+  EXPECT_EQ(GetLastError(), 2u);
+}
+
 }  // namespace
 }  // namespace kestrivon::test

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <thread>
+
 #include "platform/LastError.h"
 #include "platform/Processes.h"
 #include "support/Fixture.h"
@@ -109,6 +113,32 @@ TEST(ProcessesConformance, BadHandlesFail) {
   EXPECT_EQ(WaitForInputIdle(0x7FF0, 10), kWaitFailed);
   EXPECT_FALSE(CloseHandle(0x7FF0));
   EXPECT_EQ(GetLastError(), 6u);
+}
+
+// A machine lock has one holder; another waits for it, or times out.
+TEST(ProcessesConformance, AMachineLockHasOneHolderAtATime) {
+  using Clock = std::chrono::steady_clock;
+  const std::string name = "conformance " + std::to_string(Clock::now().time_since_epoch().count());
+  OwnedMachineLock first(AcquireMachineLock(name, 0));
+  ASSERT_TRUE(first.Valid());
+  std::atomic<int64_t> waitedMs{-1};
+  std::atomic<bool> timedOut{false};
+  std::thread other([&] {
+    timedOut =
+        !OwnedMachineLock(AcquireMachineLock(name, 50)).Valid() && GetLastError() == kWaitTimeout;
+    const auto start = Clock::now();
+    OwnedMachineLock second(AcquireMachineLock(name, 5000));
+    if (second.Valid()) {
+      waitedMs =
+          std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
+    }
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(400));
+  first.Reset();
+  other.join();
+  EXPECT_TRUE(timedOut);
+  EXPECT_GE(waitedMs, 250) << "had only once the first let go";
+  EXPECT_TRUE(OwnedMachineLock(AcquireMachineLock("other " + name, 0)).Valid());
 }
 
 }  // namespace

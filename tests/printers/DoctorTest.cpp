@@ -172,5 +172,48 @@ TEST_F(Doctor, JudgesLocksByTheComponentsRulesAndRemovesOnlyStaleOnes) {
   }
 }
 
+// What a failed run or an odd setting leaves is named, with its fix, and
+// counted; the class still archives.
+TEST_F(Doctor, WarnsOfLeftoverDriverFilesMissingTempAndOddSleepers) {
+  const std::string sleeperKey = "Software\\HALDRIM\\VEMRA";
+  const struct {
+    const char* what;
+    const char* cls;
+    std::function<void()> setUp;
+    std::string warning;  // the start of the one warning; empty: none
+  } cases[] = {
+      {"clean", "AdobePDF", [] {}, ""},
+      {"driver file", "AdobePDF", [&] { WriteWholeFile(out + "\\A-100.pdf", "%PDF"); },
+       "driver file '" + out +
+           "\\A-100.pdf' was left by a run that failed: the next revision "
+           "of A-100 waits"},
+      {"no TEMP", "PDFFactory", [] { platform::SetEnvironmentVariableTo("TEMP", std::nullopt); },
+       "TEMP is not set: the class locks the system's temporary folder"},
+      {"negative sleeper", "NoFile",
+       [&] { Dword(platform::kHKeyCurrentUser, sleeperKey, "RevisionSleeper", 0xFFFFFFFBu); },
+       "the revision sleeper is negative"},
+      {"absurd sleeper", "NoFile",
+       [&] { Dword(platform::kHKeyCurrentUser, sleeperKey, "RevisionSleeper", 60000); },
+       "the revision sleeper of 600000 ms is absurd"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    c.setUp();
+    ResetRevisionSleeperForReload();
+    const ClassReport& r = Examined(c.cls);
+    std::vector<std::string> warnings = r.warnings;
+    warnings.insert(warnings.end(), report.sleeperWarnings.begin(), report.sleeperWarnings.end());
+    EXPECT_EQ(report.ThingsToFix(), warnings.size());
+    ASSERT_EQ(warnings.size(), c.warning.empty() ? 0u : 1u);
+    if (!c.warning.empty()) {
+      EXPECT_EQ(warnings[0].substr(0, c.warning.size()), c.warning);
+    }
+    EXPECT_TRUE(r.problems.empty()) << r.problems[0];
+    if (platform::FileExists(out + "\\A-100.pdf")) RemoveFile(out + "\\A-100.pdf");
+    platform::SetEnvironmentVariableTo("TEMP", out);
+    Dword(platform::kHKeyCurrentUser, sleeperKey, "RevisionSleeper", 2);
+  }
+}
+
 }  // namespace
 }  // namespace kestrivon::test

@@ -370,7 +370,7 @@ TEST_F(PdfPrinters, PdfFactoryPrintsIntoTheNamedFileUnderTheTempLock) {
     return true;
   };
   const std::string p = "VemraKestrivon::PDFFactory::IRevisionPrinter_DoPrint(): ",
-                    file = out + "\\R2P1..PDF";
+                    file = out + "\\R2P1.PDF";
   // DoPrint chooses no printer: the one InitPrnSettings chose, or none.
   PDFFactory factory;
   EXPECT_FALSE(factory.DoPrint(document, owner, folder / "rev", "A1"));

@@ -36,7 +36,10 @@ std::string DocumentFileHelperObject::FileName(const HostObjectRef& document) {
 }
 
 std::string DocumentFileHelperObject::TempOutputName(const std::string& extension) {
-  return tempFolder + "\\R2P" + std::to_string(++tempNames) + "." + extension;
+  // One dot, whether the extension comes with its own or not.
+  const size_t dots = extension.find_first_not_of('.');
+  return tempFolder + "\\R2P" + std::to_string(++tempNames) + "." +
+         (dots == std::string::npos ? std::string() : extension.substr(dots));
 }
 
 std::string DocumentFileHelperObject::FetchFile(const HostObjectRef& document,

@@ -384,16 +384,22 @@ void WriteAnsiTextLines(const std::string& path, const std::vector<std::string>&
   if (portable::IsFolder(host) || portable::IsReadOnly(host) || portable::IsFileHeld(host)) {
     RaiseFileSystemError(kErrPermissionDenied);
   }
-  const int fd = ::open(host.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  // Written beside the file and renamed over it: a reader finds the old
+  // file or the new one, never a part.
+  const size_t slash = host.rfind('/');
+  const std::string beside = host.substr(0, slash + 1) + "~" + TempName();
+  const int fd = ::open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
   if (fd < 0) {
     if (errno == ENOENT) RaiseFileSystemError(kErrPathNotFound);
     RaiseFileSystemError(kErrPermissionDenied);
   }
   const std::string bytes = text_lines::Join(lines);
-  const bool complete =
-      ::write(fd, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
-  ::close(fd);
-  if (!complete) RaiseFileSystemError(kErrPermissionDenied);
+  bool complete = ::write(fd, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
+  complete = ::close(fd) == 0 && complete;
+  if (!complete || ::rename(beside.c_str(), host.c_str()) != 0) {
+    ::unlink(beside.c_str());
+    RaiseFileSystemError(kErrPermissionDenied);
+  }
 }
 
 std::vector<std::string> ReadAnsiTextLines(const std::string& path, size_t count) {

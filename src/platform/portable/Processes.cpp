@@ -3,14 +3,18 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
+#include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <set>
@@ -350,6 +354,38 @@ bool CloseHandle(Handle handle) {
   }
   portable::ReapOrphans();
   return true;
+}
+
+Handle AcquireMachineLock(const std::string& name, uint32_t milliseconds) {
+  uint64_t hash = 1469598103934665603ull;  // FNV-1a of the name, ASCII letters in upper case
+  for (const char c : name) {
+    const auto byte = static_cast<unsigned char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
+    hash = (hash ^ byte) * 1099511628211ull;
+  }
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  const int length =
+      std::snprintf(address.sun_path + 1, sizeof address.sun_path - 1,
+                    "kestrivon-machine-lock-%016llx", static_cast<unsigned long long>(hash));
+  const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + length);
+  const uint64_t start = portable::RealMilliseconds();
+  while (true) {
+    const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (fd < 0) return 0;
+    if (::bind(fd, reinterpret_cast<const sockaddr*>(&address), size) == 0) {
+      return static_cast<Handle>(fd) + 1;
+    }
+    ::close(fd);
+    if (portable::RealMilliseconds() - start >= milliseconds) {
+      portable::SetLastError(kWaitTimeout);
+      return 0;
+    }
+    ::usleep(5000);
+  }
+}
+
+void ReleaseMachineLock(Handle lock) {
+  if (lock != 0) ::close(static_cast<int>(lock - 1));
 }
 
 }  // namespace kestrivon::platform

@@ -11,6 +11,18 @@ bool CopyFileTo(const std::string& source, const std::string& target, bool overw
                      overwrite ? FALSE : TRUE) != FALSE;
 }
 
+bool MoveFileTo(const std::string& from, const std::string& to, bool replace) {
+  // A read-only file is not replaced, whoever runs (Wine lets root do it).
+  const DWORD attributes = ::GetFileAttributesW(win::ToWide(to).c_str());
+  if (replace && attributes != INVALID_FILE_ATTRIBUTES &&
+      (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+    ::SetLastError(ERROR_ACCESS_DENIED);
+    return false;
+  }
+  return ::MoveFileExW(win::ToWide(from).c_str(), win::ToWide(to).c_str(),
+                       replace ? MOVEFILE_REPLACE_EXISTING : 0) != FALSE;
+}
+
 std::string SystemErrorText(uint32_t code) {
   char* text = nullptr;
   const DWORD n = ::FormatMessageA(

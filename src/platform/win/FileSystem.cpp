@@ -106,18 +106,28 @@ void WriteAnsiTextLines(const std::string& path, const std::vector<std::string>&
   if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
     RaiseFileSystemError(kErrPermissionDenied);
   }
-  HANDLE file = ::CreateFileA(win::ToAnsi(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                              CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  // Written beside the file and moved over it: a reader finds the old file
+  // or the new one, never a part.
+  const size_t slash = path.find_last_of("\\/");
+  const std::string beside =
+      (slash == std::string::npos ? std::string() : path.substr(0, slash + 1)) + "~" + TempName();
+  const std::string ansiBeside = win::ToAnsi(beside);
+  HANDLE file = ::CreateFileA(ansiBeside.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                              FILE_ATTRIBUTE_NORMAL, nullptr);
   if (file == INVALID_HANDLE_VALUE) {
     RaiseFileSystemError(::GetLastError() == ERROR_PATH_NOT_FOUND ? kErrPathNotFound
                                                                   : kErrPermissionDenied);
   }
   DWORD written = 0;
-  const bool complete =
+  bool complete =
       ::WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
       written == bytes.size();
-  ::CloseHandle(file);
-  if (!complete) RaiseFileSystemError(kErrPermissionDenied);
+  complete = ::CloseHandle(file) != FALSE && complete;
+  if (!complete ||
+      !::MoveFileExA(ansiBeside.c_str(), win::ToAnsi(path).c_str(), MOVEFILE_REPLACE_EXISTING)) {
+    ::DeleteFileA(ansiBeside.c_str());
+    RaiseFileSystemError(kErrPermissionDenied);
+  }
 }
 
 std::vector<std::string> ReadAnsiTextLines(const std::string& path, size_t count) {

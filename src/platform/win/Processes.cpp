@@ -53,4 +53,29 @@ bool TerminateProcess(Handle process, uint32_t exitCode) {
 
 bool CloseHandle(Handle handle) { return ::CloseHandle(ToHandle(handle)) != FALSE; }
 
+Handle AcquireMachineLock(const std::string& name, uint32_t milliseconds) {
+  uint64_t hash = 1469598103934665603ull;  // FNV-1a of the name, ASCII letters in upper case
+  for (const char c : name) {
+    const auto byte = static_cast<unsigned char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
+    hash = (hash ^ byte) * 1099511628211ull;
+  }
+  char mutexName[64];
+  wsprintfA(mutexName, "Local\\Kestrivon.MachineLock.%08lx%08lx",
+            static_cast<unsigned long>(hash >> 32), static_cast<unsigned long>(hash));
+  HANDLE mutex = ::CreateMutexA(nullptr, FALSE, mutexName);
+  if (mutex == nullptr) return 0;
+  const DWORD waited = ::WaitForSingleObject(mutex, milliseconds);
+  // Abandoned: its holder died; the lock is ours now.
+  if (waited == WAIT_OBJECT_0 || waited == WAIT_ABANDONED) return reinterpret_cast<Handle>(mutex);
+  ::CloseHandle(mutex);
+  ::SetLastError(WAIT_TIMEOUT);
+  return 0;
+}
+
+void ReleaseMachineLock(Handle lock) {
+  if (lock == 0) return;
+  ::ReleaseMutex(ToHandle(lock));
+  ::CloseHandle(ToHandle(lock));
+}
+
 }  // namespace kestrivon::platform

@@ -8,6 +8,7 @@
 #include "pipeline/PrintJobDriver.h"
 #include "platform/Environment.h"
 #include "platform/FileSystem.h"
+#include "platform/TempFiles.h"
 #include "runtime/ErrorHandler.h"
 #include "services/MessageTexts.h"
 #include "services/OutputFileWaiting.h"
@@ -92,6 +93,15 @@ bool PDFFactory::InitPrnSettings() {
 
 PdfFactoryNeeds PdfFactoryRequired(int16_t version) {
   return version == 1 ? PdfFactoryNeeds{4, 1} : PdfFactoryNeeds{2, 0};
+}
+
+std::string PdfFactoryLockFolder() {
+  if (auto temp = platform::EnvironmentVariable("TEMP"); temp && !temp->empty()) return *temp;
+  std::string buffer(platform::kMaxPath + 1, '\0');
+  const uint32_t n = platform::GetTempPathA(platform::kMaxPath + 1, buffer.data());
+  buffer.resize(n <= platform::kMaxPath ? n : 0);
+  if (!buffer.empty() && buffer.back() == '\\') buffer.pop_back();
+  return buffer;
 }
 
 int16_t FindPdfFactoryVersion() {
@@ -264,9 +274,10 @@ bool PDFFactory::DoPrint(const host::HostObjectRef& document, const host::HostOb
               return Then::kReturn;
             }
             // The driver writes where its OutputFile value says; the lock
-            // guards the TEMP folder.
-            const std::string outputFolder =
-                platform::EnvironmentVariable("TEMP").value_or(std::string());
+            // guards the TEMP folder. Without TEMP the lock would land in
+            // the current folder and guard nothing: the system's temporary
+            // folder stands in.
+            const std::string outputFolder = PdfFactoryLockFolder();
             outputFile = DocumentFileHelperObject().TempOutputName(Extension());
             if (platform::FileExists(outputFile)) DeleteTempOutputFile(outputFile);
             SetFactoryFilename(outputFile);

@@ -23,6 +23,10 @@ struct PdfFactoryNeeds {
 };
 PdfFactoryNeeds PdfFactoryRequired(int16_t version);
 
+// The folder the class's lock guards: TEMP, or the system's temporary
+// folder when TEMP is unset or empty (never the current folder).
+std::string PdfFactoryLockFolder();
+
 // The installed version (1 to 4), -1 when none; no trace.
 int16_t FindPdfFactoryVersion();
 // HKEY_CURRENT_USER key of the printer's settings for that version.

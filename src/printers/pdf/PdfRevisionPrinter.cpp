@@ -4,6 +4,7 @@
 #include "host/Documents.h"
 #include "pipeline/PdfMerging.h"
 #include "pipeline/PrintJobDriver.h"
+#include "platform/Processes.h"
 #include "printers/pdf/AcrobatSettings.h"
 #include "runtime/ErrorHandler.h"
 #include "services/OutputFileWaiting.h"
@@ -67,8 +68,25 @@ bool PdfRevisionPrinter::PrinterReady(const host::HostObjectRef& document,
          device_.InitializeDevMode(document, devModeText);
 }
 
+namespace {
+
+// Each run ahead holds the machine's lock for its check, two seconds at
+// most when it finds a new lock; a minute lets a queue of them pass.
+constexpr uint32_t kMachineLockWaitMs = 60000;
+
+}  // namespace
+
 std::unique_ptr<RevisionFileLock> PdfRevisionPrinter::LockOutputFolder(
     const std::string& outputFolder, const host::HostObjectRef& document) {
+  // Runs of this machine check and write their locks one after the other:
+  // two that checked in the same instant would both print into the folder,
+  // and each might take the other's file. Runs of other machines are kept
+  // apart by the lock files alone. A lock not had in time lets the check
+  // go on as it would without it.
+  std::string folder = outputFolder;
+  while (!folder.empty() && (folder.back() == '\\' || folder.back() == '/')) folder.pop_back();
+  const platform::OwnedMachineLock oneAtATime(
+      platform::AcquireMachineLock("revision lock " + folder, kMachineLockWaitMs));
   // An answer that is not True (the check failed) counts as locked.
   if (CheckDeleteLockFile(outputFolder, document) != std::optional<bool>(true)) {
     WriteTrace(Q("revision directory is locked -> aborting"));
