@@ -72,6 +72,44 @@ std::uintmax_t LogSize(const std::filesystem::path& path) {
   return ec ? 0 : size;
 }
 
+// Whether a trace line tells of a failure rather than of progress.
+bool TellsOfFailure(const std::string& line) {
+  static const char* const kWords[] = {"abort",     "fail",          "could not", "not found",
+                                       "not exist", "locked",        "not ready", "not installed",
+                                       "Nothing",   "not specified", "not set",   "exceeded",
+                                       "not supported"};
+  const std::string lower = LowerAscii(line);
+  for (const char* word : kWords) {
+    if (lower.find(LowerAscii(word)) != std::string::npos) return true;
+  }
+  return false;
+}
+
+// Why an operation answered False, from the log since it began: the last of
+// its trace lines that tells of a failure (else its last line) and each
+// error it reported.
+void ShowWhy(std::ostream& out, const std::filesystem::path& path, std::uintmax_t from) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return;
+  in.seekg(static_cast<std::streamoff>(from));
+  std::string reason, last;
+  std::vector<std::string> errors;
+  for (std::string line; std::getline(in, line);) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    const std::vector<std::string> fields = SplitEntry(line);
+    if (fields.size() >= 3 && fields[1] == "TRACE") {
+      last = fields[2];
+      if (TellsOfFailure(last)) reason = last;
+    } else if (fields.size() >= 7 && fields[1] == "ERROR") {
+      errors.push_back(fields[2] + " " + fields[3] + " (" + fields[5] + ", " + fields[6] + ")");
+    }
+  }
+  if (reason.empty()) reason = last;
+  while (!reason.empty() && (reason.back() == '\n' || reason.back() == '\r')) reason.pop_back();
+  if (!reason.empty()) out << "  why: " << reason << '\n';
+  for (const auto& error : errors) out << "  error reported: " << error << '\n';
+}
+
 // The archive DoPrint made, so that a user sees what the revision left:
 // its path, its size and, for a PDF, its pages.
 void ShowArchive(std::ostream& out, const std::string& archive) {
@@ -131,29 +169,36 @@ int RunRevision(const ReviseOptions& options, ReviseBackend& backend,
   }
   PrinterSession& printer = *created.session;
   out << "Created " << created.name << '\n';
+  // A False answer is followed by the component's own reason.
+  const auto askBoolean = [&](std::string_view operation, const std::function<bool()>& call) {
+    const std::uintmax_t from = LogSize(log.Path());
+    const bool answer = AskBoolean(out, operation, call);
+    if (!answer) ShowWhy(out, log.Path(), from);
+    return answer;
+  };
 
   const auto extension = Ask<std::string>(
       out, "Extension", [&] { return printer.Extension(); }, Quoted);
   Ask<int32_t>(
       out, "Version", [&] { return printer.Version(); },
       [](const int32_t& v) { return std::to_string(v); });
-  AskBoolean(out, "InitPrnSettings", [&] { return printer.InitPrnSettings(); });
+  askBoolean("InitPrnSettings", [&] { return printer.InitPrnSettings(); });
   Ask<std::string>(
       out, "CheckPrnSettings", [&] { return printer.CheckPrnSettings(); }, Quoted);
-  AskBoolean(out, "IsPrinterAvailable", [&] { return printer.IsPrinterAvailable(); });
-  AskBoolean(out, "SetPrnDefaults", [&] { return printer.SetPrnDefaults(); });
+  askBoolean("IsPrinterAvailable", [&] { return printer.IsPrinterAvailable(); });
+  askBoolean("SetPrnDefaults", [&] { return printer.SetPrnDefaults(); });
   // With --document the printer gets the host kit's document and its owner,
   // else none, as for a document without a file.
-  const bool printed = AskBoolean(
-      out, "DoPrint", [&] { return printer.DoPrint(options.revisionFolder, options.fileName); });
+  const bool printed =
+      askBoolean("DoPrint", [&] { return printer.DoPrint(options.revisionFolder, options.fileName); });
   const std::string archive = ArchiveName(options, extension.value_or(""));
   if (printed) ShowArchive(out, archive);
   bool appended = true;
   if (options.appendFile) {
     const std::string target = options.appendTo ? *options.appendTo : archive;
     out << "AppendFile " << Quoted(*options.appendFile) << " to " << Quoted(target) << '\n';
-    appended = AskBoolean(out, "AppendFile",
-                          [&] { return printer.AppendFile(*options.appendFile, target); });
+    appended =
+        askBoolean("AppendFile", [&] { return printer.AppendFile(*options.appendFile, target); });
     if (appended) ShowArchive(out, target);
   }
 

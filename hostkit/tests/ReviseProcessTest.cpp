@@ -199,6 +199,23 @@ TEST_F(VemraRevise, RefusesBadArgumentsBeforeCreatingAnything) {
   EXPECT_FALSE(std::filesystem::exists(log));
 }
 
+// A False answer is followed by the component's trace line that says why.
+TEST_F(VemraRevise, AFalseAnswerIsFollowedByTheComponentsReason) {
+  const Outcome run = Revise(Args("AdobePDF", {"--append", (dir / "missing.pdf").string()}));
+  EXPECT_EQ(run.exitCode, 1);
+  for (const std::string said :
+       {"InitPrnSettings -> False\n  error reported: 429 ActiveX component can't create object "
+        "(VemmraKestrivon.PrnDevice, PrinterManager [PropertyGet])\n",
+        "IsPrinterAvailable -> False\n  why: VemmraKestrivon.PrnDevice.IsPrinterAvailable(): not "
+        "ready (= not found)\n",
+        "DoPrint -> False\n  why: VemraKestrivon::AdobePDF.IRevisionPrinter_DoPrint: printing "
+        "revision aborted because parameters are faulty\n",
+        "AppendFile -> False\n  why: VemraKestrivon::Globals.MergePDFFiles(fileMain "
+        "(String)fileToAppend (String)): fileToAppend does not exist -> aborting...\n"}) {
+    EXPECT_TRUE(Contains(run.out, said)) << run.out;
+  }
+}
+
 // Each command explains itself and tells its version; a lock folder that
 // is not there is an error, not a folder without locks.
 TEST_F(VemraRevise, EachCommandExplainsItself) {
