@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 #include "comkit/Bstr.h"
@@ -20,6 +21,7 @@
 #include "hostkit/core/PdfMerge.h"
 #include "hostkit/core/Settings.h"
 #include "hostkit/spooler/SpoolerPrint.h"
+#include "runtime/Text.h"
 
 namespace kestrivon::hostkit::com {
 namespace {
@@ -337,6 +339,36 @@ class PdfMergeObject final : public LateBound {
   PdfMerge merge_;
 };
 
+// The print world this machine's revisions use when none is given: the one
+// run-revision names in the host kit's key.
+std::optional<std::string> RememberedPrintWorld() {
+  wchar_t path[MAX_PATH * 2] = {};
+  DWORD size = sizeof path;
+  if (::RegGetValueW(HKEY_CURRENT_USER, L"Software\\HALDRIM\\VemraHostKit", L"PrintWorld",
+                     RRF_RT_REG_SZ, nullptr, path, &size) != ERROR_SUCCESS ||
+      path[0] == L'\0') {
+    return std::nullopt;
+  }
+  return Utf8(path);
+}
+
+// The printers of the system's spooler that the world does not describe,
+// as printers of the spooler: the host sees the machine's printers, so
+// what a revision finds the doctor finds too.
+void AddSpoolerPrinters(PrintWorld& world) {
+  for (const std::string& name : SpoolerPrinterNames()) {
+    bool described = false;
+    for (const WorldPrinter& printer : world.printers) {
+      described = described || EqualNoCase(printer.name, name);
+    }
+    if (described) continue;
+    WorldPrinter printer;
+    printer.name = name;
+    printer.systemSpooler = true;
+    world.printers.push_back(std::move(printer));
+  }
+}
+
 template <class Object>
 HRESULT Create(std::string_view call, REFIID riid, void** object) {
   if (const auto error = Attempt([] { World(); })) return HResultOf(*error);
@@ -348,8 +380,10 @@ HRESULT Create(std::string_view call, REFIID riid, void** object) {
 
 InstalledPrintWorld& World() {
   static InstalledPrintWorld* world = [] {
-    const auto file = GetEnvironment(kPrintWorldVariable);
+    auto file = GetEnvironment(kPrintWorldVariable);
+    if (!file) file = RememberedPrintWorld();
     PrintWorld described = file ? LoadPrintWorld(PathFromUtf8(*file)) : PrintWorld{};
+    AddSpoolerPrinters(described);
     auto* installed = new InstalledPrintWorld(std::move(described), Kit().log);
     // Its printers of the system's spooler print through Windows' own path.
     installed->SetSystemPrint([](const std::string& printer, const std::string& title,

@@ -117,4 +117,20 @@ std::string AddPipePrinter(const std::string& printerName, const std::string& dr
   return {};
 }
 
+std::vector<std::string> SpoolerPrinterNames() {
+  constexpr DWORD kFlags = PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS;
+  DWORD needed = 0;
+  DWORD count = 0;
+  ::EnumPrintersA(kFlags, nullptr, 4, nullptr, 0, &needed, &count);
+  std::vector<std::string> names;
+  if (needed == 0) return names;
+  std::vector<BYTE> buffer(needed);
+  if (!::EnumPrintersA(kFlags, nullptr, 4, buffer.data(), needed, &needed, &count)) return names;
+  const auto* printers = reinterpret_cast<const PRINTER_INFO_4A*>(buffer.data());
+  for (DWORD i = 0; i < count; ++i) {
+    if (printers[i].pPrinterName != nullptr) names.emplace_back(printers[i].pPrinterName);
+  }
+  return names;
+}
+
 }  // namespace kestrivon::hostkit

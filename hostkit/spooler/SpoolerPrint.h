@@ -23,6 +23,11 @@ struct SpoolerDocument {
 // is aborted, never left half open.
 std::string PrintThroughSpooler(const std::string& printerName, const SpoolerDocument& document);
 
+// The names of the printers the system's spooler knows (local printers and
+// connections), in the ANSI code page as the other calls here take them;
+// none when it cannot tell.
+std::vector<std::string> SpoolerPrinterNames();
+
 // Makes (or makes again) printerName a printer whose jobs run through
 // command (a pipe port, "|" + command) and whose driver is the one of the
 // existing printer driverOf (for a printer made from a CUPS queue: the

@@ -63,6 +63,11 @@ setup(pdffactory4 "Vemra pdfFactory")
 run(0 ${doctor} EXPECT "AdobePDF: usable" "AcrobatDistiller: usable" "PDFFactory: usable"
        "NoFile: usable" "(${BITS}-bit), ThreadingModel Apartment, TypeLib {7AF80810-"
        "VemraHARP: cannot archive, by design" "Nothing is wrong: 7 class(es) examined")
+# With no options the doctor sees what a revision on this machine sees: the
+# printers the setups added to the prefix's spooler.
+run(0 "${EXE}" doctor --class AdobePDF --class acrobatdistiller --class PDFFactory
+       --log "${DIR}/log"
+       EXPECT "AdobePDF: usable" "AcrobatDistiller: usable" "PDFFactory: usable")
 
 # Each pdfFactory version broken in turn (version|key suffix|setting|found|needed).
 run(- reg delete "HKCU\\Software\\FinePrint Software" /f)
