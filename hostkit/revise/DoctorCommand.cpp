@@ -1,6 +1,8 @@
 // The doctor's and the lock list's command lines and output.
 #include <CLI/CLI.hpp>
+#include <chrono>
 #include <cstdio>
+#include <ctime>
 
 #include "platform/FileSystem.h"
 #include "printers/PrinterCatalogue.h"
@@ -66,13 +68,32 @@ std::string FindingJson(const SettingFinding& f) {
                  {"needed", Json(f.needed)}});
 }
 
+// The JSON report's layout; a reader checks it before it reads the rest.
+constexpr int kJsonSchemaVersion = 2;
+
+// A moment as ISO 8601 in UTC, seconds ago from now.
+std::string IsoTime(int64_t secondsAgo) {
+  const auto moment = std::chrono::system_clock::now() - std::chrono::seconds(secondsAgo);
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(moment);
+  std::tm utc{};
+#ifdef _WIN32
+  gmtime_s(&utc, &seconds);
+#else
+  gmtime_r(&seconds, &utc);
+#endif
+  char text[32];
+  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc);
+  return text;
+}
+
 std::string LockJson(const LockReport& l) {
   return Object({{"path", Json(l.path)},
                  {"state", Json(l.state)},
+                 {"createdAt", Json(IsoTime(l.ageSeconds))},
                  {"ageSeconds", std::to_string(l.ageSeconds)},
                  {"user", Json(l.user)},
                  {"computer", Json(l.computer)},
-                 {"writtenAt", Json(l.writtenAt)},
+                 {"writtenAtText", Json(l.writtenAt)},
                  {"reason", Json(l.reason)}});
 }
 
@@ -211,8 +232,20 @@ void WriteJson(std::ostream& out, const DoctorReport& report) {
                    {"usable", Json(c.Usable())}});
   });
   const HarpSummary& h = report.harp;
-  out << Object({{"classes", classes},
-                 {"thingsToFix", std::to_string(report.ThingsToFix())},
+  size_t usable = 0;
+  size_t problems = 0;
+  for (const ClassReport& c : report.classes) {
+    usable += c.Usable() ? 1 : 0;
+    problems += c.problems.size();
+  }
+  out << Object({{"schemaVersion", std::to_string(kJsonSchemaVersion)},
+                 {"tool", Json(VersionText())},
+                 {"generatedAt", Json(IsoTime(0))},
+                 {"summary", Object({{"classesExamined", std::to_string(report.classes.size())},
+                                     {"classesUsable", std::to_string(usable)},
+                                     {"problems", std::to_string(problems)},
+                                     {"thingsToFix", std::to_string(report.ThingsToFix())}})},
+                 {"classes", classes},
                  {"revisionSleeper",
                   Object({{"milliseconds", std::to_string(report.sleeperMilliseconds)},
                           {"origin", Json(report.sleeperOrigin)},
