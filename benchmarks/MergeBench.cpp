@@ -10,6 +10,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <optional>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>
 #include <qpdf/QPDFWriter.hh>
@@ -68,22 +69,31 @@ const Inputs& Files() {
   return inputs;
 }
 
-void Run(benchmark::State& state, const std::vector<std::string>& command) {
-  const Inputs& files = Files();
+// Runs the command once per iteration; the count of runs, and the
+// children's peak memory, or nothing when one failed.
+std::optional<int> RunEach(benchmark::State& state, const std::vector<std::string>& command) {
   long peak = 0;
+  int runs = 0;
   for (auto _ : state) {
     rusage usage{};
     if (!RunChild(command, &usage)) {
       state.SkipWithError("the merge failed");
-      return;
+      return std::nullopt;
     }
+    ++runs;
     peak = std::max(peak, usage.ru_maxrss);
   }
+  state.counters["peak_KiB"] = static_cast<double>(peak);
+  return runs;
+}
+
+void Run(benchmark::State& state, const std::vector<std::string>& command) {
+  const Inputs& files = Files();
+  if (!RunEach(state, command)) return;
   QPDF merged;
   merged.processFile(files.out.c_str());
   const auto pages = QPDFPageDocumentHelper(merged).getAllPages().size();
   if (pages != kArchivePages + 1) state.SkipWithError("the merged file lacks pages");
-  state.counters["peak_KiB"] = static_cast<double>(peak);
 }
 
 void MergeHostKit(benchmark::State& state) {
@@ -112,26 +122,16 @@ const WholeFiles& Whole() {
 }
 
 void RunWhole(benchmark::State& state, const std::vector<std::string>& command) {
-  long peak = 0;
   QPDF before;
   before.processFile(Whole().archive.c_str());
   const auto pages = QPDFPageDocumentHelper(before).getAllPages().size();
-  int runs = 0;
-  for (auto _ : state) {
-    rusage usage{};
-    if (!RunChild(command, &usage)) {
-      state.SkipWithError("the merge failed");
-      return;
-    }
-    ++runs;
-    peak = std::max(peak, usage.ru_maxrss);
-  }
+  const auto runs = RunEach(state, command);
+  if (!runs) return;
   QPDF after;
   after.processFile(Whole().archive.c_str());
-  if (QPDFPageDocumentHelper(after).getAllPages().size() != pages + runs) {
+  if (QPDFPageDocumentHelper(after).getAllPages().size() != pages + *runs) {
     state.SkipWithError("the archive did not grow by a page per merge");
   }
-  state.counters["peak_KiB"] = static_cast<double>(peak);
 }
 
 void MergeWhole(benchmark::State& state) {

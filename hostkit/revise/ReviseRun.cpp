@@ -72,6 +72,21 @@ std::uintmax_t LogSize(const std::filesystem::path& path) {
   return ec ? 0 : size;
 }
 
+// The log's entries written since from, each split into its fields.
+std::vector<std::vector<std::string>> EntriesSince(const std::filesystem::path& path,
+                                                  std::uintmax_t from) {
+  std::vector<std::vector<std::string>> entries;
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return entries;
+  in.seekg(static_cast<std::streamoff>(from));
+  for (std::string line; std::getline(in, line);) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    std::vector<std::string> fields = SplitEntry(line);
+    if (fields.size() >= 2) entries.push_back(std::move(fields));
+  }
+  return entries;
+}
+
 // Whether a trace line tells of a failure rather than of progress.
 bool TellsOfFailure(const std::string& line) {
   static const char* const kWords[] = {"abort",     "fail",          "could not", "not found",
@@ -89,14 +104,9 @@ bool TellsOfFailure(const std::string& line) {
 // its trace lines that tells of a failure (else its last line) and each
 // error it reported.
 void ShowWhy(std::ostream& out, const std::filesystem::path& path, std::uintmax_t from) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return;
-  in.seekg(static_cast<std::streamoff>(from));
   std::string reason, last;
   std::vector<std::string> errors;
-  for (std::string line; std::getline(in, line);) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    const std::vector<std::string> fields = SplitEntry(line);
+  for (const std::vector<std::string>& fields : EntriesSince(path, from)) {
     if (fields.size() >= 3 && fields[1] == "TRACE") {
       last = fields[2];
       if (TellsOfFailure(last)) reason = last;
@@ -235,15 +245,8 @@ int RunRevision(const ReviseOptions& options, ReviseBackend& backend,
 }  // namespace
 
 void ListMessages(std::ostream& out, const std::filesystem::path& path, std::uintmax_t from) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return;
-  in.seekg(static_cast<std::streamoff>(from));
-  std::string line;
   std::set<std::string> struck;  // call:use
-  while (std::getline(in, line)) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    const std::vector<std::string> fields = SplitEntry(line);
-    if (fields.size() < 2) continue;
+  for (const std::vector<std::string>& fields : EntriesSince(path, from)) {
     const auto field = [&fields](size_t i) {
       return i < fields.size() ? fields[i] : std::string();
     };
