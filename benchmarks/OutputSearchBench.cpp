@@ -1,6 +1,10 @@
-// One pass of the pipeline's output-file search over a folder that holds no
-// match, beside `find DIR -newer LOCK` over the same folder and beside a
-// bare enumeration that reads each entry's name and creation time.
+// The pipeline's output-file search over a folder of N files older than the
+// run's lock, all of them candidates by name, and one new file that sorts
+// last: the worst single pass. OutputSearchWhole runs the whole search
+// (GetAdobeRevisionFile: lock lookup, pass, trace entries) as a process of
+// its own (output_search_run), beside `find DIR -newer LOCK` as a process,
+// both with their peak memory. OutputSearch times the pass alone in process,
+// beside a bare enumeration that reads each entry's name and creation time.
 
 #include <benchmark/benchmark.h>
 #include <dirent.h>
@@ -8,7 +12,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cctype>
 #include <chrono>
 #include <cstdio>
 #include <map>
@@ -25,8 +28,11 @@ namespace kestrivon::bench {
 namespace {
 
 // files output-like names ("doc-000001.pdf"), all made before the run's lock
-// file: every name is a candidate, none is new enough, so the search reads
-// the whole folder.
+// file: every name is a candidate, none is new enough; the driver's file
+// "zz-output.pdf", made after the lock, comes last in the folder's order, so
+// the search reads the whole folder before it finds it.
+constexpr const char* kOutput = "zz-output.pdf";
+
 struct SearchFolder {
   std::filesystem::path scratch = ScratchFolder();
   std::string lock;
@@ -44,8 +50,10 @@ struct SearchFolder {
     // Creation times count in whole seconds: the lock comes in a later one.
     std::this_thread::sleep_for(std::chrono::milliseconds(1100));
     lock = (scratch / "A-100.RLCK").string();
-    const int file = ::open(lock.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
-    if (file >= 0) ::close(file);
+    for (const std::string& path : {lock, (scratch / kOutput).string()}) {
+      const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+      if (file >= 0) ::close(file);
+    }
     folder = WindowsPath(scratch) + "\\";
     const auto locks = platform::FindFiles(folder + "*.RLCK");
     if (locks && !locks->empty()) reference = locks->front().created;
@@ -63,41 +71,41 @@ void OutputSearch(benchmark::State& state) {
   const SearchFolder& folder = Folder(state.range(0));
   for (auto _ : state) {
     const std::string found = FindOutputFile(folder.folder, folder.reference);
-    if (!found.empty()) {
-      state.SkipWithError(("a match in the worst case: " + found).c_str());
+    if (found != folder.folder + kOutput) {
+      state.SkipWithError(("not the driver's file: " + found).c_str());
       break;
     }
   }
 }
 
-// The search as it was: the names, then one creation-time call per
-// candidate.
-void OutputSearchPerFileCheck(benchmark::State& state) {
-  const SearchFolder& folder = Folder(state.range(0));
+// Each iteration one child process; its peak memory (ru_maxrss) beside.
+void TimeChildren(benchmark::State& state, const std::vector<std::string>& command) {
+  long peak = 0;
   for (auto _ : state) {
-    std::string found;
-    for (const std::string& name : platform::FolderFileNames(folder.folder)) {
-      std::string upper = name;
-      for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-      if (upper.find(".PDF") != std::string::npos &&
-          FileCreationDateCheck(folder.reference, folder.folder + name)) {
-        found = name;
-        break;
-      }
+    rusage usage{};
+    if (!RunChild(command, &usage)) {
+      state.SkipWithError(("failed: " + command.front()).c_str());
+      return;
     }
-    benchmark::DoNotOptimize(found);
+    peak = std::max(peak, usage.ru_maxrss);
   }
+  state.counters["peak_KiB"] = static_cast<double>(peak);
+}
+
+// The search program is built beside this one.
+std::string SearchProgram() {
+  return (std::filesystem::path(SelfPath()).parent_path() / "output_search_run").string();
+}
+
+void OutputSearchWhole(benchmark::State& state) {
+  const SearchFolder& folder = Folder(state.range(0));
+  const std::string log = (ScratchFolder() / "vemra-trace.log").string();
+  TimeChildren(state, {SearchProgram(), folder.folder, kOutput, log});
 }
 
 void FindNewer(benchmark::State& state) {
   const SearchFolder& folder = Folder(state.range(0));
-  const std::string path = folder.scratch.string();
-  for (auto _ : state) {
-    if (!RunChild({"find", path, "-newer", folder.lock})) {
-      state.SkipWithError("find failed");
-      break;
-    }
-  }
+  TimeChildren(state, {"find", folder.scratch.string(), "-newer", folder.lock});
 }
 
 // The least a search must do per file, as FindFirstFileA's entries bring
@@ -123,13 +131,13 @@ void BareEnumeration(benchmark::State& state) {
 }
 
 void Sizes(benchmark::internal::Benchmark* bench) {
-  bench->Arg(1000)->Arg(10000)->Arg(100000)->UseRealTime()->Unit(benchmark::kMillisecond);
+  bench->Arg(10000)->Arg(100000)->Arg(1000000)->UseRealTime()->Unit(benchmark::kMillisecond);
 }
 
-BENCHMARK(OutputSearch)->Apply(Sizes);
+BENCHMARK(OutputSearchWhole)->Apply(Sizes);
 BENCHMARK(FindNewer)->Apply(Sizes);
+BENCHMARK(OutputSearch)->Apply(Sizes);
 BENCHMARK(BareEnumeration)->Apply(Sizes);
-BENCHMARK(OutputSearchPerFileCheck)->Apply(Sizes);
 
 }  // namespace
 }  // namespace kestrivon::bench

@@ -181,10 +181,11 @@ std::string GetAdobeRevisionFile(const std::string& folder,
 std::string FindOutputFile(const std::string& folder, double reference) {
   // Only a candidate by its name costs a query of its creation time, made
   // when it is judged: a file gone since the listing is reported there and
-  // the search goes on.
+  // the search goes on. The listing itself needs names and kinds only.
   platform::OwnedFind search;
   platform::FoundEntry entry;
-  if (!platform::FindFirstEntry(folder + "*", search.Put(), &entry)) {
+  if (!platform::FindFirstEntry(folder + "*", search.Put(), &entry,
+                                platform::EntryDetail::kNameAndKind)) {
     if (platform::GetLastError() == platform::kErrorPathNotFound) {
       platform::RaiseFileSystemError(platform::kErrPathNotFound);
     }

@@ -38,7 +38,17 @@ struct FoundEntry {
 // kErrorFileNotFound (2), one in a missing folder with kErrorPathNotFound.
 using FindHandle = std::uintptr_t;
 inline constexpr FindHandle kInvalidFind = ~FindHandle{0};
-bool FindFirstEntry(const std::string& pattern, FindHandle* search, FoundEntry* entry);
+
+// What the search describes of each entry. Windows reads the whole
+// description from the folder itself; the portable side needs a query of
+// its own per entry, which a caller that judges entries only by their name
+// and kind spares. kNameAndKind: name, and of the attributes only
+// kFileAttributeDirectory and kFileAttributeHidden are certain; created is
+// 0 on the portable side.
+enum class EntryDetail { kFull, kNameAndKind };
+
+bool FindFirstEntry(const std::string& pattern, FindHandle* search, FoundEntry* entry,
+                    EntryDetail detail = EntryDetail::kFull);
 // Fails with kErrorNoMoreFiles after the last entry.
 bool FindNextEntry(FindHandle search, FoundEntry* entry);
 bool FindCloseHandle(FindHandle search);

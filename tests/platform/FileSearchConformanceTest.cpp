@@ -76,6 +76,35 @@ TEST(FileSearchConformance, SearchesGiveAttributesAndCreationTimes) {
   EXPECT_EQ(GetLastError(), kErrorPathNotFound);
 }
 
+// The order of a folder's entries decides which output file a search
+// takes: "." and ".." first, then by name without regard to case, also past
+// a long common prefix; a search that wants names and kinds only gives the
+// same entries in the same order.
+TEST(FileSearchConformance, EntriesComeInNameOrderWithoutRegardToCase) {
+  ScratchFolder folder;
+  for (const char* name : {"b.pdf", "A.pdf", "a-common-prefix-2.pdf", "A-COMMON-prefix-10.pdf",
+                           "a-common-prefix-1.pdf", "Z9.txt", "c", "c.d"}) {
+    WriteWholeFile(folder / name, "x");
+  }
+  MakeFolder(folder / "B-dir");
+  const std::vector<std::string> expected = {
+      ".", "..", "a-common-prefix-1.pdf", "A-COMMON-prefix-10.pdf", "a-common-prefix-2.pdf",
+      "A.pdf", "B-dir", "b.pdf", "c", "c.d", "Z9.txt"};
+  for (const EntryDetail detail : {EntryDetail::kFull, EntryDetail::kNameAndKind}) {
+    SCOPED_TRACE(detail == EntryDetail::kFull ? "full" : "names and kinds");
+    std::vector<std::string> names;
+    OwnedFind search;
+    FoundEntry entry;
+    ASSERT_TRUE(FindFirstEntry(folder / "*", search.Put(), &entry, detail));
+    do {
+      names.push_back(entry.name);
+      const bool isFolder = entry.name == "B-dir" || entry.name.front() == '.';
+      EXPECT_EQ((entry.attributes & kFileAttributeDirectory) != 0, isFolder) << entry.name;
+    } while (FindNextEntry(search.Get(), &entry));
+    EXPECT_EQ(names, expected);
+  }
+}
+
 TEST(FileSearchConformance, CopiesAsCopyFileDoes) {
   ScratchFolder folder;
   WriteWholeFile(folder / "source.pdf", "%PDF-1");

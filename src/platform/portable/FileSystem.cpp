@@ -119,9 +119,26 @@ std::string ResolveCase(const std::string& hostPath) {
   return current;
 }
 
+// "/a/b" or "/a/b/": no empty, "." or ".." component, nothing to resolve.
+bool IsCollapsed(const std::string& rest) {
+  if (rest.empty() || rest.front() != '/') return false;
+  for (size_t start = 1; start < rest.size();) {
+    const size_t end = std::min(rest.find('/', start), rest.size());
+    const size_t length = end - start;
+    if (length == 0 ||
+        (rest[start] == '.' && (length == 1 || (length == 2 && rest[start + 1] == '.')))) {
+      return false;
+    }
+    start = end + 1;
+  }
+  return true;
+}
+
 // Resolves "." and ".." as Windows does, never above the root (the drive's,
 // or the share's for a UNC path), and takes runs of separators for one.
 std::string Collapse(const std::string& rest) {
+  // Most paths are already in this form: spared a copy per component.
+  if (IsCollapsed(rest)) return rest;
   std::vector<std::string> kept;
   for (std::string& part : SplitComponents(rest)) {
     if (part == "..") {

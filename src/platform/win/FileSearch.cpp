@@ -16,7 +16,9 @@ void Fill(const WIN32_FIND_DATAA& found, FoundEntry* entry) {
 
 }  // namespace
 
-bool FindFirstEntry(const std::string& pattern, FindHandle* search, FoundEntry* entry) {
+// Windows describes every entry from the folder: the detail costs nothing.
+bool FindFirstEntry(const std::string& pattern, FindHandle* search, FoundEntry* entry,
+                    EntryDetail /*detail*/) {
   WIN32_FIND_DATAA found;
   HANDLE opened = ::FindFirstFileA(win::ToAnsi(pattern).c_str(), &found);
   if (search != nullptr) *search = reinterpret_cast<FindHandle>(opened);
