@@ -15,6 +15,8 @@
 #include "platform/portable/Shell.h"
 #include "platform/portable/Spooler.h"
 #include "platform/portable/SystemNames.h"
+#include "platform/TempFiles.h"
+#include "platform/portable/TempFiles.h"
 #include "printers/PrinterCatalogue.h"
 #include "printers/pdf/AcrobatDistiller.h"
 #include "printers/pdf/AcrobatSettings.h"
@@ -58,10 +60,17 @@ class PdfPrinters : public PipelineTest {
          .documentFileHelper = [this] { return fileHelper; }});
     document->workset = workset;
     pp::SetShellFolder(platform::kCsidlPersonal, folder / "Eigene Dateien");
-    for (const char* made : {"out", "rev", "Eigene Dateien", "bob"}) MakeFolder(folder / made);
+    for (const char* made : {"out", "rev", "Eigene Dateien", "bob", "temp"}) {
+      MakeFolder(folder / made);
+    }
+    // A merge that fails on purpose leaves its temporary file, as the
+    // component does: in this case's folder, not the machine's.
+    platform::GetTempPathA(platform::kMaxPath, savedTemp);
+    pp::SetTempPath(folder / "temp");
     document->typeObject = std::make_shared<host::portable::DocumentObject>("Drawing");
   }
   ~PdfPrinters() override {
+    pp::SetTempPath(savedTemp);
     pp::ClearPrinters();
     pp::ClearRegistry();
     ResetUIPolicyForReload();
@@ -81,6 +90,7 @@ class PdfPrinters : public PipelineTest {
     manager->printers.push_back(std::make_shared<host::portable::PrinterObject>(name));
     pp::DefinePrinter(name, {});
   }
+  char savedTemp[platform::kMaxPath] = {};
   // A driver set up for unattended printing into its port's folder.
   void SetUpAdobe(const std::string& name, const std::string& port) {
     Install(name);
