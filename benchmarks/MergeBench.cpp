@@ -22,6 +22,7 @@
 #include "core/TraceLog.h"
 #include "host/portable/HostActivation.h"
 #include "pipeline/PdfMerging.h"
+#include "platform/portable/TempFiles.h"
 
 namespace kestrivon::bench {
 namespace {
@@ -157,6 +158,9 @@ BENCHMARK(MergeWholeQpdfCp)->UseRealTime()->Unit(benchmark::kMillisecond);
 int MergeWholeChild(const std::string& archive, const std::string& page,
                     const std::string& toAppend) {
   std::filesystem::copy_file(page, toAppend, std::filesystem::copy_options::overwrite_existing);
+  // The merge's temporary file in the folder where the reference writes
+  // its own, not in a shared temporary folder of any size.
+  platform::portable::SetTempPath(WindowsPath(std::filesystem::path(archive).parent_path()));
   const auto log = std::make_shared<hostkit::TraceLog>(
       std::filesystem::path(archive).parent_path() / "vemra-trace.log");
   const auto trace = std::make_shared<hostkit::SimTraceService>(log, std::nullopt, std::nullopt);
