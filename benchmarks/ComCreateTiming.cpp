@@ -3,11 +3,16 @@
 // system's own, in microseconds per object (median of the passes). Both by
 // CoCreateInstance, as a host creates its printers, and through a class
 // factory obtained once, which leaves out COM's lookup of the class.
+// With --host-calls: what the host calls that some creations must make
+// cost, measured alone (see HostCalls below).
 #include <windows.h>
 // after windows.h, which it needs
 #include <objbase.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -72,17 +77,95 @@ bool Prepare(Class& c) {
   return true;
 }
 
+// The entries of the host's trace log, counted by their line ends.
+long LogEntries(const std::string& log) {
+  std::ifstream in(log, std::ios::binary);
+  return static_cast<long>(std::count(std::istreambuf_iterator<char>(in),
+                                      std::istreambuf_iterator<char>(), '\n'));
+}
+
+// Creating the host's trace facility by its ProgID and taking its "Printer"
+// source by name, as a HARP printer's creation does twice; then releasing
+// both. False when the host cannot.
+bool CreateTraceFacility() {
+  CLSID clsid{};
+  IDispatch* facility = nullptr;
+  if (FAILED(::CLSIDFromProgID(L"Vemra.TraceFacility", &clsid)) ||
+      FAILED(::CoCreateInstance(clsid, nullptr, CLSCTX_SERVER, IID_IDispatch,
+                                reinterpret_cast<void**>(&facility)))) {
+    return false;
+  }
+  OLECHAR name[] = L"TraceSource";
+  LPOLESTR names[] = {name};
+  DISPID id = 0;
+  VARIANT argument;
+  ::VariantInit(&argument);
+  argument.vt = VT_BSTR;
+  argument.bstrVal = ::SysAllocString(L"Printer");
+  DISPPARAMS parameters{&argument, nullptr, 1, 0};
+  VARIANT source;
+  ::VariantInit(&source);
+  const bool made =
+      SUCCEEDED(facility->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id)) &&
+      SUCCEEDED(facility->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT,
+                                 DISPATCH_METHOD | DISPATCH_PROPERTYGET, &parameters, &source,
+                                 nullptr, nullptr)) &&
+      source.vt == VT_DISPATCH && source.pdispVal != nullptr;
+  ::VariantClear(&source);
+  ::VariantClear(&argument);
+  facility->Release();
+  return made;
+}
+
+// com_create_timing --host-calls <trace log> <ProgID>...: for each class the
+// entries that one creation and release write to the host's trace log
+// ("LogEntries/<ProgID> n"), then the host's trace facility with its source
+// made and released, in microseconds ("HostCall/CreateTraceFacility").
+int HostCalls(const std::string& log, const std::vector<std::string>& progIds) {
+  for (const std::string& progId : progIds) {
+    Class c(progId.c_str());
+    if (!Prepare(c)) return 1;
+    c.FactoryCreate();  // the first creation in the process makes the host's services
+    const long before = LogEntries(log);
+    IUnknown* object = nullptr;
+    c.Note(c.factory->CreateInstance(nullptr, IID_IUnknown, reinterpret_cast<void**>(&object)),
+           object);
+    const long entries = LogEntries(log) - before;
+    c.factory->Release();
+    if (FAILED(c.failure) || entries < 0) return 1;  // a rotated log counts nothing
+    std::printf("LogEntries/%s %ld\n", progId.c_str(), entries);
+  }
+  if (!CreateTraceFacility()) {
+    std::fprintf(stderr, "the host's trace facility cannot be made\n");
+    return 1;
+  }
+  const auto [facility, unused] = MedianMicroseconds(
+      [] {
+        for (int i = 0; i < kObjects; ++i) CreateTraceFacility();
+      },
+      [] {}, kPasses);
+  std::printf("HostCall/CreateTraceFacility %.3f us\n", facility / kObjects);
+  return 0;
+}
+
 }  // namespace
 
 // com_create_timing <reference ProgID> <ProgID>...: each class in turn with
 // the reference.
 int main(int argc, char** argv) {
   if (argc < 3) {
-    std::fprintf(stderr, "usage: com_create_timing <reference ProgID> <ProgID>...\n");
+    std::fprintf(stderr,
+                 "usage: com_create_timing <reference ProgID> <ProgID>...\n"
+                 "       com_create_timing --host-calls <trace log> <ProgID>...\n");
     return 2;
   }
   // A host creates its printers on its user-interface thread.
   ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  if (std::string(argv[1]) == "--host-calls") {
+    const int status = HostCalls(argv[2], std::vector<std::string>(argv + 3, argv + argc));
+    ::CoUninitialize();
+    return status;
+  }
   std::vector<Class> classes(argv + 1, argv + argc);
   Class& reference = classes.front();
   int status = 0;
