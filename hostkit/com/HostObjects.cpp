@@ -6,6 +6,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "comkit/Bstr.h"
 #include "comkit/Object.h"
@@ -113,16 +114,14 @@ void ReplaceArguments(const host::ErrorInfo& error, IDispatch** object, BSTR* cl
                       BSTR* procedureLabel) {
   if (object != nullptr && *object != nullptr) {
     comkit::ComPtr<IDispatch> copy = Make<ErrorCopy>(error);
-    (*object)->Release();
-    *object = copy.Detach();
+    const comkit::ComPtr<IDispatch> lent(std::exchange(*object, copy.Detach()));
   }
   for (BSTR* label : {classLabel, procedureLabel}) {
     if (label == nullptr) continue;
     BSTR copy = NewBstr(std::wstring_view(*label == nullptr ? L"" : *label,
                                           *label == nullptr ? 0 : ::SysStringLen(*label)));
     TakenBack(*label);
-    ::SysFreeString(*label);
-    *label = HandedOut(copy);
+    const comkit::Bstr lent = comkit::Bstr::Attach(std::exchange(*label, HandedOut(copy)));
   }
 }
 

@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "comkit/Bstr.h"
@@ -151,8 +152,7 @@ class DocFctDistObject final : public Standing<IDocFctDist, host::DocFctDist> {
       // document, releasing the one it was handed.
       if (!StrictMode() || *document == nullptr) return;
       ComPtr<IDispatch> replacement = WrapDocument(held);
-      (*document)->Release();
-      *document = replacement.Detach();
+      const ComPtr<IDispatch> lent(std::exchange(*document, replacement.Detach()));
     });
   }
   HRESULT STDMETHODCALLTYPE ReleaseDocument() override {
@@ -286,33 +286,7 @@ std::vector<std::string> TextList(const VARIANT& value) {
   if ((V_VT(&value) & VT_ARRAY) != 0) {
     array = (V_VT(&value) & VT_BYREF) != 0 ? *V_ARRAYREF(&value) : V_ARRAY(&value);
   }
-  if (array == nullptr || ::SafeArrayGetDim(array) != 1) {
-    throw RunTimeError(vb_error::kTypeMismatch, "the files are no list of names");
-  }
-  LONG low = 0;
-  LONG high = -1;
-  ::SafeArrayGetLBound(array, 1, &low);
-  ::SafeArrayGetUBound(array, 1, &high);
-  std::vector<std::string> texts;
-  for (LONG i = low; i <= high; ++i) {
-    Variant element;
-    VARTYPE type = VT_EMPTY;
-    ::SafeArrayGetVartype(array, &type);
-    if (type == VT_BSTR) {
-      BSTR text = nullptr;
-      ::SafeArrayGetElement(array, &i, &text);
-      texts.push_back(Utf8(text));
-      ::SysFreeString(text);
-      continue;
-    }
-    Variant converted;
-    if (FAILED(::SafeArrayGetElement(array, &i, element.Put())) ||
-        FAILED(::VariantChangeType(converted.Put(), &element.Get(), 0, VT_BSTR))) {
-      throw RunTimeError(vb_error::kTypeMismatch, "a file name is no text");
-    }
-    texts.push_back(Utf8(V_BSTR(&converted.Get())));
-  }
-  return texts;
+  return comkit::TextsOf(array);
 }
 
 // Merge(options, files, target): the pages of the files, in list order,

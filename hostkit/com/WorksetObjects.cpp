@@ -296,16 +296,7 @@ class TiffMergeObject final : public LateBound {
     std::string target;
     if (const HRESULT hr = Text(params, 1, target); FAILED(hr)) return hr;
     return comkit::Answered([&] {
-      SAFEARRAY* files = V_ARRAY(array);
-      LONG low = 0;
-      LONG high = -1;
-      ::SafeArrayGetLBound(files, 1, &low);
-      ::SafeArrayGetUBound(files, 1, &high);
-      std::vector<std::string> names;
-      for (LONG i = low; i <= high; ++i) {
-        comkit::Bstr name;
-        if (SUCCEEDED(::SafeArrayGetElement(files, &i, name.Put()))) names.push_back(name.Utf8());
-      }
+      const std::vector<std::string> names = comkit::TextsOf(V_ARRAY(array));
       const bool merged = !names.empty() && RunTiffcp(names, target);
       Kit().log->Append("TIFFMERGE", {target, merged ? "merged" : "failed"});
       return Return(merged, result);

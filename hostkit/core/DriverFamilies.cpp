@@ -18,6 +18,7 @@
 #include "runtime/RunTimeError.h"
 #include "runtime/Text.h"
 #ifdef _WIN32
+#include "platform/win/Owners.h"
 #include "platform/win/Text.h"
 #else
 #include "platform/portable/Registry.h"
@@ -147,15 +148,15 @@ class SystemStore final : public DriverSettingsStore {
   static void Set(bool machine, const std::string& key, const std::optional<std::string>& name,
                   DWORD type, const void* data, DWORD size) {
     for (const REGSAM view : {KEY_WOW64_64KEY, KEY_WOW64_32KEY}) {
-      HKEY opened = nullptr;
+      platform::win::OwnedRegKey opened;
       LONG result = ::RegCreateKeyExW(machine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER,
                                       platform::win::ToWide(key).c_str(), 0, nullptr, 0,
-                                      KEY_SET_VALUE | view, nullptr, &opened, nullptr);
+                                      KEY_SET_VALUE | view, nullptr, opened.Put(), nullptr);
       if (result == ERROR_SUCCESS && name) {
-        result = ::RegSetValueExW(opened, platform::win::ToWide(*name).c_str(), 0, type,
+        result = ::RegSetValueExW(opened.Get(), platform::win::ToWide(*name).c_str(), 0, type,
                                   static_cast<const BYTE*>(data), size);
       }
-      if (opened != nullptr) ::RegCloseKey(opened);
+      opened.Reset();
       if (result != ERROR_SUCCESS) {
         throw RunTimeError(static_cast<int32_t>(0x80070000u | static_cast<uint32_t>(result)),
                            "cannot write " + key + (name ? "\\" + *name : std::string()));
@@ -218,10 +219,9 @@ DriverSettingsStore& SystemDriverSettings() {
 bool AddSpoolerPrinter(const std::string& printer) {
   // The spooler's own list, which OpenPrinter looks in.
   const std::string key = "SYSTEM\\CurrentControlSet\\Control\\Print\\Printers\\" + printer;
-  HKEY opened = nullptr;
+  platform::win::OwnedRegKey opened;
   if (::RegOpenKeyExW(HKEY_LOCAL_MACHINE, platform::win::ToWide(key).c_str(), 0, KEY_READ,
-                      &opened) == ERROR_SUCCESS) {
-    ::RegCloseKey(opened);
+                      opened.Put()) == ERROR_SUCCESS) {
     return false;
   }
   DriverSettingsStore& store = SystemDriverSettings();

@@ -11,6 +11,7 @@
 #include "core/PdfMerge.h"
 #include "core/PrintWorldHost.h"
 #include "core/Strict.h"
+#include "frame/ModuleState.h"
 #include "pipeline/PdfMerging.h"
 #include "pipeline/PrintJobDriver.h"
 #include "platform/portable/FileSystem.h"
@@ -119,7 +120,7 @@ TEST(PrintWorld, DriversPrintRealPdfsForThePipeline) {
     }
     // A vaulted PDF is fetched and copied instead of printed.
     std::filesystem::copy_file(dir / "two.pdf", dir / "vault" / "v.pdf");
-    ResetDocumentFileHelperForReload();
+    ResetModule(ModuleReset::kUnload);
     EXPECT_TRUE(CheckAndCopyPDF(installed.Document("v-1"), out + "\\V-1.PDF"));
     EXPECT_EQ(PageCount(dir / "out" / "V-1.PDF"), 2);
     EXPECT_TRUE(MergePDFFiles(out + "\\A-100.pdf", (dir / "tmp" / "Memo.PDF.tmp").string()));

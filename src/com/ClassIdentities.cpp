@@ -1,45 +1,54 @@
 #include "com/ClassIdentities.h"
 
-#include <array>
-#include <stdexcept>
-
 #include "VemraKestrivon.h"
 
 namespace kestrivon::com {
 namespace {
 
-const PrinterClass& Class(std::string_view name) {
-  const PrinterClass* found = FindPrinterClass(name);
-  // A class without its implementation is a build error, never a silently
-  // missing registration.
-  if (found == nullptr) throw std::logic_error("no printer class " + std::string(name));
-  return *found;
-}
+// The IDL's coclasses as widl declares them: name, CLSID and default
+// interface, in the IDL's order. The installer's tables are read from the
+// IDL, so the catalogue must say the same, or the build stops here.
+struct IdlClass {
+  std::string_view name;
+  GUID clsid;
+  GUID defaultIid;
+};
+#define KESTRIVON_IDL_CLASS(name) \
+  IdlClass { #name, __uuidof(::name), __uuidof(::_##name) }
+constexpr IdlClass kIdlClasses[] = {
+    KESTRIVON_IDL_CLASS(VemraTiff),     KESTRIVON_IDL_CLASS(AcrobatDistiller),
+    KESTRIVON_IDL_CLASS(AcrobatWriter), KESTRIVON_IDL_CLASS(PDFFactory),
+    KESTRIVON_IDL_CLASS(NoFile),        KESTRIVON_IDL_CLASS(AdobePDF),
+    KESTRIVON_IDL_CLASS(VemraHARP),
+};
+#undef KESTRIVON_IDL_CLASS
 
-const std::array<ClassIdentity, 7>& Table() {
-  static const std::array<ClassIdentity, 7> table{{
-      {&Class("VemraTiff"), &CLSID_VemraTiff, &IID__VemraTiff, nullptr},
-      {&Class("AcrobatDistiller"), &CLSID_AcrobatDistiller, &IID__AcrobatDistiller, nullptr},
-      {&Class("AcrobatWriter"), &CLSID_AcrobatWriter, &IID__AcrobatWriter, nullptr},
-      {&Class("PDFFactory"), &CLSID_PDFFactory, &IID__PDFFactory, nullptr},
-      {&Class("NoFile"), &CLSID_NoFile, &IID__NoFile, nullptr},
-      {&Class("AdobePDF"), &CLSID_AdobePDF, &IID__AdobePDF, nullptr},
-      {&Class("VemraHARP"), &CLSID_VemraHARP, &IID__VemraHARP, &IID__VemraHARPSettings},
-  }};
-  return table;
+consteval bool AgreesWithIdl() {
+  if (std::size(kIdlClasses) != kClassIdentities.size()) return false;
+  for (size_t i = 0; i < kClassIdentities.size(); ++i) {
+    const ClassIdentity& c = kClassIdentities[i];
+    if (c.printerClass->name != kIdlClasses[i].name ||
+        !comkit::SameGuid(c.clsid, kIdlClasses[i].clsid) ||
+        !comkit::SameGuid(c.defaultIid, kIdlClasses[i].defaultIid)) {
+      return false;
+    }
+    const bool harp = c.printerClass->name == "VemraHARP";
+    if (c.hasSecond != harp ||
+        (harp && !comkit::SameGuid(c.secondIid, __uuidof(::_VemraHARPSettings)))) {
+      return false;
+    }
+  }
+  return true;
 }
+static_assert(AgreesWithIdl(),
+              "the printer catalogue and idl/VemraKestrivon.idl name other classes or identities");
 
 }  // namespace
 
 const IID& kTypeLibraryId = LIBID_VemraKestrivon;
 
-std::span<const ClassIdentity> ClassIdentities() { return Table(); }
-
 std::wstring ProgId(const PrinterClass& printerClass) {
-  std::wstring id(kLibraryName.begin(), kLibraryName.end());
-  id += L'.';
-  id.append(printerClass.name.begin(), printerClass.name.end());
-  return id;
+  return {printerClass.progId.begin(), printerClass.progId.end()};
 }
 
 }  // namespace kestrivon::com

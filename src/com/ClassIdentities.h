@@ -2,24 +2,43 @@
 
 #include <windows.h>
 
+#include <array>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "comkit/Guid.h"
 #include "printers/PrinterCatalogue.h"
 
 namespace kestrivon::com {
 
-// A registered class's COM identities, from the component's IDL.
+// A registered class's COM identities, from the printer catalogue.
 struct ClassIdentity {
   const PrinterClass* printerClass;
-  const CLSID* clsid;
-  const IID* defaultIid;
-  const IID* secondIid;  // a further registered interface, or nullptr
+  CLSID clsid;
+  IID defaultIid;
+  IID secondIid;  // a further registered interface, or GUID_NULL
+  bool hasSecond;
 };
 
+namespace detail {
+template <size_t... I>
+consteval std::array<ClassIdentity, sizeof...(I)> IdentitiesOf(std::index_sequence<I...>) {
+  const auto one = [](const PrinterClass& c) {
+    return ClassIdentity{&c, comkit::GuidFromText(c.clsid), comkit::GuidFromText(c.defaultIid),
+                         c.secondIid.empty() ? GUID{} : comkit::GuidFromText(c.secondIid),
+                         !c.secondIid.empty()};
+  };
+  return {one(kPrinterClasses[I])...};
+}
+}  // namespace detail
+
 // The catalogue's classes with their identities, in registration order.
-std::span<const ClassIdentity> ClassIdentities();
+inline constexpr auto kClassIdentities =
+    detail::IdentitiesOf(std::make_index_sequence<kPrinterClasses.size()>());
+
+inline std::span<const ClassIdentity> ClassIdentities() { return kClassIdentities; }
 
 // "VemraKestrivon.<Class>".
 std::wstring ProgId(const PrinterClass& printerClass);

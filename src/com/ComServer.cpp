@@ -10,9 +10,7 @@
 #include "comkit/ComPtr.h"
 #include "comkit/Object.h"
 #include "comkit/Server.h"
-#include "frame/trace/Trace.h"
-#include "pipeline/PrintJobDriver.h"
-#include "pipeline/PrnDevice.h"
+#include "frame/ModuleState.h"
 
 namespace {
 
@@ -20,7 +18,7 @@ const std::vector<kestrivon::comkit::ClassEntry>& Classes() {
   static const auto classes = [] {
     std::vector<kestrivon::comkit::ClassEntry> entries;
     for (const auto& identity : kestrivon::com::ClassIdentities()) {
-      entries.push_back({identity.clsid,
+      entries.push_back({&identity.clsid,
                          [&identity](REFIID riid, void** object) {
                            return kestrivon::com::PrinterObject::Create(identity, riid, object);
                          },
@@ -31,14 +29,10 @@ const std::vector<kestrivon::comkit::ClassEntry>& Classes() {
   return classes;
 }
 
-// The host's process-wide objects the component keeps between printers:
-// the trace service, instance monitor, UI policy and file helper. A printer
-// made before the unload after all makes them afresh on first use, but the
-// debug switch stays as decided and the monitor is not asked again.
+// The host's objects the module keeps between printers go back before COM
+// unloads the DLL.
 void ReleaseProcessWideHostObjects() {
-  kestrivon::GiveBackTraceHostObjects();
-  kestrivon::ResetUIPolicyForReload();
-  kestrivon::ResetDocumentFileHelperForReload();
+  kestrivon::ResetModule(kestrivon::ModuleReset::kGiveBackHostObjects);
 }
 
 }  // namespace

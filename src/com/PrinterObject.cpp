@@ -58,8 +58,8 @@ PrinterObject::~PrinterObject() {
 }
 
 bool PrinterObject::PrimaryAnswers(REFIID riid) const {
-  return IsEqualIID(riid, *identity_.defaultIid) ||
-         (identity_.secondIid != nullptr && IsEqualIID(riid, *identity_.secondIid));
+  return IsEqualIID(riid, identity_.defaultIid) ||
+         (identity_.hasSecond && IsEqualIID(riid, identity_.secondIid));
 }
 
 HRESULT PrinterObject::get_Extension(BSTR* extension) {

@@ -14,7 +14,7 @@ namespace kestrivon::com {
 namespace {
 
 comkit::InprocClass Entry(const ClassIdentity& c) {
-  return {comkit::GuidText(*c.clsid), ProgId(*c.printerClass), comkit::GuidText(kTypeLibraryId),
+  return {comkit::GuidText(c.clsid), ProgId(*c.printerClass), comkit::GuidText(kTypeLibraryId),
           std::to_wstring(kTypeLibraryMajor) + L"." + std::to_wstring(kTypeLibraryMinor), true};
 }
 

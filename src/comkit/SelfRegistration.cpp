@@ -2,31 +2,52 @@
 
 #include <oleauto.h>
 
+#include <optional>
+#include <vector>
+
 #include "comkit/ComPtr.h"
 #include "comkit/Server.h"
+#include "platform/win/Owners.h"
 
 namespace kestrivon::comkit {
 namespace {
 
-// Creates HKCR\<path> and sets one string value (the default value when
-// name is null).
-LSTATUS SetString(const std::wstring& path, const wchar_t* name, const std::wstring& value) {
-  HKEY key = nullptr;
-  LSTATUS status = ::RegCreateKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, nullptr, 0, KEY_SET_VALUE,
-                                     nullptr, &key, nullptr);
-  if (status != ERROR_SUCCESS) return status;
-  status = ::RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
-                            static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
-  ::RegCloseKey(key);
-  return status;
+using platform::win::OwnedRegKey;
+
+// One key under HKEY_CLASSES_ROOT with one string value (the default value
+// when name is null), or an empty key when there is no value.
+struct KeyRow {
+  std::wstring path;
+  const wchar_t* name;
+  std::optional<std::wstring> value;
+};
+
+LSTATUS Write(const KeyRow& row) {
+  OwnedRegKey key;
+  const LSTATUS status = ::RegCreateKeyExW(HKEY_CLASSES_ROOT, row.path.c_str(), 0, nullptr, 0,
+                                           KEY_SET_VALUE, nullptr, key.Put(), nullptr);
+  if (status != ERROR_SUCCESS || !row.value) return status;
+  const std::wstring& value = *row.value;
+  return ::RegSetValueExW(key.Get(), row.name, 0, REG_SZ,
+                          reinterpret_cast<const BYTE*>(value.c_str()),
+                          static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
 }
 
-LSTATUS CreateEmptyKey(const std::wstring& path) {
-  HKEY key = nullptr;
-  const LSTATUS status = ::RegCreateKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, nullptr, 0,
-                                           KEY_SET_VALUE, nullptr, &key, nullptr);
-  if (status == ERROR_SUCCESS) ::RegCloseKey(key);
-  return status;
+// The class's keys in the order they are written; the first failure stops.
+std::vector<KeyRow> InprocRows(const InprocClass& entry, const std::wstring& dllPath) {
+  const std::wstring clsidKey = L"CLSID\\" + entry.clsid;
+  std::vector<KeyRow> rows{
+      {clsidKey, nullptr, entry.progId},
+      {clsidKey + L"\\InprocServer32", nullptr, dllPath},
+      {clsidKey + L"\\InprocServer32", L"ThreadingModel", L"Apartment"},
+      {clsidKey + L"\\ProgID", nullptr, entry.progId},
+  };
+  if (!entry.version.empty()) rows.push_back({clsidKey + L"\\VERSION", nullptr, entry.version});
+  rows.push_back({clsidKey + L"\\TypeLib", nullptr, entry.typeLibId});
+  if (entry.programmable) rows.push_back({clsidKey + L"\\Programmable", nullptr, std::nullopt});
+  rows.push_back({entry.progId, nullptr, entry.progId});
+  rows.push_back({entry.progId + L"\\CLSID", nullptr, entry.clsid});
+  return rows;
 }
 
 LSTATUS DeleteTree(const std::wstring& path) {
@@ -35,12 +56,9 @@ LSTATUS DeleteTree(const std::wstring& path) {
 }
 
 bool KeyExists(const std::wstring& path) {
-  HKEY key = nullptr;
-  if (::RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) {
-    return false;
-  }
-  ::RegCloseKey(key);
-  return true;
+  OwnedRegKey key;
+  return ::RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_READ, key.Put()) ==
+         ERROR_SUCCESS;
 }
 
 // Resource 1 is the DLL's own library, registered under the DLL's path;
@@ -58,21 +76,10 @@ std::wstring GuidText(const GUID& guid) {
 }
 
 LSTATUS RegisterInprocClass(const InprocClass& entry, const std::wstring& dllPath) {
-  const std::wstring clsidKey = L"CLSID\\" + entry.clsid;
-  LSTATUS s = SetString(clsidKey, nullptr, entry.progId);
-  if (s == ERROR_SUCCESS) s = SetString(clsidKey + L"\\InprocServer32", nullptr, dllPath);
-  if (s == ERROR_SUCCESS) {
-    s = SetString(clsidKey + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
+  for (const KeyRow& row : InprocRows(entry, dllPath)) {
+    if (const LSTATUS s = Write(row); s != ERROR_SUCCESS) return s;
   }
-  if (s == ERROR_SUCCESS) s = SetString(clsidKey + L"\\ProgID", nullptr, entry.progId);
-  if (s == ERROR_SUCCESS && !entry.version.empty()) {
-    s = SetString(clsidKey + L"\\VERSION", nullptr, entry.version);
-  }
-  if (s == ERROR_SUCCESS) s = SetString(clsidKey + L"\\TypeLib", nullptr, entry.typeLibId);
-  if (s == ERROR_SUCCESS && entry.programmable) s = CreateEmptyKey(clsidKey + L"\\Programmable");
-  if (s == ERROR_SUCCESS) s = SetString(entry.progId, nullptr, entry.progId);
-  if (s == ERROR_SUCCESS) s = SetString(entry.progId + L"\\CLSID", nullptr, entry.clsid);
-  return s;
+  return ERROR_SUCCESS;
 }
 
 LSTATUS UnregisterInprocClass(const std::wstring& clsid, const std::wstring& progId) {

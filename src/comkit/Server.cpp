@@ -49,7 +49,6 @@ void MarkUnloading() noexcept { unloading = true; }
 bool Unloading() noexcept { return unloading; }
 
 void SetModuleHandle(HINSTANCE m) noexcept { module = m; }
-HINSTANCE ModuleHandle() noexcept { return module; }
 
 std::wstring ModulePath() {
   std::wstring path(MAX_PATH, L'\0');

@@ -12,7 +12,6 @@ namespace kestrivon::comkit {
 
 // The DLL's own module handle, kept by DllMain.
 void SetModuleHandle(HINSTANCE module) noexcept;
-[[nodiscard]] HINSTANCE ModuleHandle() noexcept;
 // Full path of the DLL; empty when Windows cannot say.
 [[nodiscard]] std::wstring ModulePath();
 

@@ -3,6 +3,7 @@
 #include "comkit/Bstr.h"
 #include "comkit/Variant.h"
 #include "platform/win/Text.h"
+#include "runtime/RunTimeError.h"
 
 namespace kestrivon::comkit {
 
@@ -64,6 +65,35 @@ Variant Variant::Missing() noexcept {
   V_VT(&v.v_) = VT_ERROR;
   V_ERROR(&v.v_) = DISP_E_PARAMNOTFOUND;
   return v;
+}
+
+std::vector<std::string> TextsOf(SAFEARRAY* array) {
+  if (array == nullptr || ::SafeArrayGetDim(array) != 1) {
+    throw RunTimeError(vb_error::kTypeMismatch, "no list of texts");
+  }
+  LONG low = 0;
+  LONG high = -1;
+  ::SafeArrayGetLBound(array, 1, &low);
+  ::SafeArrayGetUBound(array, 1, &high);
+  VARTYPE type = VT_EMPTY;
+  ::SafeArrayGetVartype(array, &type);
+  std::vector<std::string> texts;
+  for (LONG i = low; i <= high; ++i) {
+    if (type == VT_BSTR) {
+      Bstr text;
+      ::SafeArrayGetElement(array, &i, text.Put());
+      texts.push_back(text.Utf8());
+      continue;
+    }
+    Variant element;
+    Variant converted;
+    if (FAILED(::SafeArrayGetElement(array, &i, element.Put())) ||
+        FAILED(element.ChangeType(VT_BSTR, converted))) {
+      throw RunTimeError(vb_error::kTypeMismatch, "an element is no text");
+    }
+    texts.push_back(Utf8(V_BSTR(&converted.Get())));
+  }
+  return texts;
 }
 
 }  // namespace kestrivon::comkit

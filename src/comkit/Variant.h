@@ -5,6 +5,7 @@
 #include <oleauto.h>
 
 #include <string>
+#include <vector>
 
 namespace kestrivon::comkit {
 
@@ -52,5 +53,10 @@ class Variant {
  private:
   VARIANT v_;
 };
+
+// The texts of a one-dimensional array of strings, or of variants that
+// convert to text, as the run time passes a String array. Raises the run
+// time's type mismatch (13) for anything else.
+std::vector<std::string> TextsOf(SAFEARRAY* array);
 
 }  // namespace kestrivon::comkit

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "frame/RevisionPrinter.h"
+#include "frame/ModuleState.h"
 #include "frame/trace/Trace.h"
 #include "host/Documents.h"
 #include "pipeline/PipelineTexts.h"
@@ -28,8 +29,7 @@ constexpr int64_t kOutputSearchMinutes = 2;
 constexpr const char* kFetchPurpose = "Revision";
 
 std::shared_ptr<host::DocumentFileHelper>& FileHelperSlot() {
-  static std::shared_ptr<host::DocumentFileHelper> helper;
-  return helper;
+  return Module().documentFileHelper;
 }
 
 // The name of the document's type object, fetched afresh on each call.
@@ -51,8 +51,6 @@ host::DocumentFileHelper& DocumentFileHelperObject() {
   if (!helper) helper = host::CreateDocumentFileHelper();
   return Required(helper);
 }
-
-void ResetDocumentFileHelperForReload() { FileHelperSlot().reset(); }
 
 std::string IRevisionPrinterDoPrintCheckAndUpdateParams(const host::HostObjectRef& document,
                                                         const std::string& folder,

@@ -48,7 +48,5 @@ std::string FindOutputFile(const std::string& folder, double reference);
 // The process-wide document file helper, created on first use and kept
 // until the component unloads.
 host::DocumentFileHelper& DocumentFileHelperObject();
-// Forgets it, as an unload and reload would.
-void ResetDocumentFileHelperForReload();
 
 }  // namespace kestrivon

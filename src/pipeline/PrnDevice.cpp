@@ -3,6 +3,7 @@
 #include <array>
 #include <limits>
 
+#include "frame/ModuleState.h"
 #include "frame/trace/Trace.h"
 #include "host/Documents.h"
 #include "host/Workset.h"
@@ -37,10 +38,7 @@ std::string Resolved(const char* text) { return TraceServiceObject().ResolveText
 // The host's own report and reference documents, by the name of their type.
 // Stands in for the print job driver's IsVemraDoc and becomes that call
 // when both are together.
-std::shared_ptr<host::UIPolicy>& KeptUIPolicy() {
-  static std::shared_ptr<host::UIPolicy> policy;
-  return policy;
-}
+std::shared_ptr<host::UIPolicy>& KeptUIPolicy() { return Module().uiPolicy; }
 
 }  // namespace
 
@@ -252,7 +250,5 @@ bool AllowUserInteraction(const host::HostObjectRef& context) {
     return !policy->IsSilent(context);
   });
 }
-
-void ResetUIPolicyForReload() { KeptUIPolicy().reset(); }
 
 }  // namespace kestrivon

@@ -70,7 +70,4 @@ class PrnDevice {
 // The policy object is created on first use and kept for the process.
 bool AllowUserInteraction(const host::HostObjectRef& context);
 
-// Forgets the kept UI policy, as an unload and reload would.
-void ResetUIPolicyForReload();
-
 }  // namespace kestrivon

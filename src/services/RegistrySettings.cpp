@@ -1,5 +1,6 @@
 #include "services/RegistrySettings.h"
 
+#include "frame/ModuleState.h"
 #include "frame/trace/Trace.h"
 #include "platform/AnsiText.h"
 #include "platform/ProfileFiles.h"
@@ -15,16 +16,10 @@ constexpr uint32_t kWrite = 0x3F;
 constexpr const char* kSleeperKey = "Software\\HALDRIM\\VEMRA";
 constexpr const char* kSleeperValue = "RevisionSleeper";
 
-int32_t& SleeperCache() {
-  static int32_t milliseconds = 0;
-  return milliseconds;
-}
+int32_t& SleeperCache() { return Module().revisionSleeper; }
 
 // Where the cached value came from, for tools that explain it.
-std::string& SleeperOrigin() {
-  static std::string origin;
-  return origin;
-}
+std::string& SleeperOrigin() { return Module().revisionSleeperOrigin; }
 
 platform::HKey Hive(int32_t hive) { return platform::HiveHandle(hive); }
 
@@ -168,8 +163,6 @@ std::string TrimNull(const std::string& text) {
   const size_t nul = text.find('\0');
   return nul == std::string::npos ? std::string() : text.substr(0, nul);
 }
-
-void ResetRevisionSleeperForReload() { SleeperCache() = 0; }
 
 std::string RevisionSleeperOrigin() { return SleeperOrigin(); }
 

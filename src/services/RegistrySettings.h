@@ -43,7 +43,4 @@ void SetIniSetting(const std::string& iniFile, const std::string& section, const
 // The text before the first NUL; empty when there is none.
 std::string TrimNull(const std::string& text);
 
-// Forgets the cached revision sleeper, as an unload and reload would.
-void ResetRevisionSleeperForReload();
-
 }  // namespace kestrivon

@@ -1,6 +1,7 @@
 #include <sstream>
 
 #include "PipelineFixture.h"
+#include "frame/ModuleState.h"
 #include "platform/Environment.h"
 #include "platform/portable/Registry.h"
 #include "platform/portable/Spooler.h"
@@ -49,7 +50,7 @@ class Doctor : public PipelineTest {
  protected:
   Doctor() {
     pp::ClearRegistry();
-    ResetRevisionSleeperForReload();
+    ResetModule(ModuleReset::kUnload);
     host.InstallHostClasses({.printerManager = [this] { return manager; }});
     MakeFolder(folder / "out");
     for (const char* name : {"Adobe PDF", "pdfFactory"}) {
@@ -199,7 +200,7 @@ TEST_F(Doctor, WarnsOfLeftoverDriverFilesMissingTempAndOddSleepers) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     c.setUp();
-    ResetRevisionSleeperForReload();
+    ResetModule(ModuleReset::kUnload);
     const ClassReport& r = Examined(c.cls);
     std::vector<std::string> warnings = r.warnings;
     warnings.insert(warnings.end(), report.sleeperWarnings.begin(), report.sleeperWarnings.end());

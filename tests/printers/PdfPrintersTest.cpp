@@ -6,6 +6,7 @@
 #include "PipelineFixture.h"
 #include "core/PdfMerge.h"
 #include "core/TiffMerge.h"
+#include "frame/ModuleState.h"
 #include "harp/HarpFixture.h"
 #include "host/portable/FaultPlan.h"
 #include "host/portable/Workset.h"
@@ -50,7 +51,7 @@ class PdfPrinters : public PipelineTest {
  protected:
   PdfPrinters() {
     pp::ClearRegistry();
-    ResetRevisionSleeperForReload();
+    ResetModule(ModuleReset::kUnload);
     host.copiesFiles = true;
     host.InstallHostClasses(
         {.docFctDist = [this] { return docFctDist; },
@@ -73,7 +74,7 @@ class PdfPrinters : public PipelineTest {
     pp::SetTempPath(savedTemp);
     pp::ClearPrinters();
     pp::ClearRegistry();
-    ResetUIPolicyForReload();
+    ResetModule(ModuleReset::kUnload);
   }
   static void Reg(platform::HKey hive, const std::string& key, const char* name, uint32_t type,
                   const std::string& bytes) {
@@ -500,7 +501,7 @@ TEST_F(PdfPrinters, EveryFailingHostCallLeavesNoLockNorDamagedArchive) {
   workset->settings->values["ShowRevisionMessages"] = Variant{true};
   const auto revise = [&](const PrinterClass& cls, const Scene& scene,
                           std::vector<hp::Fault> faults) {
-    ResetTraceStateForReload(), ResetDocumentFileHelperForReload(), ResetUIPolicyForReload();
+    ResetModule(ModuleReset::kUnload);
     clock.emplace();
     for (const auto& made : {rev, out})
       std::filesystem::remove_all(NativePath(made)), MakeFolder(made);

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "RecordingHost.h"
+#include "frame/ModuleState.h"
 #include "platform/Registry.h"
 #include "services/IniFiles.h"
 #include "services/RegistrySettings.h"
@@ -161,7 +162,7 @@ TEST_F(RevisionSleeperTest, ReadsSecondsFromTheMachineThenTheUser) {
   for (const Case& c : kCases) {
     SCOPED_TRACE(c.what);
     keys.Clean();
-    ResetRevisionSleeperForReload();
+    ResetModule(ModuleReset::kUnload);
     host.traceLines.clear();
     if (c.hive != 0) Sleeper(c.hive, c.type, c.bytes);
     EXPECT_EQ(GetRevisionSleeper(), c.ms);

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "RecordingHost.h"
+#include "frame/ModuleState.h"
 #include "frame/trace/Trace.h"
 #include "host/portable/Documents.h"
 #include "host/portable/Printing.h"
@@ -33,7 +34,7 @@ class ResolvingHost : public RecordingHost {
 class PipelineTest : public ::testing::Test {
  protected:
   PipelineTest() {
-    ResetDocumentFileHelperForReload();
+    ResetModule(ModuleReset::kUnload);
     host.level = 3;
     PPMInit();
     owner->currentUser = std::make_shared<host::portable::DocumentObject>("jdoe");
@@ -45,7 +46,7 @@ class PipelineTest : public ::testing::Test {
         .documentFileHelper = [this] { return fileHelper; },
     });
   }
-  ~PipelineTest() override { ResetDocumentFileHelperForReload(); }
+  ~PipelineTest() override { ResetModule(ModuleReset::kUnload); }
 
   // Makes the file's age (by its creation time) the given number of
   // seconds of virtual time.

@@ -1,4 +1,5 @@
 #include "RecordingHost.h"
+#include "frame/ModuleState.h"
 
 #include <algorithm>
 
@@ -21,10 +22,7 @@ RunTimeError HostCallFailed(const std::string& what) {
 }
 
 // The component's process-wide state, as a fresh load has it.
-void Reload() {
-  ResetTraceStateForReload();
-  ResetRevisionSleeperForReload();
-}
+void Reload() { ResetModule(ModuleReset::kUnload); }
 
 // The host's object is this one, which the test owns.
 template <class T>

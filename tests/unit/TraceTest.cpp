@@ -5,6 +5,7 @@
 #include <new>
 
 #include "RecordingHost.h"
+#include "frame/ModuleState.h"
 #include "frame/trace/Trace.h"
 #include "pipeline/RevisionFileLock.h"
 #include "printers/pdf/AdobePDF.h"
@@ -71,7 +72,7 @@ TEST(PPMInit, AsksForTheLevelOncePerProcess) {
   EXPECT_TRUE(PPMLevelDebug());
   // Nor after the host's objects went back while the component stays
   // loaded: the trace service is made afresh, the monitor not asked again.
-  GiveBackTraceHostObjects();
+  ResetModule(ModuleReset::kGiveBackHostObjects);
   { NoFile c; }
   EXPECT_EQ(host.getLevelCalls, 1);
   EXPECT_EQ(host.monitorsCreated, 1);

@@ -15,9 +15,12 @@
 #include <vector>
 
 #include "VemraVBInterface.h"
+#include "comkit/Bstr.h"
 #include "comkit/ComPtr.h"
+#include "comkit/Variant.h"
 #include "core/Environment.h"
 #include "core/Settings.h"
+#include "platform/win/Text.h"
 #include "printers/PrinterCatalogue.h"
 #include "revise/Doctor.h"
 #include "revise/ReviseRun.h"
@@ -28,25 +31,10 @@ using namespace kestrivon::hostkit;
 using kestrivon::FindPrinterClass;
 using kestrivon::kLibraryName;
 using kestrivon::PrinterClass;
+using kestrivon::comkit::Bstr;
 using kestrivon::comkit::ComPtr;
-
-std::wstring Wide(const std::string& utf8) {
-  if (utf8.empty()) return {};
-  const int n =
-      ::MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), nullptr, 0);
-  std::wstring wide(static_cast<size_t>(n), L'\0');
-  ::MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), wide.data(), n);
-  return wide;
-}
-
-std::string Utf8(const wchar_t* wide, int length = -1) {
-  if (wide == nullptr || length == 0) return {};
-  const int n = ::WideCharToMultiByte(CP_UTF8, 0, wide, length, nullptr, 0, nullptr, nullptr);
-  std::string text(static_cast<size_t>(n), '\0');
-  ::WideCharToMultiByte(CP_UTF8, 0, wide, length, text.data(), n, nullptr, nullptr);
-  if (length < 0 && !text.empty()) text.pop_back();  // the terminating zero
-  return text;
-}
+using kestrivon::platform::win::FromWide;
+using kestrivon::platform::win::ToWide;
 
 std::string Hex(HRESULT hr) {
   char text[16];
@@ -57,14 +45,12 @@ std::string Hex(HRESULT hr) {
 // A failed call: its HRESULT and, when the callee gave one, its description.
 [[noreturn]] void ThrowFailure(HRESULT hr) {
   std::string message = "HRESULT " + Hex(hr);
-  IErrorInfo* info = nullptr;
-  if (::GetErrorInfo(0, &info) == S_OK && info != nullptr) {
-    BSTR description = nullptr;
-    if (SUCCEEDED(info->GetDescription(&description)) && description != nullptr) {
-      message += " (" + Utf8(description, static_cast<int>(SysStringLen(description))) + ")";
+  ComPtr<IErrorInfo> info;
+  if (::GetErrorInfo(0, info.Put()) == S_OK && info) {
+    Bstr description;
+    if (SUCCEEDED(info->GetDescription(description.Put())) && description.Get() != nullptr) {
+      message += " (" + description.Utf8() + ")";
     }
-    SysFreeString(description);
-    info->Release();
   }
   throw std::runtime_error(message);
 }
@@ -75,63 +61,35 @@ void Check(HRESULT hr) {
 
 // The host kit's document class, which reads its name and its owner's
 // option from the variables.
-IDispatch* NewDocument() {
+ComPtr<IDispatch> NewDocument() {
   CLSID clsid;
   Check(::CLSIDFromProgID(L"VemraHostKit.Document", &clsid));
-  IDispatch* document = nullptr;
+  ComPtr<IDispatch> document;
   Check(::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
-                           reinterpret_cast<void**>(&document)));
+                           document.PutVoid()));
   return document;
 }
 
-IDispatch* OwnerOf(IDispatch* document) {
+ComPtr<IDispatch> OwnerOf(IDispatch* document) {
   DISPID id = DISPID_UNKNOWN;
   LPOLESTR names[] = {const_cast<LPOLESTR>(L"Owner")};
   Check(document->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id));
   DISPPARAMS none{nullptr, nullptr, 0, 0};
-  VARIANT result;
-  VariantInit(&result);
-  Check(document->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, &result,
-                         nullptr, nullptr));
-  IDispatch* owner = V_VT(&result) == VT_DISPATCH ? V_DISPATCH(&result) : nullptr;
-  if (owner == nullptr) VariantClear(&result);
-  return owner;
+  kestrivon::comkit::Variant result;
+  Check(document->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none,
+                         result.Put(), nullptr, nullptr));
+  return result.Type() == VT_DISPATCH ? ComPtr<IDispatch>::Share(V_DISPATCH(&result.Get()))
+                                      : ComPtr<IDispatch>();
 }
-
-class Bstr {
- public:
-  explicit Bstr(const std::string& utf8) {
-    const std::wstring wide = Wide(utf8);
-    b_ = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
-    if (b_ == nullptr) throw std::bad_alloc();
-  }
-  Bstr() = default;
-  ~Bstr() { SysFreeString(b_); }
-  Bstr(const Bstr&) = delete;
-  Bstr& operator=(const Bstr&) = delete;
-  BSTR Get() const { return b_; }
-  BSTR* Put() {
-    SysFreeString(b_);
-    b_ = nullptr;
-    return &b_;
-  }
-  std::string Utf8Text() const { return Utf8(b_, static_cast<int>(SysStringLen(b_))); }
-
- private:
-  BSTR b_ = nullptr;
-};
 
 class ComSession final : public revise::PrinterSession {
  public:
-  explicit ComSession(IRevisionPrinter* printer) : printer_(printer) {}
-  ~ComSession() override { printer_->Release(); }
-  ComSession(const ComSession&) = delete;
-  ComSession& operator=(const ComSession&) = delete;
+  explicit ComSession(ComPtr<IRevisionPrinter> printer) : printer_(std::move(printer)) {}
 
   std::string Extension() override {
     Bstr extension;
     Check(printer_->get_Extension(extension.Put()));
-    return extension.Utf8Text();
+    return extension.Utf8();
   }
   int32_t Version() override {
     LONG version = 0;
@@ -142,21 +100,19 @@ class ComSession final : public revise::PrinterSession {
   std::string CheckPrnSettings() override {
     Bstr problems;
     Check(printer_->CheckPrnSettings(problems.Put()));
-    return problems.Utf8Text();
+    return problems.Utf8();
   }
   bool IsPrinterAvailable() override { return Ask(&IRevisionPrinter::IsPrinterAvailable); }
   bool SetPrnDefaults() override { return Ask(&IRevisionPrinter::SetPrnDefaults); }
   bool DoPrint(const std::string& revisionFolder, const std::string& fileName) override {
     // With VEMRA_DOCUMENT_NAME, the host kit's document and its owner.
-    IDispatch* document = GetEnvironment(kDocumentNameVariable) ? NewDocument() : nullptr;
-    IDispatch* owner = document != nullptr ? OwnerOf(document) : nullptr;
+    const ComPtr<IDispatch> document =
+        GetEnvironment(kDocumentNameVariable) ? NewDocument() : ComPtr<IDispatch>();
+    const ComPtr<IDispatch> owner = document ? OwnerOf(document.Get()) : ComPtr<IDispatch>();
     Bstr folder(revisionFolder);
     Bstr name(fileName);
     VARIANT_BOOL printed = VARIANT_FALSE;
-    const HRESULT hr = printer_->DoPrint(document, owner, folder.Get(), name.Get(), &printed);
-    if (owner != nullptr) owner->Release();
-    if (document != nullptr) document->Release();
-    Check(hr);
+    Check(printer_->DoPrint(document.Get(), owner.Get(), folder.Get(), name.Get(), &printed));
     return printed != VARIANT_FALSE;
   }
   bool AppendFile(const std::string& fileToAppend, const std::string& fileMain) override {
@@ -170,11 +126,11 @@ class ComSession final : public revise::PrinterSession {
  private:
   bool Ask(HRESULT (STDMETHODCALLTYPE IRevisionPrinter::*operation)(VARIANT_BOOL*)) {
     VARIANT_BOOL answer = VARIANT_FALSE;
-    Check((printer_->*operation)(&answer));
+    Check((printer_.Get()->*operation)(&answer));
     return answer != VARIANT_FALSE;
   }
 
-  IRevisionPrinter* printer_;
+  ComPtr<IRevisionPrinter> printer_;
 };
 
 // Whether the object's own type information names IRevisionPrinter: its
@@ -216,24 +172,23 @@ class ComBackend final : public revise::ReviseBackend {
                                                       : printerClass;
     if (!initialised_) return {nullptr, CreateFailure::kNotCreated, progId, "COM did not start"};
     CLSID clsid{};
-    const std::wstring wideProgId = Wide(progId);
+    const std::wstring wideProgId = ToWide(progId);
     HRESULT hr = ::CLSIDFromProgID(wideProgId.c_str(), &clsid);
     if (FAILED(hr)) {
       return {nullptr, CreateFailure::kUnknownClass, progId,
               "no class is registered as '" + progId + "' (" + Hex(hr) + ")"};
     }
-    IRevisionPrinter* printer = nullptr;
+    ComPtr<IRevisionPrinter> printer;
     hr = ::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IRevisionPrinter,
-                            reinterpret_cast<void**>(&printer));
-    if (FAILED(hr) || printer == nullptr) {
+                            printer.PutVoid());
+    if (FAILED(hr) || !printer) {
       return {nullptr, CreateFailure::kNotCreated, progId,
               "'" + progId + "' could not be created as a revision printer (" + Hex(hr) + ")"};
     }
     // A server may hand out another interface for the one asked (an object
     // that answers every interface with itself): its type must be the
     // printer interface before any of its slots is called.
-    if (!IsRevisionPrinter(printer)) {
-      printer->Release();
+    if (!IsRevisionPrinter(printer.Get())) {
       return {nullptr, CreateFailure::kNotCreated, progId,
               "'" + progId + "' is no revision printer: it does not describe itself as " +
                   "IRevisionPrinter"};
@@ -241,8 +196,8 @@ class ComBackend final : public revise::ReviseBackend {
     // The DLL whose code the object runs: the one that must be able to unload.
     ::GetModuleHandleExW(
         GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-        *reinterpret_cast<LPCWSTR*>(printer), &component_);
-    return {std::make_unique<ComSession>(printer), CreateFailure::kNone, progId, {}};
+        *reinterpret_cast<LPCWSTR*>(printer.Get()), &component_);
+    return {std::make_unique<ComSession>(std::move(printer)), CreateFailure::kNone, progId, {}};
   }
 
   // The component keeps the host's process-wide objects (trace service,
@@ -259,7 +214,7 @@ class ComBackend final : public revise::ReviseBackend {
       const HRESULT hr = canUnload();
       const std::string answer = hr == S_OK ? "S_OK" : hr == S_FALSE ? "S_FALSE" : Hex(hr);
       const std::wstring path = ModulePath(component_);
-      const std::string dll = Utf8(path.substr(path.find_last_of(L"\\/") + 1).c_str());
+      const std::string dll = FromWide(path.substr(path.find_last_of(L"\\/") + 1).c_str());
       check.shown.push_back("DllCanUnloadNow of " + dll + " -> " + answer);
       if (hr == S_OK) {
         ::CoFreeUnusedLibrariesEx(0, 0);
@@ -280,12 +235,11 @@ class ComBackend final : public revise::ReviseBackend {
     }
     using Report = HRESULT(STDAPICALLTYPE*)(BSTR*);
     if (const auto report = Export<Report>(hostKit, "VemraHostKitStrictReport")) {
-      BSTR text = nullptr;
-      if (report(&text) == S_FALSE) {
-        std::istringstream lines(Utf8(text));
+      Bstr text;
+      if (report(text.Put()) == S_FALSE) {
+        std::istringstream lines(text.Utf8());
         for (std::string line; std::getline(lines, line);) check.violations.push_back(line);
       }
-      ::SysFreeString(text);
     }
     if (hostKit != nullptr) ::FreeLibrary(hostKit);
     return check;
@@ -314,7 +268,7 @@ int main() {
   int argc = 0;
   wchar_t** argv = ::CommandLineToArgvW(::GetCommandLineW(), &argc);
   std::vector<std::string> args;
-  for (int i = 1; argv != nullptr && i < argc; ++i) args.push_back(Utf8(argv[i]));
+  for (int i = 1; argv != nullptr && i < argc; ++i) args.push_back(FromWide(argv[i]));
   if (argv != nullptr) ::LocalFree(argv);
   ::SetConsoleOutputCP(CP_UTF8);
 

@@ -112,10 +112,10 @@ void Write(const std::wstring& output, const std::wstring& hostLibrary) {
   for (const auto& c : kestrivon::com::ClassIdentities()) {
     defaults.push_back(NewDefaultInterface(lib.Get(),
                                            L"_" + ToWide(std::string(c.printerClass->name)),
-                                           *c.defaultIid, dispatch.Get(), owned));
-    if (c.secondIid != nullptr) {
+                                           c.defaultIid, dispatch.Get(), owned));
+    if (c.hasSecond) {
       second =
-          NewDefaultInterface(lib.Get(), kSecondInterfaceName, *c.secondIid, dispatch.Get(), owned);
+          NewDefaultInterface(lib.Get(), kSecondInterfaceName, c.secondIid, dispatch.Get(), owned);
     }
   }
 
@@ -125,10 +125,10 @@ void Write(const std::wstring& output, const std::wstring& hostLibrary) {
     ComPtr<ICreateTypeInfo> coclass;
     Check(lib->CreateTypeInfo(const_cast<LPOLESTR>(name.c_str()), TKIND_COCLASS, coclass.Put()),
           "CreateTypeInfo (coclass)");
-    Check(coclass->SetGuid(*c.clsid), "SetGuid (coclass)");
+    Check(coclass->SetGuid(c.clsid), "SetGuid (coclass)");
     UINT index = 0;
     AddInterface(coclass.Get(), index++, defaults[i], IMPLTYPEFLAG_FDEFAULT);
-    if (c.secondIid != nullptr) AddInterface(coclass.Get(), index++, second, 0);
+    if (c.hasSecond) AddInterface(coclass.Get(), index++, second, 0);
     AddInterface(coclass.Get(), index++, revisionPrinter.Get(), 0);
     // After the interfaces: set before them, Wine's writer also marked the
     // first coclass dispatchable.

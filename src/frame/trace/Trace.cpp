@@ -1,28 +1,13 @@
 #include "frame/trace/Trace.h"
 
-#include <memory>
-
-#include "runtime/ErrorHandler.h"
+#include "frame/ModuleState.h"
 #include "platform/DebugOutput.h"
+#include "runtime/ErrorHandler.h"
 
 namespace kestrivon {
 namespace {
 
-struct TraceState {
-  std::shared_ptr<host::TraceService> traceService;
-  std::shared_ptr<host::InstanceMonitor> instanceMonitor;
-  // The monitor was given back while the component stays loaded: for
-  // PPMInit it still counts as set, so the switch is decided only once.
-  bool monitorGivenBack = false;
-  bool debugSwitch = false;
-  int32_t instanceCount = 0;
-  int32_t tiffInstanceCount = 0;
-};
-
-TraceState& State() {
-  static TraceState state;
-  return state;
-}
+ModuleState& State() { return Module(); }
 
 }  // namespace
 
@@ -53,14 +38,5 @@ bool PPMLevelDebug() {
 
 int32_t& InstanceCount() { return State().instanceCount; }
 int32_t& TiffInstanceCount() { return State().tiffInstanceCount; }
-
-void ResetTraceStateForReload() { State() = TraceState{}; }
-
-void GiveBackTraceHostObjects() {
-  auto& state = State();
-  state.traceService.reset();
-  state.monitorGivenBack = state.monitorGivenBack || state.instanceMonitor != nullptr;
-  state.instanceMonitor.reset();
-}
 
 }  // namespace kestrivon

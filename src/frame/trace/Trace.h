@@ -41,11 +41,4 @@ void DebugLine(Line&& line) {
 int32_t& InstanceCount();
 int32_t& TiffInstanceCount();
 
-// Forgets the process-wide trace state, as an unload and reload would.
-void ResetTraceStateForReload();
-// The host's trace service and instance monitor given back while the
-// component stays loaded: the debug switch and the counters stay, PPMInit
-// is not run again, and the trace service is made afresh on its next use.
-void GiveBackTraceHostObjects();
-
 }  // namespace kestrivon

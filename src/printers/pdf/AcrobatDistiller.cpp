@@ -5,6 +5,7 @@
 #include "frame/ClassFrame.h"
 #include "frame/trace/Trace.h"
 #include "pipeline/PrintJobDriver.h"
+#include "printers/PrinterCatalogue.h"
 #include "printers/pdf/AcrobatSettings.h"
 #include "runtime/ErrorHandler.h"
 #include "services/MessageTexts.h"
@@ -12,19 +13,12 @@
 namespace kestrivon {
 
 AcrobatDistiller::AcrobatDistiller() : AcrobatPrinter(kClassLabel) {
-  CountedClassInitialize(kClassLabel, [](int32_t n) {
-    DebugTrace("### VemraKestrivon::AcrobatDistiller::Class_Initialize(): InstanceCount = " +
-               std::to_string(n));
-  });
+  CountedClassInitialize(kClassLabel, Catalogued("AcrobatDistiller").countLines);
 }
 
 AcrobatDistiller::~AcrobatDistiller() {
-  CountedClassTerminate(
-      kClassLabel, [this] { ShutdownDevice(); },
-      [](int32_t n) {
-        DebugTrace("### VemraKestrivon::AcrobatDistiller::Class_Terminate(): InstanceCount = " +
-                   std::to_string(n));
-      });
+  CountedClassTerminate(kClassLabel, Catalogued("AcrobatDistiller").countLines,
+                        [this] { ShutdownDevice(); });
 }
 
 bool AcrobatDistiller::InitPrnSettings() {

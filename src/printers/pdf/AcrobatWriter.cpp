@@ -7,6 +7,7 @@
 #include "host/Printing.h"
 #include "pipeline/PrintJobDriver.h"
 #include "platform/FileSystem.h"
+#include "printers/PrinterCatalogue.h"
 #include "printers/pdf/AcrobatSettings.h"
 #include "runtime/ErrorHandler.h"
 #include "services/OutputFileWaiting.h"
@@ -14,21 +15,12 @@
 namespace kestrivon {
 
 AcrobatWriter::AcrobatWriter() : PdfRevisionPrinter(kClassLabel) {
-  CountedClassInitialize(kClassLabel, [](int32_t n) {
-    DebugTrace("### VemraKestrivon::AcrobatWriter::Class_Initialize(): Instance count: " +
-               std::to_string(n));
-  });
+  CountedClassInitialize(kClassLabel, Catalogued("AcrobatWriter").countLines);
 }
 
 AcrobatWriter::~AcrobatWriter() {
-  CountedClassTerminate(
-      kClassLabel, [this] { ShutdownDevice(); },
-      [](int32_t n) {
-        // The release line names DoPrint; the wording is kept as released.
-        DebugTrace(
-            "### VemraKestrivon::AcrobatWriter::IRevisionPrinter_DoPrint(): Instance count: " +
-            std::to_string(n));
-      });
+  CountedClassTerminate(kClassLabel, Catalogued("AcrobatWriter").countLines,
+                        [this] { ShutdownDevice(); });
 }
 
 bool AcrobatWriter::InitPrnSettings() {

@@ -8,6 +8,7 @@
 #include "host/Workset.h"
 #include "pipeline/PrintJobDriver.h"
 #include "platform/Shell.h"
+#include "printers/PrinterCatalogue.h"
 #include "printers/pdf/AcrobatSettings.h"
 #include "runtime/ErrorHandler.h"
 #include "services/MessageTexts.h"
@@ -24,20 +25,12 @@ constexpr size_t kExecutableBuffer = 260;
 }  // namespace
 
 AdobePDF::AdobePDF() : AcrobatPrinter(kClassLabel) {
-  CountedClassInitialize(kClassLabel, [](int32_t n) {
-    WriteTrace("### VemraKestrivon::AdobePDF::Class_Initialize(): Instance count: " +
-               std::to_string(n));
-  });
+  CountedClassInitialize(kClassLabel, Catalogued("AdobePDF").countLines);
 }
 
 AdobePDF::~AdobePDF() {
-  CountedClassTerminate(
-      kClassLabel, [this] { ShutdownDevice(); },
-      [](int32_t n) {
-        // The release line repeats the creation wording.
-        DebugTrace("### VemraKestrivon::AdobePDF::Class_Initialize(): Instance count: " +
-                   std::to_string(n));
-      });
+  CountedClassTerminate(kClassLabel, Catalogued("AdobePDF").countLines,
+                        [this] { ShutdownDevice(); });
 }
 
 bool AdobePDF::InitPrnSettings() {

@@ -2,23 +2,14 @@
 
 #include "frame/ClassFrame.h"
 #include "frame/trace/Trace.h"
+#include "printers/PrinterCatalogue.h"
 #include "runtime/ErrorHandler.h"
 
 namespace kestrivon {
 
-NoFile::NoFile() {
-  CountedClassInitialize(kClassLabel, [](int32_t n) {
-    DebugTrace("### VemraKestrivon::NoFile::Class_Initialize(): Instance count: " +
-               std::to_string(n));
-  });
-}
+NoFile::NoFile() { CountedClassInitialize(kClassLabel, Catalogued("NoFile").countLines); }
 
-NoFile::~NoFile() {
-  CountedClassTerminate(kClassLabel, nullptr, [](int32_t n) {
-    DebugTrace("### VemraKestrivon::NoFile::Class_Terminate(): Instance count is now: " +
-               std::to_string(n));
-  });
-}
+NoFile::~NoFile() { CountedClassTerminate(kClassLabel, Catalogued("NoFile").countLines); }
 
 std::string NoFile::Extension() {
   return Procedure(kClassLabel, " Property Get IRevisionPrinter_Extension")

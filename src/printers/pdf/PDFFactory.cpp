@@ -9,6 +9,7 @@
 #include "platform/Environment.h"
 #include "platform/FileSystem.h"
 #include "platform/TempFiles.h"
+#include "printers/PrinterCatalogue.h"
 #include "runtime/ErrorHandler.h"
 #include "services/MessageTexts.h"
 #include "services/OutputFileWaiting.h"
@@ -64,19 +65,12 @@ std::string CheckWithFallback(const char* label, const char* fallback, Body&& bo
 }  // namespace
 
 PDFFactory::PDFFactory() : PdfRevisionPrinter(kClassLabel) {
-  CountedClassInitialize(kClassLabel, [](int32_t n) {
-    DebugTrace("### VemraKestrivon::PDFFactory::Class_Initialize(): Instance count is now " +
-               std::to_string(n));
-  });
+  CountedClassInitialize(kClassLabel, Catalogued("PDFFactory").countLines);
 }
 
 PDFFactory::~PDFFactory() {
-  CountedClassTerminate(
-      kClassLabel, [this] { ShutdownDevice(); },
-      [](int32_t n) {
-        DebugTrace("### VemraKestrivon::PDFFactory::Class_Terminate(): Instance count is now " +
-                   std::to_string(n));
-      });
+  CountedClassTerminate(kClassLabel, Catalogued("PDFFactory").countLines,
+                        [this] { ShutdownDevice(); });
 }
 
 bool PDFFactory::InitPrnSettings() {

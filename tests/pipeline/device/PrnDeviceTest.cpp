@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "RecordingHost.h"
+#include "frame/ModuleState.h"
 #include "host/portable/Documents.h"
 #include "host/portable/Printing.h"
 #include "host/portable/Workset.h"
@@ -35,7 +36,7 @@ class Device : public ::testing::Test {
     manager->printers = {pdf, std::make_shared<hp::PrinterObject>("Other")};
   }
   ~Device() override {
-    ResetUIPolicyForReload();
+    ResetModule(ModuleReset::kUnload);
     pp::ClearPrinters();
   }
   bool Select() { return device.SetFilePrinterByName("PDF"); }

@@ -5,6 +5,7 @@
 
 #include "core/HostKit.h"
 #include "core/Settings.h"
+#include "frame/ModuleState.h"
 #include "frame/trace/Trace.h"
 #include "host/portable/HostActivation.h"
 #include "platform/portable/FileSystem.h"
@@ -27,14 +28,14 @@ class HostKitMessages : public ::testing::Test {
     hostkit::Settings settings;
     settings.traceLog = std::filesystem::path(platform::portable::HostPath(folder / "trace.log"));
     kit = hostkit::HostKit::Create(settings);
-    ResetTraceStateForReload();
+    ResetModule(ModuleReset::kUnload);
     host::portable::InstallHostFactories({
         [this] { return std::shared_ptr<host::TraceService>(kit.traceService); },
         [this] { return std::shared_ptr<host::InstanceMonitor>(kit.instanceMonitor); },
     });
   }
   void TearDown() override {
-    ResetTraceStateForReload();
+    ResetModule(ModuleReset::kUnload);
     host::portable::InstallHostFactories({});
     ::unsetenv(hostkit::kDocumentNameVariable);
     ::unsetenv(hostkit::kShowRevisionMessagesVariable);
