@@ -84,8 +84,8 @@ void DoPrints(benchmark::State& state, bool hostKitTrace) {
   auto host = std::make_shared<QuietHost>();
   const auto log = std::make_shared<hostkit::TraceLog>(scratch / "vemra-trace.log");
   const std::shared_ptr<host::TraceService> trace =
-      hostKitTrace ? std::shared_ptr<host::TraceService>(
-                         std::make_shared<hostkit::SimTraceService>(log, std::nullopt, std::nullopt))
+      hostKitTrace ? std::shared_ptr<host::TraceService>(std::make_shared<hostkit::SimTraceService>(
+                         log, std::nullopt, std::nullopt))
                    : host;
   auto manager = std::make_shared<hp::PrinterManagerObject>();
   manager->printers.push_back(std::make_shared<hp::PrinterObject>("Adobe PDF"));

@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -37,7 +38,14 @@ std::string WindowsPath(const std::filesystem::path& path) {
   return text;
 }
 
-bool RunChild(const std::vector<std::string>& argv, rusage* usage) {
+bool RunChild(const std::vector<std::string>& command, rusage* usage) {
+  // Its peak memory is read by peak_run, built beside this program.
+  std::vector<std::string> argv;
+  static const std::string peakFile = (ScratchFolder() / "peak").string();
+  if (usage != nullptr) {
+    argv = {(std::filesystem::path(SelfPath()).parent_path() / "peak_run").string(), peakFile};
+  }
+  argv.insert(argv.end(), command.begin(), command.end());
   std::vector<char*> args;
   for (const std::string& arg : argv) args.push_back(const_cast<char*>(arg.c_str()));
   args.push_back(nullptr);
@@ -51,7 +59,13 @@ bool RunChild(const std::vector<std::string>& argv, rusage* usage) {
   int status = 0;
   rusage used{};
   if (::wait4(child, &status, 0, &used) != child) return false;
-  if (usage != nullptr) *usage = used;
+  if (usage != nullptr) {
+    *usage = used;
+    FILE* peak = std::fopen(peakFile.c_str(), "r");
+    const bool read = peak != nullptr && std::fscanf(peak, "%ld", &usage->ru_maxrss) == 1;
+    if (peak != nullptr) std::fclose(peak);
+    if (!read) return false;
+  }
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 

@@ -20,7 +20,8 @@ std::string WindowsPath(const std::filesystem::path& path);
 
 // Runs the program (looked up in PATH) with its output dropped; false when
 // it could not be started or did not exit with 0. usage receives the
-// child's resource use (ru_maxrss: its peak memory in KiB).
+// child's resource use, ru_maxrss its own peak memory in KiB (the child is
+// started through peak_run, so that it does not count this process's).
 bool RunChild(const std::vector<std::string>& argv, rusage* usage = nullptr);
 
 // This program's own file, for running it again as a child.

@@ -81,8 +81,8 @@ bool Prepare(Class& c) {
 // The entries of the host's trace log, counted by their line ends.
 long LogEntries(const std::string& log) {
   std::ifstream in(log, std::ios::binary);
-  return static_cast<long>(std::count(std::istreambuf_iterator<char>(in),
-                                      std::istreambuf_iterator<char>(), '\n'));
+  return static_cast<long>(
+      std::count(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>(), '\n'));
 }
 
 // Creating the host's trace facility by its ProgID and taking its "Printer"

@@ -30,11 +30,10 @@ int main(int argc, char** argv) {
   }
   const std::string folder = argv[1];
   const auto log = std::make_shared<hostkit::TraceLog>(argv[3]);
-  const auto trace =
-      std::make_shared<hostkit::SimTraceService>(log, std::nullopt, std::nullopt);
+  const auto trace = std::make_shared<hostkit::SimTraceService>(log, std::nullopt, std::nullopt);
   const auto monitor = std::make_shared<hostkit::SimInstanceMonitor>(log, 0);
-  host::portable::InstallHostFactories({.traceService = [&] { return trace; },
-                                        .instanceMonitor = [&] { return monitor; }});
+  host::portable::InstallHostFactories(
+      {.traceService = [&] { return trace; }, .instanceMonitor = [&] { return monitor; }});
   // A driver that has finished: one status reading, no sleep.
   const auto printer = std::make_shared<host::portable::PrinterObject>("Adobe PDF");
   const std::string found = GetAdobeRevisionFile(folder, printer);

@@ -129,8 +129,9 @@ void Measure(int files, std::string folder) {
     std::fprintf(stderr, "not the driver's file: '%s', '%s'\n", found.c_str(), least.c_str());
     return;
   }
-  std::printf("OutputSearchWine/%d %.1f us\nLeastSearchWine/%d %.1f us\nFindFirstNextWine/%d %.1f us\n",
-              files, search, files, leastSearch, files, bare);
+  std::printf(
+      "OutputSearchWine/%d %.1f us\nLeastSearchWine/%d %.1f us\nFindFirstNextWine/%d %.1f us\n",
+      files, search, files, leastSearch, files, bare);
   std::fprintf(stderr, "%zu entries listed\n", listed);
   std::fflush(stdout);
   if (!prepared) RemoveFolder(folder, files);
