@@ -85,6 +85,43 @@ long LogEntries(const std::string& log) {
       std::count(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>(), '\n'));
 }
 
+// A late-bound property get or method call by name, as the component makes
+// it: the name's DISPID asked for each time, then the call.
+bool Late(IDispatch* object, const wchar_t* member, VARIANT* arguments, UINT count,
+          VARIANT* result) {
+  LPOLESTR names[] = {const_cast<LPOLESTR>(member)};
+  DISPID id = 0;
+  DISPPARAMS parameters{arguments, nullptr, count, 0};
+  return object != nullptr &&
+         SUCCEEDED(object->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id)) &&
+         SUCCEEDED(object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT,
+                                  DISPATCH_METHOD | DISPATCH_PROPERTYGET, &parameters, result,
+                                  nullptr, nullptr));
+}
+
+// The workset's Globals asked whether it has a configuration folder, as a
+// HARP configuration's creation does: the host's application, its
+// workset, the workset's Globals, then Exist("ConfigDirectory").
+bool AskForConfigDirectory(ITraceService* service) {
+  IDispatch* application = nullptr;
+  if (FAILED(service->get_Application(&application)) || application == nullptr) return false;
+  VARIANT workset;
+  VARIANT globals;
+  VARIANT exists;
+  VARIANT name;
+  for (VARIANT* v : {&workset, &globals, &exists, &name}) ::VariantInit(v);
+  name.vt = VT_BSTR;
+  name.bstrVal = ::SysAllocString(L"ConfigDirectory");
+  const bool asked = Late(application, L"Workset", nullptr, 0, &workset) &&
+                     workset.vt == VT_DISPATCH &&
+                     Late(workset.pdispVal, L"Globals", nullptr, 0, &globals) &&
+                     globals.vt == VT_DISPATCH &&
+                     Late(globals.pdispVal, L"Exist", &name, 1, &exists);
+  for (VARIANT* v : {&workset, &globals, &exists, &name}) ::VariantClear(v);
+  application->Release();
+  return asked;
+}
+
 // Creating the host's trace facility by its ProgID and taking its "Printer"
 // source by name, as a HARP printer's creation does twice; then releasing
 // both. False when the host cannot.
@@ -96,22 +133,14 @@ bool CreateTraceFacility() {
                                 reinterpret_cast<void**>(&facility)))) {
     return false;
   }
-  OLECHAR name[] = L"TraceSource";
-  LPOLESTR names[] = {name};
-  DISPID id = 0;
   VARIANT argument;
   ::VariantInit(&argument);
   argument.vt = VT_BSTR;
   argument.bstrVal = ::SysAllocString(L"Printer");
-  DISPPARAMS parameters{&argument, nullptr, 1, 0};
   VARIANT source;
   ::VariantInit(&source);
-  const bool made =
-      SUCCEEDED(facility->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id)) &&
-      SUCCEEDED(facility->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT,
-                                 DISPATCH_METHOD | DISPATCH_PROPERTYGET, &parameters, &source,
-                                 nullptr, nullptr)) &&
-      source.vt == VT_DISPATCH && source.pdispVal != nullptr;
+  const bool made = Late(facility, L"TraceSource", &argument, 1, &source) &&
+                    source.vt == VT_DISPATCH && source.pdispVal != nullptr;
   ::VariantClear(&source);
   ::VariantClear(&argument);
   facility->Release();
@@ -128,12 +157,69 @@ bool WriteTrace(ITraceService* service) {
   return SUCCEEDED(hr);
 }
 
+// A message text resolved through the host, as each text of a box is.
+bool ResolveText(ITraceService* service) {
+  BSTR text = ::SysAllocString(L"~01d8c Revisionsdrucker");
+  BSTR resolved = nullptr;
+  const HRESULT hr = service->ResolveText(text, &resolved);
+  ::SysFreeString(text);
+  ::SysFreeString(resolved);
+  return SUCCEEDED(hr);
+}
+
+// A critical box with an OK button shown through the host (which the host
+// kit answers from its script), as a HARP configuration without its folder
+// shows one.
+bool ShowMessageBox(ITraceService* service) {
+  BSTR prompt = ::SysAllocString(L"Retrieving configuration path failed.");
+  BSTR title = ::SysAllocString(L"Revisionsdrucker");
+  VARIANT missing;
+  ::VariantInit(&missing);
+  missing.vt = VT_ERROR;
+  missing.scode = DISP_E_PARAMNOTFOUND;
+  LONG answer = 0;
+  const HRESULT hr = service->ShowMessageBox(prompt, 16, title, missing, missing, &answer);
+  ::SysFreeString(prompt);
+  ::SysFreeString(title);
+  return SUCCEEDED(hr);
+}
+
+// A line written to a trace source by name, as the HARP classes write
+// theirs to their "Printer" source.
+bool WriteToSource(IDispatch* source) {
+  VARIANT arguments[3];  // in reverse order: text, id, level
+  for (VARIANT& v : arguments) ::VariantInit(&v);
+  arguments[0].vt = VT_BSTR;
+  arguments[0].bstrVal = ::SysAllocString(L"VemraKestrivon::HARPConfiguration: a failure line");
+  arguments[1].vt = VT_I4;
+  arguments[1].lVal = 42;
+  arguments[2].vt = VT_I4;
+  arguments[2].lVal = 2;
+  VARIANT result;
+  ::VariantInit(&result);
+  const bool written = Late(source, L"Write", arguments, 3, &result);
+  ::VariantClear(&result);
+  for (VARIANT& v : arguments) ::VariantClear(&v);
+  return written;
+}
+
+// The median cost of one call, in microseconds; a negative value when the
+// call fails.
+template <class Call>
+double TimeCall(Call call) {
+  if (!call()) return -1;
+  const auto [time, none] = MedianMicroseconds(
+      [&call] {
+        for (int i = 0; i < kObjects; ++i) call();
+      },
+      [] {}, kPasses);
+  return time / kObjects;
+}
+
 // com_create_timing --host-calls <trace log> <ProgID>...: for each class the
 // entries that one creation and release write to the host's trace log
-// ("LogEntries/<ProgID> n"), then the host's trace facility with its source
-// made and released ("HostCall/CreateTraceFacility") and one line written
-// through the host's trace service ("HostCall/WriteTrace"), in
-// microseconds.
+// ("LogEntries/<ProgID> n"), then each host call that such creations make,
+// timed alone ("HostCall/<call> us").
 int HostCalls(const std::string& log, const std::vector<std::string>& progIds) {
   for (const std::string& progId : progIds) {
     Class c(progId.c_str());
@@ -148,32 +234,52 @@ int HostCalls(const std::string& log, const std::vector<std::string>& progIds) {
     if (FAILED(c.failure) || entries < 0) return 1;  // a rotated log counts nothing
     std::printf("LogEntries/%s %ld\n", progId.c_str(), entries);
   }
-  if (!CreateTraceFacility()) {
-    std::fprintf(stderr, "the host's trace facility cannot be made\n");
-    return 1;
-  }
-  const auto [facility, unused] = MedianMicroseconds(
-      [] {
-        for (int i = 0; i < kObjects; ++i) CreateTraceFacility();
-      },
-      [] {}, kPasses);
-  std::printf("HostCall/CreateTraceFacility %.3f us\n", facility / kObjects);
   ITraceService* service = nullptr;
   if (FAILED(::CoCreateInstance(CLSID_TraceService, nullptr, CLSCTX_SERVER, IID_ITraceService,
-                                reinterpret_cast<void**>(&service))) ||
-      !WriteTrace(service)) {
-    std::fprintf(stderr, "the host's trace service cannot write\n");
-    if (service != nullptr) service->Release();
+                                reinterpret_cast<void**>(&service)))) {
+    std::fprintf(stderr, "no host trace service\n");
     return 1;
   }
-  const auto [entry, none] = MedianMicroseconds(
-      [service] {
-        for (int i = 0; i < kObjects; ++i) WriteTrace(service);
-      },
-      [] {}, kPasses);
+  // A "Printer" source to write to, made as the HARP classes make theirs.
+  IDispatch* facility = nullptr;
+  CLSID clsid{};
+  VARIANT name;
+  VARIANT source;
+  ::VariantInit(&name);
+  ::VariantInit(&source);
+  name.vt = VT_BSTR;
+  name.bstrVal = ::SysAllocString(L"Printer");
+  if (SUCCEEDED(::CLSIDFromProgID(L"Vemra.TraceFacility", &clsid)) &&
+      SUCCEEDED(::CoCreateInstance(clsid, nullptr, CLSCTX_SERVER, IID_IDispatch,
+                                   reinterpret_cast<void**>(&facility)))) {
+    Late(facility, L"TraceSource", &name, 1, &source);
+  }
+  const struct {
+    const char* name;
+    double time;
+  } calls[] = {
+      {"CreateTraceFacility", TimeCall([] { return CreateTraceFacility(); })},
+      {"WriteTrace", TimeCall([service] { return WriteTrace(service); })},
+      {"AskForConfigDirectory", TimeCall([service] { return AskForConfigDirectory(service); })},
+      {"ResolveText", TimeCall([service] { return ResolveText(service); })},
+      {"ShowMessageBox", TimeCall([service] { return ShowMessageBox(service); })},
+      {"WriteToSource",
+       TimeCall([&source] { return source.vt == VT_DISPATCH && WriteToSource(source.pdispVal); })},
+  };
+  ::VariantClear(&source);
+  ::VariantClear(&name);
+  if (facility != nullptr) facility->Release();
   service->Release();
-  std::printf("HostCall/WriteTrace %.3f us\n", entry / kObjects);
-  return 0;
+  int status = 0;
+  for (const auto& call : calls) {
+    if (call.time < 0) {
+      std::fprintf(stderr, "the host call %s failed\n", call.name);
+      status = 1;
+    } else {
+      std::printf("HostCall/%s %.3f us\n", call.name, call.time);
+    }
+  }
+  return status;
 }
 
 }  // namespace
