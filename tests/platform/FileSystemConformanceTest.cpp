@@ -5,6 +5,7 @@
 
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"
+#include "platform/LastError.h"
 #include "runtime/RunTimeError.h"
 #include "support/Fixture.h"
 
@@ -100,6 +101,9 @@ TEST(FileSystemConformance, ExclusiveOpenLocksOutEveryOtherOpen) {
   CloseFile(created);
   EXPECT_TRUE(FileExists(folder / "created.pdf"));
   EXPECT_EQ(OpenFileExclusive(folder / "nodir\\x.pdf"), kInvalidFile);
+  MakeFolder(folder / "sub");
+  EXPECT_EQ(OpenFileExclusive(folder / "sub"), kInvalidFile);
+  EXPECT_EQ(GetLastError(), 5u);
 }
 
 TEST(FileSystemConformance, CreationTimeIsLocalTimeInWholeSeconds) {

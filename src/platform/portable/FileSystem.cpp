@@ -141,12 +141,12 @@ bool IsFile(const std::string& hostPath) {
   return !hostPath.empty() && ::stat(hostPath.c_str(), &st) == 0 && !S_ISDIR(st.st_mode);
 }
 
+}  // namespace
+
 bool IsFolder(const std::string& hostPath) {
   struct stat st {};
   return !hostPath.empty() && ::stat(hostPath.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
 }
-
-}  // namespace
 
 void MapDrive(char letter, const std::string& hostFolder) {
   const int index = std::toupper(static_cast<unsigned char>(letter)) - 'A';
@@ -187,14 +187,9 @@ std::string HostPath(const std::string& windowsPath) {
 }
 
 std::string WindowsPath(const std::string& hostPath) {
-  if (hostPath.empty() || hostPath.front() != '/') {
-    std::string relative = hostPath;
-    std::replace(relative.begin(), relative.end(), '/', '\\');
-    return relative;
-  }
   size_t bestLength = 0;
   int best = -1;
-  for (int i = 0; i < 26; ++i) {
+  for (int i = 0; i < 26 && !hostPath.empty() && hostPath.front() == '/'; ++i) {
     const std::string root = StripTrailingSlash(Mapping().drives[static_cast<size_t>(i)]);
     if (root.empty()) continue;
     const bool matches = root == "/" || hostPath == root ||
@@ -206,13 +201,10 @@ std::string WindowsPath(const std::string& hostPath) {
       bestLength = length;
     }
   }
-  if (best < 0) {
-    std::string path = hostPath;
-    std::replace(path.begin(), path.end(), '/', '\\');
-    return path;
-  }
+  // A relative path, or one on no drive, keeps its form with backslashes.
   std::string rest = hostPath.substr(bestLength);
   std::replace(rest.begin(), rest.end(), '/', '\\');
+  if (best < 0) return rest;
   if (rest.empty() || rest.front() != '\\') rest.insert(rest.begin(), '\\');
   return std::string(1, static_cast<char>('A' + best)) + ":" + rest;
 }
@@ -224,7 +216,6 @@ size_t CharacterCount(const std::string& utf8) {
 }
 
 std::string ResolveHostPath(const std::string& windowsPath) {
-  constexpr uint32_t kErrorPathNotFound = 3;
   if (CharacterCount(windowsPath) > kMaxAnsiPath) {
     SetLastError(kErrorFilenameExcedRange);
     return {};
@@ -252,6 +243,11 @@ bool IsFileHeld(const std::string& hostPath) {
   const bool held = ::flock(fd, LOCK_EX | LOCK_NB) != 0;
   ::close(fd);
   return held;
+}
+
+bool ParentIsFolder(const std::string& hostPath) {
+  const size_t slash = hostPath.rfind('/');
+  return slash != std::string::npos && IsFolder(slash == 0 ? "/" : hostPath.substr(0, slash));
 }
 
 bool IsReadOnly(const std::string& hostPath) {
@@ -331,22 +327,18 @@ std::vector<std::string> FolderFileNames(const std::string& folder) {
 }
 
 FileHandle OpenFileExclusive(const std::string& path) {
-  constexpr uint32_t kErrorAccessDenied = 5;
-  constexpr uint32_t kErrorSharingViolation = 32;
-  constexpr uint32_t kErrorPathNotFound = 3;
   const std::string host = portable::ResolveHostPath(path);
   if (host.empty()) return kInvalidFile;
-  if (portable::IsFolder(host) || portable::IsReadOnly(host)) {
-    portable::SetLastError(kErrorAccessDenied);
-    return kInvalidFile;
-  }
-  if (portable::IsFileHeld(host)) {
+  // A simulated holder; a real one keeps the lock below from being taken.
+  if (portable::HeldFiles().count(host) != 0) {
     portable::SetLastError(kErrorSharingViolation);
     return kInvalidFile;
   }
+  // A folder, or a read-only file unless root opens it (as under Wine), is
+  // refused by the open itself.
   const int fd = ::open(host.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
   if (fd < 0) {
-    portable::SetLastError(errno == ENOENT ? kErrorPathNotFound : kErrorAccessDenied);
+    portable::SetLastError(errno == ENOENT ? kErrorPathNotFound : portable::kErrorAccessDenied);
     return kInvalidFile;
   }
   if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
@@ -370,10 +362,7 @@ namespace {
 // folder, a missing folder, or no permission.
 [[noreturn]] void RaiseOpenError(const std::string& host) {
   if (errno != ENOENT) RaiseFileSystemError(kErrPermissionDenied);
-  const size_t slash = host.rfind('/');
-  const bool folder =
-      slash != std::string::npos && portable::IsFolder(slash == 0 ? "/" : host.substr(0, slash));
-  RaiseFileSystemError(folder ? kErrFileNotFound : kErrPathNotFound);
+  RaiseFileSystemError(portable::ParentIsFolder(host) ? kErrFileNotFound : kErrPathNotFound);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "platform/LastError.h"
 #include "runtime/Text.h"
 
 namespace kestrivon::platform::portable {
@@ -15,6 +16,17 @@ namespace kestrivon::platform::portable {
 double LocalDateFromUnixSeconds(int64_t seconds);
 
 void SetLastError(uint32_t code);
+
+// Milliseconds of the monotonic clock, whatever virtual clock is in effect.
+uint64_t RealMilliseconds();
+
+// The Win32 codes the portable calls leave that LastError.h does not name
+// (it cannot: the registry's int32_t ones share their names).
+inline constexpr uint32_t kErrorFileNotFound = 2;
+inline constexpr uint32_t kErrorAccessDenied = 5;
+inline constexpr uint32_t kErrorInvalidHandle = 6;
+inline constexpr uint32_t kErrorInvalidParameter = 87;
+inline constexpr uint32_t kErrorBufferOverflow = 111;
 
 using kestrivon::EqualNoCase;
 using kestrivon::LowerAscii;
@@ -36,5 +48,11 @@ bool IsFileHeld(const std::string& hostPath);
 
 // True when the file carries the read-only attribute (no owner write bit).
 bool IsReadOnly(const std::string& hostPath);
+
+bool IsFolder(const std::string& hostPath);
+
+// True when the folder that would hold the path exists: a missing file in
+// it is ERROR_FILE_NOT_FOUND, otherwise the path is not found.
+bool ParentIsFolder(const std::string& hostPath);
 
 }  // namespace kestrivon::platform::portable

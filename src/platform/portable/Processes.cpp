@@ -8,7 +8,6 @@
 #include <sys/syscall.h>
 #include <sys/un.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -29,8 +28,6 @@ namespace kestrivon::platform {
 namespace portable {
 namespace {
 
-constexpr uint32_t kErrorFileNotFound = 2;
-constexpr uint32_t kErrorInvalidHandle = 6;
 constexpr uint32_t kErrorNotGuiProcess = 1471;
 constexpr Handle kFirstHandle = 0x60;
 
@@ -90,12 +87,6 @@ void ReapOrphans() {
       ++it;
     }
   }
-}
-
-uint64_t RealMilliseconds() {
-  timespec now{};
-  clock_gettime(CLOCK_MONOTONIC, &now);
-  return static_cast<uint64_t>(now.tv_sec) * 1000u + static_cast<uint64_t>(now.tv_nsec) / 1000000u;
 }
 
 bool IsExecutable(const std::string& hostPath) {
@@ -287,13 +278,9 @@ uint32_t WaitForSingleObject(Handle handle, uint32_t milliseconds) {
     int slice = 50;
     if (milliseconds != kInfinite)
       slice = static_cast<int>(std::min<uint64_t>(50, milliseconds - waited));
-    if (pidfd >= 0) {
-      pollfd fd{pidfd, POLLIN, 0};
-      ::poll(&fd, 1, slice);
-    } else {
-      timespec delay{0, 1000000L};
-      ::nanosleep(&delay, nullptr);
-    }
+    // Without a pidfd (a kernel before 5.3) the poll only sleeps the slice.
+    pollfd fd{pidfd, POLLIN, 0};
+    ::poll(&fd, pidfd >= 0 ? 1 : 0, slice);
   }
   if (pidfd >= 0) ::close(pidfd);
   return result;
