@@ -63,21 +63,6 @@ bool Exists(const std::string& hostPath) {
   return ::stat(hostPath.c_str(), &st) == 0;
 }
 
-std::vector<std::string> SplitComponents(const std::string& path) {
-  std::vector<std::string> parts;
-  std::string part;
-  for (char c : path) {
-    if (c == '/') {
-      parts.push_back(part);
-      part.clear();
-    } else {
-      part += c;
-    }
-  }
-  parts.push_back(part);
-  return parts;
-}
-
 // The entry of a folder named like `name` without regard to case (the exact
 // name first), or "".
 std::string FindNoCase(const std::string& folder, const std::string& name) {
@@ -123,10 +108,10 @@ std::string ResolveCase(const std::string& hostPath) {
 // or the share's for a UNC path), and takes runs of separators for one.
 std::string Collapse(const std::string& rest) {
   std::vector<std::string> kept;
-  for (std::string& part : SplitComponents(rest)) {
+  for (std::string& part : SplitPath(rest, '/')) {
     if (part == "..") {
       if (!kept.empty()) kept.pop_back();
-    } else if (!part.empty() && part != ".") {
+    } else if (part != ".") {
       kept.push_back(std::move(part));
     }
   }
@@ -172,7 +157,7 @@ std::string HostPath(const std::string& windowsPath) {
     }
     const size_t share = std::min(rest.find('/', server + 1), rest.size());
     // Windows takes "." and ".." there for names, of no server or share.
-    for (const std::string& name : SplitComponents(rest.substr(0, share))) {
+    for (const std::string& name : SplitPath(rest.substr(0, share), '/')) {
       if (name == "." || name == "..") return {};
     }
     return Join(Mapping().uncRoot, rest.substr(0, share) + Collapse(rest.substr(share)));

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "platform/LastError.h"
 #include "runtime/Text.h"
@@ -36,6 +37,10 @@ using kestrivon::LowerAscii;
 inline constexpr size_t kMaxAnsiPath = 260;
 inline constexpr uint32_t kErrorFilenameExcedRange = 206;
 size_t CharacterCount(const std::string& utf8);
+
+// The parts of a path between separators; empty ones (a run of separators,
+// one at either end) are dropped.
+std::vector<std::string> SplitPath(const std::string& path, char separator);
 
 // The host path of a Windows path with each component matched without
 // regard to case, or "" with the last error set when the name is too long
