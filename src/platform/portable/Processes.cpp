@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -75,6 +76,14 @@ bool Reap(pid_t pid) {
     return true;
   }
   return false;
+}
+
+// The process behind a handle, or none with ERROR_INVALID_HANDLE left.
+std::optional<pid_t> ProcessOf(Handle handle) {
+  const auto it = Table().handles.find(handle);
+  if (it != Table().handles.end()) return it->second;
+  SetLastError(kErrorInvalidHandle);
+  return std::nullopt;
 }
 
 // Children whose handles were all closed before they ended.
@@ -259,12 +268,9 @@ bool CreateProcessA(const std::string& commandLine, bool inheritHandles, uint32_
 }
 
 uint32_t WaitForSingleObject(Handle handle, uint32_t milliseconds) {
-  auto it = portable::Table().handles.find(handle);
-  if (it == portable::Table().handles.end()) {
-    portable::SetLastError(portable::kErrorInvalidHandle);
-    return kWaitFailed;
-  }
-  const pid_t pid = it->second;
+  const std::optional<pid_t> process = portable::ProcessOf(handle);
+  if (!process) return kWaitFailed;
+  const pid_t pid = *process;
   const uint64_t start = portable::RealMilliseconds();
   const int pidfd = static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
   uint32_t result = kWaitTimeout;
@@ -287,33 +293,22 @@ uint32_t WaitForSingleObject(Handle handle, uint32_t milliseconds) {
 }
 
 uint32_t WaitForInputIdle(Handle process, uint32_t /*milliseconds*/) {
-  if (portable::Table().handles.count(process) == 0) {
-    portable::SetLastError(portable::kErrorInvalidHandle);
-    return kWaitFailed;
-  }
-  portable::SetLastError(portable::kErrorNotGuiProcess);
+  if (portable::ProcessOf(process)) portable::SetLastError(portable::kErrorNotGuiProcess);
   return kWaitFailed;
 }
 
 bool GetExitCodeProcess(Handle process, uint32_t* exitCode) {
-  auto it = portable::Table().handles.find(process);
-  if (it == portable::Table().handles.end() || exitCode == nullptr) {
-    portable::SetLastError(portable::kErrorInvalidHandle);
-    return false;
-  }
-  portable::Reap(it->second);
-  *exitCode = portable::Table().processes[it->second].exitCode;
+  const std::optional<pid_t> pid = portable::ProcessOf(process);
+  if (!pid || exitCode == nullptr) return false;
+  portable::Reap(*pid);
+  *exitCode = portable::Table().processes[*pid].exitCode;
   return true;
 }
 
 bool TerminateProcess(Handle process, uint32_t exitCode) {
-  auto it = portable::Table().handles.find(process);
-  if (it == portable::Table().handles.end()) {
-    portable::SetLastError(portable::kErrorInvalidHandle);
-    return false;
-  }
-  const pid_t pid = it->second;
-  if (portable::Reap(pid)) return false;
+  const std::optional<pid_t> running = portable::ProcessOf(process);
+  if (!running || portable::Reap(*running)) return false;
+  const pid_t pid = *running;
   portable::Table().processes[pid].exitCode = exitCode;
   ::kill(pid, SIGKILL);
   int status = 0;
@@ -323,13 +318,10 @@ bool TerminateProcess(Handle process, uint32_t exitCode) {
 }
 
 bool CloseHandle(Handle handle) {
-  auto it = portable::Table().handles.find(handle);
-  if (it == portable::Table().handles.end()) {
-    portable::SetLastError(portable::kErrorInvalidHandle);
-    return false;
-  }
-  const pid_t pid = it->second;
-  portable::Table().handles.erase(it);
+  const std::optional<pid_t> process = portable::ProcessOf(handle);
+  if (!process) return false;
+  const pid_t pid = *process;
+  portable::Table().handles.erase(handle);
   bool stillReferenced = false;
   for (const auto& [h, p] : portable::Table().handles) stillReferenced |= p == pid;
   if (!stillReferenced) {
