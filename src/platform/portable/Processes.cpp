@@ -130,14 +130,7 @@ std::string FindProgram(const std::string& name) {
   }
   folders.emplace_back(".");
   if (const char* path = std::getenv("PATH")) {
-    std::string list = path;
-    size_t start = 0;
-    while (start <= list.size()) {
-      const size_t colon = list.find(':', start);
-      folders.push_back(list.substr(start, colon - start));
-      if (colon == std::string::npos) break;
-      start = colon + 1;
-    }
+    for (std::string& folder : SplitPath(path, ':')) folders.push_back(std::move(folder));
   }
   for (const auto& folder : folders) {
     if (folder.empty()) continue;
