@@ -56,14 +56,6 @@ TEST_F(PathMapping, DrivesAndUncPathsLandOnTheirHostFolders) {
   EXPECT_EQ(portable::WindowsPath("/etc/hosts"), "Z:\\etc\\hosts");
 }
 
-TEST_F(PathMapping, NamesMatchWithoutRegardToCase) {
-  std::ofstream(root / "C" / "Out" / "Report.PDF") << "x";
-  EXPECT_TRUE(FileExists("c:\\out\\report.pdf"));
-  EXPECT_TRUE(FolderExists("C:\\OUT"));
-  DeleteFileWithForce("C:\\OUT\\REPORT.pdf", false);
-  EXPECT_FALSE(fs::exists(root / "C" / "Out" / "Report.PDF"));
-}
-
 TEST_F(PathMapping, AServerAloneIsNoFolderAndCannotBeMade) {
   EXPECT_FALSE(FolderExists("\\\\server"));
   EXPECT_TRUE(FolderExists("\\\\server\\share"));
