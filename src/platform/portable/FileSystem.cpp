@@ -10,7 +10,6 @@
 #include <array>
 #include <cctype>
 #include <cerrno>
-#include <set>
 #include <vector>
 
 #include "platform/FileSystem.h"
@@ -31,11 +30,6 @@ struct PathMapping {
 PathMapping& Mapping() {
   static PathMapping mapping;
   return mapping;
-}
-
-std::set<std::string>& HeldFiles() {
-  static std::set<std::string> held;
-  return held;
 }
 
 bool IsSeparator(char c) { return c == '\\' || c == '/'; }
@@ -213,16 +207,7 @@ std::string ResolveHostPath(const std::string& windowsPath) {
   return ResolveCase(host);
 }
 
-void HoldFile(const std::string& windowsPath) { HeldFiles().insert(ResolveHostPath(windowsPath)); }
-
-void ReleaseFile(const std::string& windowsPath) {
-  HeldFiles().erase(ResolveHostPath(windowsPath));
-}
-
-void ReleaseAllFiles() { HeldFiles().clear(); }
-
 bool IsFileHeld(const std::string& hostPath) {
-  if (HeldFiles().count(hostPath) != 0) return true;
   const int fd = ::open(hostPath.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return false;
   const bool held = ::flock(fd, LOCK_EX | LOCK_NB) != 0;
@@ -314,11 +299,6 @@ std::vector<std::string> FolderFileNames(const std::string& folder) {
 FileHandle OpenFileExclusive(const std::string& path) {
   const std::string host = portable::ResolveHostPath(path);
   if (host.empty()) return kInvalidFile;
-  // A simulated holder; a real one keeps the lock below from being taken.
-  if (portable::HeldFiles().count(host) != 0) {
-    portable::SetLastError(kErrorSharingViolation);
-    return kInvalidFile;
-  }
   // A folder, or a read-only file unless root opens it (as under Wine), is
   // refused by the open itself.
   const int fd = ::open(host.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);

@@ -47,8 +47,8 @@ std::vector<std::string> SplitPath(const std::string& path, char separator);
 // or lies on no mapped drive.
 std::string ResolveHostPath(const std::string& windowsPath);
 
-// True when a file is held open by someone else (a simulated holder or a
-// process with an exclusive lock on it).
+// True when a file is held open by someone else: a process with an
+// exclusive lock on it.
 bool IsFileHeld(const std::string& hostPath);
 
 // True when the file carries the read-only attribute (no owner write bit).
