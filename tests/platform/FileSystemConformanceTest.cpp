@@ -5,7 +5,9 @@
 
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"
+#include "platform/LastError.h"
 #include "runtime/RunTimeError.h"
+#include "runtime/Text.h"
 #include "support/Fixture.h"
 
 namespace kestrivon::test {
@@ -22,6 +24,8 @@ TEST(FileSystemConformance, ExistenceTellsFilesFromFolders) {
   EXPECT_FALSE(FileExists(folder / "sub"));
   EXPECT_FALSE(FileExists(folder / "absent.txt"));
   EXPECT_TRUE(FolderExists(folder / "sub"));
+  // Every name of the path, the drive's included, matches without regard to case.
+  EXPECT_TRUE(FileExists(UpperAscii(folder / "sub\\..\\file.txt")));
   EXPECT_TRUE(FolderExists(folder / "sub\\"));
   EXPECT_TRUE(FolderExists(folder / "sub\\\\"));
   EXPECT_FALSE(FolderExists(folder / "file.txt"));
@@ -57,7 +61,7 @@ TEST(FileSystemConformance, DeleteFileForcedAndUnforced) {
   WriteWholeFile(readOnly, "x");
   SetReadOnly(readOnly, true);
 
-  EXPECT_EQ(ErrorOf([&] { DeleteFileWithForce(plain, false); }), 0);
+  EXPECT_EQ(ErrorOf([&] { DeleteFileWithForce(folder / "PLAIN.TXT", false); }), 0);
   EXPECT_FALSE(PathExists(plain));
   EXPECT_EQ(ErrorOf([&] { DeleteFileWithForce(plain, true); }), 53);
   EXPECT_EQ(ErrorOf([&] { DeleteFileWithForce(readOnly, false); }), 70);
@@ -100,6 +104,9 @@ TEST(FileSystemConformance, ExclusiveOpenLocksOutEveryOtherOpen) {
   CloseFile(created);
   EXPECT_TRUE(FileExists(folder / "created.pdf"));
   EXPECT_EQ(OpenFileExclusive(folder / "nodir\\x.pdf"), kInvalidFile);
+  MakeFolder(folder / "sub");
+  EXPECT_EQ(OpenFileExclusive(folder / "sub"), kInvalidFile);
+  EXPECT_EQ(GetLastError(), 5u);
 }
 
 TEST(FileSystemConformance, CreationTimeIsLocalTimeInWholeSeconds) {

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <thread>
 
 #include "platform/LastError.h"
@@ -104,15 +105,24 @@ TEST(ProcessesConformance, ArgumentsFollowTheRunTimeRules) {
   ScratchFolder folder;
   const std::string out = folder / "args.txt";
   ExitCodeOf(Quoted(ChildProgram()) + " args " + Quoted(NativePath(out)) +
-             R"( a "b c" d\"e "f\\" g)");
-  EXPECT_EQ(ReadWholeFile(out), "a\nb c\nd\"e\nf\\\ng\n");
+             R"( a "b c" d\"e "f\\" g C:\h\\i "j""k" l)");
+  EXPECT_EQ(ReadWholeFile(out), "a\nb c\nd\"e\nf\\\ng\nC:\\h\\\\i\nj\"k\nl\n");
 }
 
 TEST(ProcessesConformance, BadHandlesFail) {
-  EXPECT_EQ(WaitForSingleObject(0x7FF0, 10), kWaitFailed);
-  EXPECT_EQ(WaitForInputIdle(0x7FF0, 10), kWaitFailed);
-  EXPECT_FALSE(CloseHandle(0x7FF0));
-  EXPECT_EQ(GetLastError(), 6u);
+  constexpr Handle kNone = 0x7FF0;
+  uint32_t code = 0;
+  const std::function<bool()> calls[] = {
+      [] { return WaitForSingleObject(kNone, 10) == kWaitFailed; },
+      [] { return WaitForInputIdle(kNone, 10) == kWaitFailed; },
+      [&code] { return !GetExitCodeProcess(kNone, &code); },
+      [] { return !TerminateProcess(kNone, 1); },
+      [] { return !CloseHandle(kNone); },
+  };
+  for (size_t i = 0; i < std::size(calls); ++i) {
+    EXPECT_TRUE(calls[i]()) << "call " << i;
+    EXPECT_EQ(GetLastError(), 6u) << "call " << i;
+  }
 }
 
 // A machine lock has one holder; another waits for it, or times out.

@@ -54,9 +54,18 @@ TEST_F(RegistryConformance, KeyPathSyntax) {
   EXPECT_EQ(RegCloseKey(parent), kErrorSuccess);
 }
 
-TEST_F(RegistryConformance, ClosingAnswersByHandle) {
+TEST_F(RegistryConformance, CallsAnswerByHandle) {
+  constexpr HKey kNone = 0x7FF0;
+  HKey key = 0;
+  uint32_t size = 0;
   EXPECT_EQ(RegCloseKey(0), kErrorInvalidHandle);
   EXPECT_EQ(RegCloseKey(kHKeyCurrentUser), kErrorSuccess);
+  EXPECT_EQ(RegOpenKeyExA(kNone, "", 0, kRead, &key), kErrorInvalidHandle);
+  EXPECT_EQ(RegQueryValueExA(kNone, "V", nullptr, nullptr, &size), kErrorInvalidHandle);
+  EXPECT_EQ(RegSetValueExA(kNone, "V", kRegSz, "x", 2), kErrorInvalidHandle);
+  // A hive's own values are read without opening it.
+  EXPECT_EQ(RegQueryValueExA(kHKeyCurrentUser, "KestrivonNoSuchValue", nullptr, nullptr, &size),
+            kErrorFileNotFound);
 }
 
 TEST_F(RegistryConformance, QueryAnswersTypeSizeAndData) {

@@ -36,5 +36,13 @@ TEST(SpoolerConformance, OpensPrintersByNameAndCountsTheirJobs) {
   }
 }
 
+TEST(SpoolerConformance, AHandleThatIsNoneIsRefused) {
+  constexpr PrinterHandle kNone = 0x7FF0;
+  EXPECT_FALSE(ClosePrinterHandle(kNone));
+  EXPECT_EQ(GetLastError(), 6u);
+  EXPECT_EQ(PrinterStatus(kNone), std::nullopt);
+  EXPECT_EQ(QueuedJobCount(kNone, 5), 0u) << "no job can be listed";
+}
+
 }  // namespace
 }  // namespace kestrivon::test

@@ -47,14 +47,17 @@ void VirtualClock::Sleep(uint32_t milliseconds) {
   Advance(milliseconds);
 }
 
+uint64_t RealMilliseconds() {
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<uint64_t>(now.tv_sec) * 1000u + static_cast<uint64_t>(now.tv_nsec) / 1000000u;
+}
+
 }  // namespace portable
 
 uint32_t GetTickCount() {
   if (auto* clock = portable::VirtualClock::Current()) return clock->Ticks();
-  timespec now{};
-  clock_gettime(CLOCK_MONOTONIC, &now);
-  return static_cast<uint32_t>(static_cast<uint64_t>(now.tv_sec) * 1000u +
-                               static_cast<uint64_t>(now.tv_nsec) / 1000000u);
+  return static_cast<uint32_t>(portable::RealMilliseconds());
 }
 
 void Sleep(uint32_t milliseconds) {
@@ -77,12 +80,7 @@ double Now() {
 
 LocalTime LocalTimeNow() {
   timespec now{};
-  if (auto* clock = portable::VirtualClock::Current()) {
-    now.tv_sec = static_cast<time_t>(clock->UnixSeconds());
-    now.tv_nsec = static_cast<long>(clock->Elapsed() % 1000) * 1000000L;
-  } else {
-    clock_gettime(CLOCK_REALTIME, &now);
-  }
+  clock_gettime(CLOCK_REALTIME, &now);
   std::tm local{};
   localtime_r(&now.tv_sec, &local);
   LocalTime time;

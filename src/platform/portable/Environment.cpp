@@ -12,8 +12,6 @@ extern char** environ;
 namespace kestrivon::platform {
 namespace {
 
-constexpr uint32_t kErrorInvalidParameter = 87;
-
 // The names in the environment that match name.
 std::vector<std::string> MatchingNames(const std::string& name) {
   std::vector<std::string> names;
@@ -39,7 +37,7 @@ std::optional<std::string> EnvironmentVariable(const std::string& name) {
 
 bool SetEnvironmentVariableTo(const std::string& name, const std::optional<std::string>& value) {
   if (name.empty() || name.find('=') != std::string::npos) {
-    portable::SetLastError(kErrorInvalidParameter);
+    portable::SetLastError(portable::kErrorInvalidParameter);
     return false;
   }
   for (const std::string& existing : MatchingNames(name)) ::unsetenv(existing.c_str());

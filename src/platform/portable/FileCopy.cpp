@@ -13,8 +13,8 @@
 namespace kestrivon::platform {
 namespace {
 
-constexpr uint32_t kErrorFileNotFound = 2;
-constexpr uint32_t kErrorAccessDenied = 5;
+using portable::kErrorAccessDenied;
+using portable::kErrorFileNotFound;
 
 // The failure's Win32 code, left as the last error; answers false.
 bool Fail(uint32_t code) {

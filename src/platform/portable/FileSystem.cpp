@@ -10,7 +10,6 @@
 #include <array>
 #include <cctype>
 #include <cerrno>
-#include <set>
 #include <vector>
 
 #include "platform/FileSystem.h"
@@ -31,11 +30,6 @@ struct PathMapping {
 PathMapping& Mapping() {
   static PathMapping mapping;
   return mapping;
-}
-
-std::set<std::string>& HeldFiles() {
-  static std::set<std::string> held;
-  return held;
 }
 
 bool IsSeparator(char c) { return c == '\\' || c == '/'; }
@@ -61,21 +55,6 @@ std::string Join(const std::string& root, const std::string& rest) {
 bool Exists(const std::string& hostPath) {
   struct stat st {};
   return ::stat(hostPath.c_str(), &st) == 0;
-}
-
-std::vector<std::string> SplitComponents(const std::string& path) {
-  std::vector<std::string> parts;
-  std::string part;
-  for (char c : path) {
-    if (c == '/') {
-      parts.push_back(part);
-      part.clear();
-    } else {
-      part += c;
-    }
-  }
-  parts.push_back(part);
-  return parts;
 }
 
 // The entry of a folder named like `name` without regard to case (the exact
@@ -140,10 +119,10 @@ std::string Collapse(const std::string& rest) {
   // Most paths are already in this form: spared a copy per component.
   if (IsCollapsed(rest)) return rest;
   std::vector<std::string> kept;
-  for (std::string& part : SplitComponents(rest)) {
+  for (std::string& part : SplitPath(rest, '/')) {
     if (part == "..") {
       if (!kept.empty()) kept.pop_back();
-    } else if (!part.empty() && part != ".") {
+    } else if (part != ".") {
       kept.push_back(std::move(part));
     }
   }
@@ -158,12 +137,12 @@ bool IsFile(const std::string& hostPath) {
   return !hostPath.empty() && ::stat(hostPath.c_str(), &st) == 0 && !S_ISDIR(st.st_mode);
 }
 
+}  // namespace
+
 bool IsFolder(const std::string& hostPath) {
   struct stat st {};
   return !hostPath.empty() && ::stat(hostPath.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
 }
-
-}  // namespace
 
 void MapDrive(char letter, const std::string& hostFolder) {
   const int index = std::toupper(static_cast<unsigned char>(letter)) - 'A';
@@ -189,7 +168,7 @@ std::string HostPath(const std::string& windowsPath) {
     }
     const size_t share = std::min(rest.find('/', server + 1), rest.size());
     // Windows takes "." and ".." there for names, of no server or share.
-    for (const std::string& name : SplitComponents(rest.substr(0, share))) {
+    for (const std::string& name : SplitPath(rest.substr(0, share), '/')) {
       if (name == "." || name == "..") return {};
     }
     return Join(Mapping().uncRoot, rest.substr(0, share) + Collapse(rest.substr(share)));
@@ -204,14 +183,9 @@ std::string HostPath(const std::string& windowsPath) {
 }
 
 std::string WindowsPath(const std::string& hostPath) {
-  if (hostPath.empty() || hostPath.front() != '/') {
-    std::string relative = hostPath;
-    std::replace(relative.begin(), relative.end(), '/', '\\');
-    return relative;
-  }
   size_t bestLength = 0;
   int best = -1;
-  for (int i = 0; i < 26; ++i) {
+  for (int i = 0; i < 26 && !hostPath.empty() && hostPath.front() == '/'; ++i) {
     const std::string root = StripTrailingSlash(Mapping().drives[static_cast<size_t>(i)]);
     if (root.empty()) continue;
     const bool matches = root == "/" || hostPath == root ||
@@ -223,13 +197,10 @@ std::string WindowsPath(const std::string& hostPath) {
       bestLength = length;
     }
   }
-  if (best < 0) {
-    std::string path = hostPath;
-    std::replace(path.begin(), path.end(), '/', '\\');
-    return path;
-  }
+  // A relative path, or one on no drive, keeps its form with backslashes.
   std::string rest = hostPath.substr(bestLength);
   std::replace(rest.begin(), rest.end(), '/', '\\');
+  if (best < 0) return rest;
   if (rest.empty() || rest.front() != '\\') rest.insert(rest.begin(), '\\');
   return std::string(1, static_cast<char>('A' + best)) + ":" + rest;
 }
@@ -241,7 +212,6 @@ size_t CharacterCount(const std::string& utf8) {
 }
 
 std::string ResolveHostPath(const std::string& windowsPath) {
-  constexpr uint32_t kErrorPathNotFound = 3;
   if (CharacterCount(windowsPath) > kMaxAnsiPath) {
     SetLastError(kErrorFilenameExcedRange);
     return {};
@@ -254,21 +224,17 @@ std::string ResolveHostPath(const std::string& windowsPath) {
   return ResolveCase(host);
 }
 
-void HoldFile(const std::string& windowsPath) { HeldFiles().insert(ResolveHostPath(windowsPath)); }
-
-void ReleaseFile(const std::string& windowsPath) {
-  HeldFiles().erase(ResolveHostPath(windowsPath));
-}
-
-void ReleaseAllFiles() { HeldFiles().clear(); }
-
 bool IsFileHeld(const std::string& hostPath) {
-  if (HeldFiles().count(hostPath) != 0) return true;
   const int fd = ::open(hostPath.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return false;
   const bool held = ::flock(fd, LOCK_EX | LOCK_NB) != 0;
   ::close(fd);
   return held;
+}
+
+bool ParentIsFolder(const std::string& hostPath) {
+  const size_t slash = hostPath.rfind('/');
+  return slash != std::string::npos && IsFolder(slash == 0 ? "/" : hostPath.substr(0, slash));
 }
 
 bool IsReadOnly(const std::string& hostPath) {
@@ -348,22 +314,13 @@ std::vector<std::string> FolderFileNames(const std::string& folder) {
 }
 
 FileHandle OpenFileExclusive(const std::string& path) {
-  constexpr uint32_t kErrorAccessDenied = 5;
-  constexpr uint32_t kErrorSharingViolation = 32;
-  constexpr uint32_t kErrorPathNotFound = 3;
   const std::string host = portable::ResolveHostPath(path);
   if (host.empty()) return kInvalidFile;
-  if (portable::IsFolder(host) || portable::IsReadOnly(host)) {
-    portable::SetLastError(kErrorAccessDenied);
-    return kInvalidFile;
-  }
-  if (portable::IsFileHeld(host)) {
-    portable::SetLastError(kErrorSharingViolation);
-    return kInvalidFile;
-  }
+  // A folder, or a read-only file unless root opens it (as under Wine), is
+  // refused by the open itself.
   const int fd = ::open(host.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
   if (fd < 0) {
-    portable::SetLastError(errno == ENOENT ? kErrorPathNotFound : kErrorAccessDenied);
+    portable::SetLastError(errno == ENOENT ? kErrorPathNotFound : portable::kErrorAccessDenied);
     return kInvalidFile;
   }
   if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
@@ -387,10 +344,7 @@ namespace {
 // folder, a missing folder, or no permission.
 [[noreturn]] void RaiseOpenError(const std::string& host) {
   if (errno != ENOENT) RaiseFileSystemError(kErrPermissionDenied);
-  const size_t slash = host.rfind('/');
-  const bool folder =
-      slash != std::string::npos && portable::IsFolder(slash == 0 ? "/" : host.substr(0, slash));
-  RaiseFileSystemError(folder ? kErrFileNotFound : kErrPathNotFound);
+  RaiseFileSystemError(portable::ParentIsFolder(host) ? kErrFileNotFound : kErrPathNotFound);
 }
 
 }  // namespace

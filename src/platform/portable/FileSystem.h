@@ -16,11 +16,4 @@ void ResetPathMapping();
 std::string HostPath(const std::string& windowsPath);
 std::string WindowsPath(const std::string& hostPath);
 
-// A simulated writer: while a file is held, it cannot be opened
-// exclusively or deleted, as if a driver still had it open. Processes that
-// take an exclusive flock on a file hold it the same way.
-void HoldFile(const std::string& windowsPath);
-void ReleaseFile(const std::string& windowsPath);
-void ReleaseAllFiles();
-
 }  // namespace kestrivon::platform::portable

@@ -26,6 +26,16 @@ double LocalDateFromUnixSeconds(int64_t seconds) {
 
 void SetLastError(uint32_t code) { t_lastError = code; }
 
+std::vector<std::string> SplitPath(const std::string& path, char separator) {
+  std::vector<std::string> parts;
+  for (size_t start = 0; start <= path.size();) {
+    const size_t end = std::min(path.find(separator, start), path.size());
+    if (end > start) parts.push_back(path.substr(start, end - start));
+    start = end + 1;
+  }
+  return parts;
+}
+
 }  // namespace portable
 
 uint32_t GetLastError() { return portable::t_lastError; }

@@ -8,10 +8,9 @@
 namespace kestrivon::platform {
 
 std::optional<std::string> LocaleDateTimeText(double date) {
-  constexpr uint32_t kErrorInvalidParameter = 87;
   const CivilTime civil = std::isfinite(date) ? CivilFromDate(date) : CivilTime{};
   if (civil.year < 1601 || civil.year > 9999) {
-    portable::SetLastError(kErrorInvalidParameter);
+    portable::SetLastError(portable::kErrorInvalidParameter);
     return std::nullopt;
   }
   const int hour12 = civil.hour % 12 == 0 ? 12 : civil.hour % 12;

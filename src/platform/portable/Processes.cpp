@@ -8,7 +8,6 @@
 #include <sys/syscall.h>
 #include <sys/un.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -17,6 +16,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -29,8 +29,6 @@ namespace kestrivon::platform {
 namespace portable {
 namespace {
 
-constexpr uint32_t kErrorFileNotFound = 2;
-constexpr uint32_t kErrorInvalidHandle = 6;
 constexpr uint32_t kErrorNotGuiProcess = 1471;
 constexpr Handle kFirstHandle = 0x60;
 
@@ -80,6 +78,14 @@ bool Reap(pid_t pid) {
   return false;
 }
 
+// The process behind a handle, or none with ERROR_INVALID_HANDLE left.
+std::optional<pid_t> ProcessOf(Handle handle) {
+  const auto it = Table().handles.find(handle);
+  if (it != Table().handles.end()) return it->second;
+  SetLastError(kErrorInvalidHandle);
+  return std::nullopt;
+}
+
 // Children whose handles were all closed before they ended.
 void ReapOrphans() {
   for (auto it = Table().orphans.begin(); it != Table().orphans.end();) {
@@ -90,12 +96,6 @@ void ReapOrphans() {
       ++it;
     }
   }
-}
-
-uint64_t RealMilliseconds() {
-  timespec now{};
-  clock_gettime(CLOCK_MONOTONIC, &now);
-  return static_cast<uint64_t>(now.tv_sec) * 1000u + static_cast<uint64_t>(now.tv_nsec) / 1000000u;
 }
 
 bool IsExecutable(const std::string& hostPath) {
@@ -130,14 +130,7 @@ std::string FindProgram(const std::string& name) {
   }
   folders.emplace_back(".");
   if (const char* path = std::getenv("PATH")) {
-    std::string list = path;
-    size_t start = 0;
-    while (start <= list.size()) {
-      const size_t colon = list.find(':', start);
-      folders.push_back(list.substr(start, colon - start));
-      if (colon == std::string::npos) break;
-      start = colon + 1;
-    }
+    for (std::string& folder : SplitPath(path, ':')) folders.push_back(std::move(folder));
   }
   for (const auto& folder : folders) {
     if (folder.empty()) continue;
@@ -268,12 +261,9 @@ bool CreateProcessA(const std::string& commandLine, bool inheritHandles, uint32_
 }
 
 uint32_t WaitForSingleObject(Handle handle, uint32_t milliseconds) {
-  auto it = portable::Table().handles.find(handle);
-  if (it == portable::Table().handles.end()) {
-    portable::SetLastError(portable::kErrorInvalidHandle);
-    return kWaitFailed;
-  }
-  const pid_t pid = it->second;
+  const std::optional<pid_t> process = portable::ProcessOf(handle);
+  if (!process) return kWaitFailed;
+  const pid_t pid = *process;
   const uint64_t start = portable::RealMilliseconds();
   const int pidfd = static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
   uint32_t result = kWaitTimeout;
@@ -287,46 +277,31 @@ uint32_t WaitForSingleObject(Handle handle, uint32_t milliseconds) {
     int slice = 50;
     if (milliseconds != kInfinite)
       slice = static_cast<int>(std::min<uint64_t>(50, milliseconds - waited));
-    if (pidfd >= 0) {
-      pollfd fd{pidfd, POLLIN, 0};
-      ::poll(&fd, 1, slice);
-    } else {
-      timespec delay{0, 1000000L};
-      ::nanosleep(&delay, nullptr);
-    }
+    // Without a pidfd (a kernel before 5.3) the poll only sleeps the slice.
+    pollfd fd{pidfd, POLLIN, 0};
+    ::poll(&fd, pidfd >= 0 ? 1 : 0, slice);
   }
   if (pidfd >= 0) ::close(pidfd);
   return result;
 }
 
 uint32_t WaitForInputIdle(Handle process, uint32_t /*milliseconds*/) {
-  if (portable::Table().handles.count(process) == 0) {
-    portable::SetLastError(portable::kErrorInvalidHandle);
-    return kWaitFailed;
-  }
-  portable::SetLastError(portable::kErrorNotGuiProcess);
+  if (portable::ProcessOf(process)) portable::SetLastError(portable::kErrorNotGuiProcess);
   return kWaitFailed;
 }
 
 bool GetExitCodeProcess(Handle process, uint32_t* exitCode) {
-  auto it = portable::Table().handles.find(process);
-  if (it == portable::Table().handles.end() || exitCode == nullptr) {
-    portable::SetLastError(portable::kErrorInvalidHandle);
-    return false;
-  }
-  portable::Reap(it->second);
-  *exitCode = portable::Table().processes[it->second].exitCode;
+  const std::optional<pid_t> pid = portable::ProcessOf(process);
+  if (!pid || exitCode == nullptr) return false;
+  portable::Reap(*pid);
+  *exitCode = portable::Table().processes[*pid].exitCode;
   return true;
 }
 
 bool TerminateProcess(Handle process, uint32_t exitCode) {
-  auto it = portable::Table().handles.find(process);
-  if (it == portable::Table().handles.end()) {
-    portable::SetLastError(portable::kErrorInvalidHandle);
-    return false;
-  }
-  const pid_t pid = it->second;
-  if (portable::Reap(pid)) return false;
+  const std::optional<pid_t> running = portable::ProcessOf(process);
+  if (!running || portable::Reap(*running)) return false;
+  const pid_t pid = *running;
   portable::Table().processes[pid].exitCode = exitCode;
   ::kill(pid, SIGKILL);
   int status = 0;
@@ -336,13 +311,10 @@ bool TerminateProcess(Handle process, uint32_t exitCode) {
 }
 
 bool CloseHandle(Handle handle) {
-  auto it = portable::Table().handles.find(handle);
-  if (it == portable::Table().handles.end()) {
-    portable::SetLastError(portable::kErrorInvalidHandle);
-    return false;
-  }
-  const pid_t pid = it->second;
-  portable::Table().handles.erase(it);
+  const std::optional<pid_t> process = portable::ProcessOf(handle);
+  if (!process) return false;
+  const pid_t pid = *process;
+  portable::Table().handles.erase(handle);
   bool stillReferenced = false;
   for (const auto& [h, p] : portable::Table().handles) stillReferenced |= p == pid;
   if (!stillReferenced) {

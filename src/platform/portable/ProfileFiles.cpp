@@ -25,11 +25,6 @@ namespace kestrivon::platform {
 namespace portable {
 namespace {
 
-std::optional<std::string>& WindowsDirectoryOverride() {
-  static std::optional<std::string> folder;
-  return folder;
-}
-
 struct Entry {
   std::string name;
   std::optional<std::string> value;
@@ -66,7 +61,6 @@ constexpr off_t kMaxProfileBytes = off_t{256} << 20;
 // why an existing one could not be read. Only a regular file is read: a
 // pipe or a device would never end, so it reads as empty, as under Wine.
 std::optional<Profile> Load(const std::string& hostPath, uint32_t* error = nullptr) {
-  constexpr uint32_t kErrorAccessDenied = 5;
   constexpr uint32_t kErrorNotEnoughMemory = 8;
   if (hostPath.empty()) return std::nullopt;
   const int fd = ::open(hostPath.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
@@ -170,12 +164,7 @@ bool Save(const std::string& hostPath, const Profile& profile) {
 
 }  // namespace
 
-void SetWindowsDirectory(const std::string& windowsPath) {
-  WindowsDirectoryOverride() = windowsPath;
-}
-
 std::string WindowsDirectory() {
-  if (WindowsDirectoryOverride()) return *WindowsDirectoryOverride();
   char buffer[kMaxPath];
   const uint32_t n = GetTempPathA(kMaxPath, buffer);
   std::string folder(buffer, n);
@@ -214,7 +203,8 @@ uint32_t GetPrivateProfileSectionA(const std::string& section, char* buffer, uin
       }
     }
   }
-  if (stream.empty()) {
+  // Nothing, or no room for anything: the buffer is empty (no NUL past it).
+  if (stream.empty() || size < 2) {
     buffer[0] = '\0';
     if (size > 1) buffer[1] = '\0';
     return 0;
@@ -226,10 +216,6 @@ uint32_t GetPrivateProfileSectionA(const std::string& section, char* buffer, uin
   }
   // Too long (or just long enough to fill the buffer): the last string is
   // cut and the buffer ends in two NULs.
-  if (size < 2) {
-    buffer[0] = '\0';
-    return 0;
-  }
   std::memcpy(buffer, stream.data(), size - 2);
   buffer[size - 2] = '\0';
   buffer[size - 1] = '\0';
@@ -238,7 +224,6 @@ uint32_t GetPrivateProfileSectionA(const std::string& section, char* buffer, uin
 
 bool WritePrivateProfileStringA(const std::string& section, const std::string& key,
                                 const std::string& value, const std::string& fileName) {
-  constexpr uint32_t kErrorPathNotFound = 3;
   const std::string hostPath = portable::ProfileHostPath(fileName);
   if (hostPath.empty()) return false;
   uint32_t unreadable = 0;

@@ -4,9 +4,8 @@
 
 namespace kestrivon::platform::portable {
 
-// Where a profile file named without a folder lives (a Windows path);
-// the temporary folder unless set.
-void SetWindowsDirectory(const std::string& windowsPath);
+// Where a profile file named without a folder lives (a Windows path): the
+// temporary folder.
 std::string WindowsDirectory();
 
 }  // namespace kestrivon::platform::portable

@@ -47,21 +47,6 @@ bool IsPredefined(HKey key) {
          key == kHKeyUsers;
 }
 
-std::vector<std::string> SplitKeyPath(const std::string& path) {
-  std::vector<std::string> parts;
-  std::string part;
-  for (char c : path) {
-    if (c == '\\') {
-      if (!part.empty()) parts.push_back(part);
-      part.clear();
-    } else {
-      part += c;
-    }
-  }
-  if (!part.empty()) parts.push_back(part);
-  return parts;
-}
-
 // HKEY_LOCAL_MACHINE\Software of the 32-bit view is Software\Wow6432Node.
 std::vector<std::string> Redirect(HKey hive, std::vector<std::string> path, RegistryView view) {
   if (view != RegistryView::k32 || hive != kHKeyLocalMachine || path.empty() ||
@@ -92,7 +77,7 @@ Node& Make(HKey hive, const std::vector<std::string>& path) {
 }
 
 std::vector<std::string> PathIn(RegistryView view, HKey hive, const std::string& path) {
-  return Redirect(hive, SplitKeyPath(path), view);
+  return Redirect(hive, SplitPath(path, '\\'), view);
 }
 
 }  // namespace
@@ -182,7 +167,7 @@ int32_t RegOpenKeyExA(HKey key, const std::string& subKey, uint32_t /*options*/,
   if (!subKey.empty() && subKey.front() == '\\') return portable::kErrorBadPathname;
   if ((samDesired & kKeyWow64_64Key) != 0) opened.view = RegistryView::k64;
   if ((samDesired & kKeyWow64_32Key) != 0) opened.view = RegistryView::k32;
-  for (auto& part : portable::SplitKeyPath(subKey)) opened.path.push_back(part);
+  for (auto& part : portable::SplitPath(subKey, '\\')) opened.path.push_back(part);
   opened.path = portable::Redirect(opened.hive, opened.path, opened.view);
   opened.access = samDesired;
   if (portable::Find(opened.hive, opened.path) == nullptr) return kErrorFileNotFound;

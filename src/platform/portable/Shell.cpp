@@ -15,9 +15,6 @@ namespace kestrivon::platform {
 namespace portable {
 namespace {
 
-constexpr uint32_t kErrorFileNotFound = 2;
-constexpr uint32_t kErrorInvalidParameter = 87;
-
 std::map<int32_t, std::string>& ShellFolders() {
   static std::map<int32_t, std::string> folders;
   return folders;

@@ -10,8 +10,6 @@ namespace kestrivon::platform {
 namespace portable {
 namespace {
 
-constexpr uint32_t kErrorInvalidHandle = 6;
-
 struct Spooler {
   std::map<std::string, PrinterQueue> printers;  // by lower-case name
   std::map<PrinterHandle, std::string> handles;

@@ -20,11 +20,6 @@ std::optional<std::string>& UserOverride() {
   return name;
 }
 
-std::optional<std::string>& ComputerOverride() {
-  static std::optional<std::string> name;
-  return name;
-}
-
 std::string UserName() {
   if (UserOverride()) return *UserOverride();
   if (const passwd* entry = ::getpwuid(::geteuid())) return entry->pw_name;
@@ -33,46 +28,40 @@ std::string UserName() {
 }
 
 std::string ComputerName() {
-  if (ComputerOverride()) return *ComputerOverride();
   char host[256] = {};
   ::gethostname(host, sizeof host - 1);
   std::string name(host);
   return UpperAscii(name.substr(0, name.find('.')));
 }
 
+// The two calls differ only in the error of a short buffer and in whether
+// the count they answer holds the NUL.
+bool CopyName(const std::string& name, char* buffer, uint32_t* size, int32_t shortBuffer,
+              bool countsNul) {
+  const auto needed = static_cast<uint32_t>(name.size() + 1);
+  if (size == nullptr) return false;
+  if (buffer == nullptr || *size < needed) {
+    *size = needed;
+    SetLastError(static_cast<uint32_t>(shortBuffer));
+    return false;
+  }
+  std::memcpy(buffer, name.c_str(), needed);
+  *size = countsNul ? needed : needed - 1;
+  return true;
+}
+
 }  // namespace
 
 void SetUserName(const std::string& name) { UserOverride() = name; }
-void SetComputerName(const std::string& name) { ComputerOverride() = name; }
 
 }  // namespace portable
 
 bool GetUserNameA(char* buffer, uint32_t* size) {
-  const std::string name = portable::UserName();
-  const auto needed = static_cast<uint32_t>(name.size() + 1);
-  if (size == nullptr) return false;
-  if (buffer == nullptr || *size < needed) {
-    *size = needed;
-    portable::SetLastError(static_cast<uint32_t>(kErrorInsufficientBuffer));
-    return false;
-  }
-  std::memcpy(buffer, name.c_str(), needed);
-  *size = needed;
-  return true;
+  return portable::CopyName(portable::UserName(), buffer, size, kErrorInsufficientBuffer, true);
 }
 
 bool GetComputerNameA(char* buffer, uint32_t* size) {
-  const std::string name = portable::ComputerName();
-  const auto needed = static_cast<uint32_t>(name.size() + 1);
-  if (size == nullptr) return false;
-  if (buffer == nullptr || *size < needed) {
-    *size = needed;
-    portable::SetLastError(static_cast<uint32_t>(kErrorBufferOverflow));
-    return false;
-  }
-  std::memcpy(buffer, name.c_str(), needed);
-  *size = needed - 1;
-  return true;
+  return portable::CopyName(portable::ComputerName(), buffer, size, kErrorBufferOverflow, false);
 }
 
 }  // namespace kestrivon::platform

@@ -19,11 +19,6 @@ namespace kestrivon::platform {
 namespace portable {
 namespace {
 
-constexpr uint32_t kErrorFileNotFound = 2;
-constexpr uint32_t kErrorPathNotFound = 3;
-constexpr uint32_t kErrorAccessDenied = 5;
-constexpr uint32_t kErrorSharingViolation = 32;
-constexpr uint32_t kErrorBufferOverflow = 111;
 constexpr uint32_t kErrorDirectory = 267;
 
 std::optional<std::string>& TempPathOverride() {
@@ -72,8 +67,6 @@ uint32_t GetTempFileNameA(const std::string& pathName, const std::string& prefix
   }
   base += prefix.substr(0, 3);
   const std::string folderHost = portable::ResolveHostPath(pathName);
-  struct stat st {};
-  const bool folderExists = !folderHost.empty() && ::stat(folderHost.c_str(), &st) == 0;
   auto nameFor = [&base](uint32_t number) {
     char digits[16];
     std::snprintf(digits, sizeof digits, "%x.tmp", number);
@@ -82,7 +75,7 @@ uint32_t GetTempFileNameA(const std::string& pathName, const std::string& prefix
   auto store = [buffer](const std::string& name) {
     std::memcpy(buffer, name.c_str(), name.size() + 1);
   };
-  if (!folderExists || !S_ISDIR(st.st_mode)) {
+  if (!portable::IsFolder(folderHost)) {
     portable::SetLastError(portable::kErrorDirectory);
     return 0;
   }
@@ -110,8 +103,7 @@ uint32_t GetTempFileNameA(const std::string& pathName, const std::string& prefix
       return number;
     }
     if (errno != EEXIST) {
-      portable::SetLastError(errno == EACCES ? portable::kErrorAccessDenied
-                                             : portable::kErrorPathNotFound);
+      portable::SetLastError(errno == EACCES ? portable::kErrorAccessDenied : kErrorPathNotFound);
       return 0;
     }
     if ((++number & 0xFFFF) == 0) number = 1;
@@ -125,12 +117,8 @@ bool DeleteFileA(const std::string& fileName) {
   if (host.empty()) return false;
   struct stat st {};
   if (::stat(host.c_str(), &st) != 0) {
-    const size_t slash = host.rfind('/');
-    struct stat parent {};
-    const bool folderThere = slash != std::string::npos &&
-                             ::stat(host.substr(0, slash == 0 ? 1 : slash).c_str(), &parent) == 0;
-    portable::SetLastError(folderThere ? portable::kErrorFileNotFound
-                                       : portable::kErrorPathNotFound);
+    portable::SetLastError(portable::ParentIsFolder(host) ? portable::kErrorFileNotFound
+                                                          : kErrorPathNotFound);
     return false;
   }
   if (S_ISDIR(st.st_mode) || portable::IsReadOnly(host)) {
@@ -138,7 +126,7 @@ bool DeleteFileA(const std::string& fileName) {
     return false;
   }
   if (portable::IsFileHeld(host)) {
-    portable::SetLastError(portable::kErrorSharingViolation);
+    portable::SetLastError(kErrorSharingViolation);
     return false;
   }
   if (::unlink(host.c_str()) != 0) {

@@ -31,7 +31,6 @@ class PathMapping : public ::testing::Test {
   }
   void TearDown() override {
     portable::ResetPathMapping();
-    portable::ReleaseAllFiles();
     fs::remove_all(root);
   }
 };
@@ -56,14 +55,6 @@ TEST_F(PathMapping, DrivesAndUncPathsLandOnTheirHostFolders) {
   EXPECT_EQ(portable::WindowsPath("/etc/hosts"), "Z:\\etc\\hosts");
 }
 
-TEST_F(PathMapping, NamesMatchWithoutRegardToCase) {
-  std::ofstream(root / "C" / "Out" / "Report.PDF") << "x";
-  EXPECT_TRUE(FileExists("c:\\out\\report.pdf"));
-  EXPECT_TRUE(FolderExists("C:\\OUT"));
-  DeleteFileWithForce("C:\\OUT\\REPORT.pdf", false);
-  EXPECT_FALSE(fs::exists(root / "C" / "Out" / "Report.PDF"));
-}
-
 TEST_F(PathMapping, AServerAloneIsNoFolderAndCannotBeMade) {
   EXPECT_FALSE(FolderExists("\\\\server"));
   EXPECT_TRUE(FolderExists("\\\\server\\share"));
@@ -76,19 +67,6 @@ TEST_F(PathMapping, AServerAloneIsNoFolderAndCannotBeMade) {
   EXPECT_TRUE(CreateFolder("\\\\server\\share\\new"));
   EXPECT_TRUE(fs::is_directory(root / "unc" / "server" / "share" / "new"));
   EXPECT_FALSE(FolderExists("D:\\"));
-}
-
-TEST_F(PathMapping, AHeldFileCannotBeOpenedOrDeletedUntilReleased) {
-  std::ofstream(root / "C" / "Out" / "job.pdf") << "%PDF";
-  portable::HoldFile("C:\\Out\\job.pdf");
-  EXPECT_EQ(OpenFileExclusive("c:\\out\\JOB.pdf"), kInvalidFile);
-  EXPECT_FALSE(DeleteFileA("C:\\Out\\job.pdf"));
-  EXPECT_THROW(DeleteFileWithForce("C:\\Out\\job.pdf", true), RunTimeError);
-  portable::ReleaseFile("C:\\Out\\job.pdf");
-  const FileHandle file = OpenFileExclusive("C:\\Out\\job.pdf");
-  EXPECT_NE(file, kInvalidFile);
-  CloseFile(file);
-  EXPECT_TRUE(DeleteFileA("C:\\Out\\job.pdf"));
 }
 
 TEST_F(PathMapping, TempPathCanBeSet) {

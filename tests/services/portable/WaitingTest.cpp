@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <optional>
 
 #include "RecordingHost.h"
 #include "platform/Clock.h"
 #include "platform/portable/Clock.h"
-#include "platform/portable/FileSystem.h"
 #include "platform/portable/MessageQueue.h"
 #include "services/OutputFileWaiting.h"
 #include "support/Fixture.h"
@@ -26,10 +26,7 @@ constexpr const char* kExceeded =
 
 class VirtualWait : public ::testing::Test {
  protected:
-  void TearDown() override {
-    pp::ReleaseAllFiles();
-    pp::ClearMessageQueue();
-  }
+  void TearDown() override { pp::ClearMessageQueue(); }
   pp::VirtualClock clock{1000};
   RecordingHost host;
   ScratchFolder folder;
@@ -46,11 +43,12 @@ TEST_F(VirtualWait, AFileThatNeverAppearsGivesUpAfterTwoMinutes) {
 }
 
 TEST_F(VirtualWait, AFileSeenLateIsWaitedForWithoutLimit) {
-  clock.At(119000, [this] {
+  std::optional<FileHolder> writer;  // another process, for ten virtual minutes
+  clock.At(119000, [&] {
     WriteWholeFile(path, "%PDF");
-    pp::HoldFile(path);
+    writer.emplace(path);
   });
-  clock.At(119000 + 600000, [this] { pp::ReleaseFile(path); });
+  clock.At(119000 + 600000, [&] { writer.reset(); });
   EXPECT_TRUE(WaitWhileFileInAccess(path));
   EXPECT_EQ(host.Count(kMissing), 238u);
   EXPECT_EQ(host.Count(kGrowing), 1200u);
