@@ -1,25 +1,29 @@
 #include "frame/ClassFrame.h"
 
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 
 namespace kestrivon {
 
 void CountedClassInitialize(std::string_view classLabel, const CountLine& createdLine) {
-  Procedure(classLabel, "Class_Initialize").GuardNoThrow([&] {
+  try {
     PPMInit();
     ++InstanceCount();
     if (PPMLevelDebug()) createdLine(InstanceCount());
-  });
+  } catch (...) {
+    Procedure(classLabel, "Class_Initialize").ReportNoThrow();
+  }
 }
 
 void CountedClassTerminate(std::string_view classLabel, const std::function<void()>& cleanUp,
                            const CountLine& releasedLine) {
-  Procedure(classLabel, "Class_Terminate").GuardNoThrow([&] {
+  try {
     --InstanceCount();
     if (cleanUp) cleanUp();
     if (PPMLevelDebug()) releasedLine(InstanceCount());
-  });
+  } catch (...) {
+    Procedure(classLabel, "Class_Terminate").ReportNoThrow();
+  }
 }
 
 }  // namespace kestrivon

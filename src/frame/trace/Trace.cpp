@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 #include "platform/DebugOutput.h"
 
 namespace kestrivon {
@@ -39,16 +39,18 @@ void DebugTrace(const std::string& line) { platform::OutputDebugText(line); }
 void PPMInit() {
   auto& state = State();
   if (state.instanceMonitor || state.monitorGivenBack) return;
-  Procedure(kGlobalsLabel, "PPMInit").Guard([&state] {
+  try {
     state.instanceMonitor = host::CreateInstanceMonitor();
     state.instanceCount = 0;
     state.debugSwitch = state.instanceMonitor->GetLevel() > 2;
     state.instanceMonitor->RegisterCounter("Kestrivan.InstanceCount", &state.instanceCount);
-  });
+  } catch (...) {
+    Procedure(kGlobalsLabel, "PPMInit").Report();
+  }
 }
 
 bool PPMLevelDebug() {
-  return Procedure(kGlobalsLabel, "PPMLevelDebug").Guard(false, [] { return State().debugSwitch; });
+  return State().debugSwitch;
 }
 
 int32_t& InstanceCount() { return State().instanceCount; }

@@ -6,7 +6,7 @@
 #include "frame/trace/Trace.h"
 #include "pipeline/PrintJobDriver.h"
 #include "printers/pdf/AcrobatSettings.h"
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 #include "services/MessageTexts.h"
 
 namespace kestrivon {
@@ -27,22 +27,21 @@ AcrobatDistiller::~AcrobatDistiller() {
       });
 }
 
-bool AcrobatDistiller::InitPrnSettings() {
-  return Procedure(kClassLabel, " Function IRevisionPrinter_InitPrnSettings").Guard(false, [&] {
-    if (!device_.Name().empty()) return true;
-    if (!IsAcrbVer5()) return false;
-    device_.SetFirstFilePrinter(kPrinterNames);
-    return true;
-  });
+bool AcrobatDistiller::InitPrnSettings() try {
+  if (!device_.Name().empty()) return true;
+  if (!IsAcrbVer5()) return false;
+  device_.SetFirstFilePrinter(kPrinterNames);
+  return true;
+} catch (...) {
+  return Procedure(kClassLabel, " Function IRevisionPrinter_InitPrnSettings").Report(false);
 }
 
-std::string AcrobatDistiller::CheckPrnSettings() {
-  return Procedure(kClassLabel, "Function IRevisionPrinter_CheckPrnSettings")
-      .Guard(std::string(), [&] {
-        if (!device_.IPrinter()) InitPrnSettings();
-        if (!device_.IPrinter()) return TraceServiceObject().ResolveText(messages::k02821);
-        return CheckAcrobatPRN(device_.Name());
-      });
+std::string AcrobatDistiller::CheckPrnSettings() try {
+  if (!device_.IPrinter()) InitPrnSettings();
+  if (!device_.IPrinter()) return TraceServiceObject().ResolveText(messages::k02821);
+  return CheckAcrobatPRN(device_.Name());
+} catch (...) {
+  return Procedure(kClassLabel, "Function IRevisionPrinter_CheckPrnSettings").Report(std::string());
 }
 
 bool AcrobatDistiller::DoPrint(const host::HostObjectRef& document,

@@ -9,7 +9,7 @@
 #include "pipeline/PrintJobDriver.h"
 #include "platform/Shell.h"
 #include "printers/pdf/AcrobatSettings.h"
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 #include "services/MessageTexts.h"
 #include "services/OutputFileWaiting.h"
 #include "services/RegistrySettings.h"
@@ -40,29 +40,28 @@ AdobePDF::~AdobePDF() {
       });
 }
 
-bool AdobePDF::InitPrnSettings() {
-  return Procedure(kClassLabel, " Function IRevisionPrinter_InitPrnSettings").Guard(false, [&] {
-    if (device_.Name().empty()) {
-      if (device_.SetFirstFilePrinter(kPrinterNames)) return true;
-    }
-    return device_.IPrinter() != nullptr;
-  });
+bool AdobePDF::InitPrnSettings() try {
+  if (device_.Name().empty()) {
+    if (device_.SetFirstFilePrinter(kPrinterNames)) return true;
+  }
+  return device_.IPrinter() != nullptr;
+} catch (...) {
+  return Procedure(kClassLabel, " Function IRevisionPrinter_InitPrnSettings").Report(false);
 }
 
-std::string AdobePDF::CheckPrnSettings() {
-  return Procedure(kClassLabel, "Function IRevisionPrinter_CheckPrnSettings")
-      .Guard(std::string(), [&] {
-        if (device_.Name().empty()) InitPrnSettings();
-        if (device_.Name().empty()) {
-          return TraceServiceObject().ResolveText(messages::k02822);
-        }
-        const std::string result = CheckAcrobatPRN(device_.Name());
-        jobControl_ = false;
-        if (!result.empty()) {
-          WriteTrace(kLabel + "::IRevisionPrinter_CheckPrnSettings(): '" + result + "'");
-        }
-        return result;
-      });
+std::string AdobePDF::CheckPrnSettings() try {
+  if (device_.Name().empty()) InitPrnSettings();
+  if (device_.Name().empty()) {
+    return TraceServiceObject().ResolveText(messages::k02822);
+  }
+  const std::string result = CheckAcrobatPRN(device_.Name());
+  jobControl_ = false;
+  if (!result.empty()) {
+    WriteTrace(kLabel + "::IRevisionPrinter_CheckPrnSettings(): '" + result + "'");
+  }
+  return result;
+} catch (...) {
+  return Procedure(kClassLabel, "Function IRevisionPrinter_CheckPrnSettings").Report(std::string());
 }
 
 bool AdobePDF::DoPrint(const host::HostObjectRef& document, const host::HostObjectRef& /*owner*/,
@@ -107,63 +106,63 @@ void AdobePDF::AnnounceLockDeletion() {
 
 std::string AdobePDF::SetAdobePDFOutputFileName(bool isVemraDoc,
                                                 const host::HostObjectRef& document,
-                                                const std::string& documentFile) {
-  return Procedure(kClassLabel, "SetAdobePDFOutputFileName").Guard(std::string(), [&] {
-    const std::string s = kLabel + "::SetAdobePDFOutputFileName(): ";
-    const std::string application = GetApplicationPath(document, isVemraDoc, documentFile);
-    if (application.empty()) {
-      WriteTrace(s + "failed to set output filename");
-      return std::string();
-    }
-    const std::string outputFile = DocumentFileHelperObject().TempOutputName("pdf");
-    if (outputFile.empty()) {
-      WriteTrace(s + "calculating output filename failed");
-      return std::string();
-    }
-    // The driver's own convention: the next job of the executable named by
-    // the value goes to the file named by its data.
-    std::string result;
-    if (SetValue(kHKeyCurrentUser, kJobControlKey, application, outputFile)) {
-      result = outputFile;
-      WriteTrace(s + "output filename set to '" + outputFile + "'");
-    } else {
-      WriteTrace(s + "setting output filename via registry failed");
-    }
-    WriteTrace(s + "printing will be done via '" + application + "'");
-    return result;
-  });
+                                                const std::string& documentFile) try {
+  const std::string s = kLabel + "::SetAdobePDFOutputFileName(): ";
+  const std::string application = GetApplicationPath(document, isVemraDoc, documentFile);
+  if (application.empty()) {
+    WriteTrace(s + "failed to set output filename");
+    return std::string();
+  }
+  const std::string outputFile = DocumentFileHelperObject().TempOutputName("pdf");
+  if (outputFile.empty()) {
+    WriteTrace(s + "calculating output filename failed");
+    return std::string();
+  }
+  // The driver's own convention: the next job of the executable named by
+  // the value goes to the file named by its data.
+  std::string result;
+  if (SetValue(kHKeyCurrentUser, kJobControlKey, application, outputFile)) {
+    result = outputFile;
+    WriteTrace(s + "output filename set to '" + outputFile + "'");
+  } else {
+    WriteTrace(s + "setting output filename via registry failed");
+  }
+  WriteTrace(s + "printing will be done via '" + application + "'");
+  return result;
+} catch (...) {
+  return Procedure(kClassLabel, "SetAdobePDFOutputFileName").Report(std::string());
 }
 
 std::string AdobePDF::GetApplicationPath(const host::HostObjectRef& document, bool isVemraDoc,
-                                         const std::string& documentFile) {
-  return Procedure(kClassLabel, "GetApplicationPath").Guard(std::string(), [&] {
-    const std::string g = kLabel + "::GetApplicationPath(): ";
-    std::string path;
-    if (isVemraDoc) {
-      const host::HostObjectRef workset = Required(host::AsDocument(document)).Workset();
-      const auto application = RequiredObject(Required(host::AsWorkset(workset)).Application());
-      if (application->Exist(TraceServiceObject().ApplicationPathKey())) {
-        path = application->ApplicationPath();
-        if (path.empty()) {
-          WriteTrace(g + "retrieving Vemra application path failed");
-          return std::string();
-        }
-        path += "\\Vemra.exe";
-      }
-    } else if (const auto program = platform::FindExecutableFor(documentFile, "")) {
-      path = *program;
+                                         const std::string& documentFile) try {
+  const std::string g = kLabel + "::GetApplicationPath(): ";
+  std::string path;
+  if (isVemraDoc) {
+    const host::HostObjectRef workset = Required(host::AsDocument(document)).Workset();
+    const auto application = RequiredObject(Required(host::AsWorkset(workset)).Application());
+    if (application->Exist(TraceServiceObject().ApplicationPathKey())) {
+      path = application->ApplicationPath();
       if (path.empty()) {
-        WriteTrace(g + "retieving application path for external document failed");
+        WriteTrace(g + "retrieving Vemra application path failed");
         return std::string();
       }
-    } else {
-      WriteTrace(g + "no application registered with '" + documentFile + "'");
-      // The buffer of blanks as the failed call leaves it: a NUL first.
-      path = std::string(1, '\0') + std::string(kExecutableBuffer - 1, ' ');
+      path += "\\Vemra.exe";
     }
-    WriteTrace(g + "GetApplicationPath: '" + path + "'");
-    return path;
-  });
+  } else if (const auto program = platform::FindExecutableFor(documentFile, "")) {
+    path = *program;
+    if (path.empty()) {
+      WriteTrace(g + "retieving application path for external document failed");
+      return std::string();
+    }
+  } else {
+    WriteTrace(g + "no application registered with '" + documentFile + "'");
+    // The buffer of blanks as the failed call leaves it: a NUL first.
+    path = std::string(1, '\0') + std::string(kExecutableBuffer - 1, ' ');
+  }
+  WriteTrace(g + "GetApplicationPath: '" + path + "'");
+  return path;
+} catch (...) {
+  return Procedure(kClassLabel, "GetApplicationPath").Report(std::string());
 }
 
 }  // namespace kestrivon

@@ -6,7 +6,7 @@
 #include "pipeline/PrintJobDriver.h"
 #include "platform/Processes.h"
 #include "printers/pdf/AcrobatSettings.h"
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 #include "services/OutputFileWaiting.h"
 
 namespace kestrivon {
@@ -15,17 +15,17 @@ host::HostObjectRef PdfRevisionPrinter::WorksetOf(const host::HostObjectRef& doc
   return Required(host::AsDocument(document)).Workset();
 }
 
-bool PdfRevisionPrinter::IsPrinterAvailable() {
-  return Procedure(label_, "Function IRevisionPrinter_IsPrinterAvailable").Guard(false, [&] {
-    return device_.IsPrinterAvailable(nullptr);
-  });
+bool PdfRevisionPrinter::IsPrinterAvailable() try {
+  return device_.IsPrinterAvailable(nullptr);
+} catch (...) {
+  return Procedure(label_, "Function IRevisionPrinter_IsPrinterAvailable").Report(false);
 }
 
-bool PdfRevisionPrinter::AppendFile(const std::string& fileToAppend, const std::string& fileMain) {
-  return Procedure(label_, "Public Function IRevisionPrinter_AppendFile").Guard(false, [&] {
-    // The merge takes the receiving file first.
-    return MergePDFFiles(fileMain, fileToAppend);
-  });
+bool PdfRevisionPrinter::AppendFile(const std::string& fileToAppend, const std::string& fileMain) try {
+  // The merge takes the receiving file first.
+  return MergePDFFiles(fileMain, fileToAppend);
+} catch (...) {
+  return Procedure(label_, "Public Function IRevisionPrinter_AppendFile").Report(false);
 }
 
 std::string PdfRevisionPrinter::P(std::string_view text) const {
@@ -109,41 +109,39 @@ bool AcrobatPrinter::AcrobatDoPrint(const host::HostObjectRef& document,
                                     const std::string& revisionFolder,
                                     const std::string& fileName) {
   std::unique_ptr<RevisionFileLock> lock;
-  // After an error the cleanup still runs, so that the lock never stays.
-  return Procedure(ClassLabelOf(), "Function IRevisionPrinter_DoPrint")
-      .GuardWithCleanup(
-          false,
-          [&](bool& result) {
-            std::string target;
-            if (const auto done = StartDoPrint(document, revisionFolder, fileName, target, true)) {
-              result = *done;
-              return Then::kReturn;
-            }
-            // For its side effects: the printer chosen, the job-control flag.
-            CheckPrnSettings();
-            if (!PrinterReady(document, "")) return Then::kReturn;
-            const std::string outputFolder = GetArcobatPrnOutputDirectory(device_.Name());
-            lock = LockOutputFolder(outputFolder, document);
-            if (!lock) return Then::kCleanup;
-            std::string outputFile;
-            BeforePrinting(document, outputFile);
-            // The prompt names the archive: the target goes where the
-            // printer's name would.
-            if (!IRevisionPrinterDoPrint(document, target, device_.IPrinter())) {
-              return Then::kCleanup;
-            }
-            result = CollectPrintedFile(document, outputFolder, outputFile, target);
-            return Then::kCleanup;
-          },
-          [&](bool&) {
-            IgnoreErrors([&] { WriteTrace(P("cleaning up after revisioning...")); },
-                         [&] {
-                           if (lock) AnnounceLockDeletion();
-                         },
-                         [&] {
-                           if (lock) lock->DeleteLock(document);
-                         });
-          });
+  bool result = false;
+  try {
+    std::string target;
+    if (const auto done = StartDoPrint(document, revisionFolder, fileName, target, true)) {
+      return *done;
+    }
+    // For its side effects: the printer chosen, the job-control flag.
+    CheckPrnSettings();
+    if (!PrinterReady(document, "")) return false;
+    const std::string outputFolder = GetArcobatPrnOutputDirectory(device_.Name());
+    lock = LockOutputFolder(outputFolder, document);
+    if (lock) {
+      std::string outputFile;
+      BeforePrinting(document, outputFile);
+      // The prompt names the archive: the target goes where the printer's
+      // name would.
+      if (IRevisionPrinterDoPrint(document, target, device_.IPrinter())) {
+        result = CollectPrintedFile(document, outputFolder, outputFile, target);
+      }
+    }
+  } catch (...) {
+    // Reported first; the cleanup below still runs, so that the lock
+    // never stays.
+    Procedure(ClassLabelOf(), "Function IRevisionPrinter_DoPrint").Report();
+  }
+  IgnoreErrors([&] { WriteTrace(P("cleaning up after revisioning...")); },
+               [&] {
+                 if (lock) AnnounceLockDeletion();
+               },
+               [&] {
+                 if (lock) lock->DeleteLock(document);
+               });
+  return result;
 }
 
 }  // namespace kestrivon

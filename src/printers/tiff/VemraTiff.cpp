@@ -3,7 +3,7 @@
 #include <string>
 
 #include "frame/trace/Trace.h"
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 
 namespace kestrivon {
 namespace {
@@ -11,7 +11,7 @@ const std::string kRule(70, '#');
 }  // namespace
 
 VemraTiff::VemraTiff() {
-  Procedure(kClassLabel, "Class_Initialize").GuardNoThrow([] {
+  try {
     WriteTrace("VemraKestrivon::VemraTiff::Class_Initialize()...");
     PPMInit();
     ++TiffInstanceCount();
@@ -23,11 +23,13 @@ VemraTiff::VemraTiff() {
              "Number of Kestrivon-instances: " + std::to_string(InstanceCount()) + "\r\n" + kRule +
              "\r\n";
     });
-  });
+  } catch (...) {
+    Procedure(kClassLabel, "Class_Initialize").ReportNoThrow();
+  }
 }
 
 VemraTiff::~VemraTiff() {
-  Procedure(kClassLabel, "Class_Terminate").GuardNoThrow([this] {
+  try {
     --TiffInstanceCount();
     --InstanceCount();
     Device().Shutdown();
@@ -37,7 +39,9 @@ VemraTiff::~VemraTiff() {
              "\r\n\t" + "- Number of VemraTiff-Instances is now " +
              std::to_string(TiffInstanceCount()) + "\r\n" + kRule + "\r\n\r\n";
     });
-  });
+  } catch (...) {
+    Procedure(kClassLabel, "Class_Terminate").ReportNoThrow();
+  }
 }
 
 PrnDevice& VemraTiff::Device() {
@@ -45,42 +49,43 @@ PrnDevice& VemraTiff::Device() {
   return *device_;
 }
 
-bool VemraTiff::InitPrnSettings() {
-  return Procedure(kClassLabel, "InitPrnSettings").Guard(false, [&] {
-    if (Device().Name().empty()) {
-      Device().SetFirstFilePrinter(kPrinterNames);
-    }
-    return !Device().Name().empty();
-  });
+bool VemraTiff::InitPrnSettings() try {
+  if (Device().Name().empty()) {
+    Device().SetFirstFilePrinter(kPrinterNames);
+  }
+  return !Device().Name().empty();
+} catch (...) {
+  return Procedure(kClassLabel, "InitPrnSettings").Report(false);
 }
 
 std::string VemraTiff::CheckPrnSettings() {
-  return Procedure(kClassLabel, "Function IRevisionPrinter_CheckPrnSettings")
-      .Guard(std::string(), [] { return std::string(); });
+  return std::string();
 }
 
 bool VemraTiff::IsPrinterAvailable() {
   // Without a context no message box can appear.
-  return Procedure(kClassLabel, "Function IRevisionPrinter_IsPrinterAvailable").Guard(false, [&] {
+  try {
     return Device().IsPrinterAvailable(nullptr);
-  });
+  } catch (...) {
+    return Procedure(kClassLabel, "Function IRevisionPrinter_IsPrinterAvailable").Report(false);
+  }
 }
 
 bool VemraTiff::DoPrint(const host::HostObjectRef& /*document*/,
                         const host::HostObjectRef& /*owner*/, const std::string& /*revisionFolder*/,
                         const std::string& /*fileName*/) {
   static constexpr const char* kLabel = "IRevisionPrinter_DoPrint";
-  return Procedure(kClassLabel, kLabel).Guard(false, [] {
+  try {
     // Prints nothing; the pending error, which is none, goes to the report.
     TraceServiceObject().LogError(ErrorInfo{}, kClassLabel, kLabel);
     return false;
-  });
+  } catch (...) {
+    return Procedure(kClassLabel, kLabel).Report(false);
+  }
 }
 
 bool VemraTiff::AppendFile(const std::string& /*fileToAppend*/, const std::string& /*fileMain*/) {
-  return Procedure(kClassLabel, " Function IRevisionPrinter_AppendFile").Guard(false, [] {
-    return false;
-  });
+  return false;
 }
 
 }  // namespace kestrivon
