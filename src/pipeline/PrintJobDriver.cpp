@@ -79,7 +79,8 @@ std::string IRevisionPrinterDoPrintCheckAndUpdateParams(const host::HostObjectRe
   }
   return directory + name + printer.Extension();
 } catch (...) {
-  return Procedure(kGlobalsLabel, "IRevisionPrinterDoPrintCheckAndUpdateParams").Report(std::string());
+  return Procedure(kGlobalsLabel, "IRevisionPrinterDoPrintCheckAndUpdateParams")
+      .Report(std::string());
 }
 
 std::optional<bool> IsPackage(const host::HostObjectRef& document) try {

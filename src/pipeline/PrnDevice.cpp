@@ -86,7 +86,8 @@ std::shared_ptr<host::PrinterManager> PrnDevice::PrinterManager() try {
   if (!manager_) manager_ = host::CreatePrinterManager();
   return manager_;
 } catch (...) {
-  return Procedure(kClassLabel, "PrinterManager [PropertyGet]").Report(std::shared_ptr<host::PrinterManager>());
+  return Procedure(kClassLabel, "PrinterManager [PropertyGet]")
+      .Report(std::shared_ptr<host::PrinterManager>());
 }
 
 std::string PrnDevice::Name() {
@@ -155,7 +156,8 @@ bool PrnDevice::IsPrinterReady() try {
   return Procedure(kClassLabel, "Public Function 'IsPrinterReady'").Report(false);
 }
 
-bool PrnDevice::InitializeDevMode(const host::HostObjectRef& document, const std::string& text) try {
+bool PrnDevice::InitializeDevMode(const host::HostObjectRef& document,
+                                  const std::string& text) try {
   if (!document) return false;
   if (!printer_) {
     WriteTrace(kLabel + ".InitializeDevMode(): " + "printer is null. Aborting...");

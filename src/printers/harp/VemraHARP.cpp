@@ -29,7 +29,8 @@ VemraHARP::VemraHARP() {
   // creation leaves one error report.
   const Procedure procedure(kClassLabel, "Private Sub 'Class_Initialize'");
   procedure.ReportAndGoOn([&] {
-    Trace(kTraceFailure, "VemraKestrivon::VemraHARP Class_Initialize: Harp Printer is not supported");
+    Trace(kTraceFailure,
+          "VemraKestrivon::VemraHARP Class_Initialize: Harp Printer is not supported");
   });
   procedure.ReportAndGoOn([&] { configuration_ = std::make_unique<HARPConfiguration>(); });
   // A facility that cannot be made still leaves the line that says so.
@@ -110,7 +111,8 @@ std::string VemraHARP::CheckPrnSettings() {
 bool VemraHARP::IsPrinterAvailable() try {
   return Device().IsPrinterReady();
 } catch (...) {
-  return Procedure(kClassLabel, "Private Function IRevisionPrinter_IsPrinterAvailable").Report(false);
+  return Procedure(kClassLabel, "Private Function IRevisionPrinter_IsPrinterAvailable")
+      .Report(false);
 }
 
 bool VemraHARP::SetPrnDefaults() {
@@ -177,7 +179,9 @@ bool VemraHARP::GenericMergeTiffFiles(const std::string& srcFile, const std::str
   platform::DeleteFileWithForce(temporary, false);
   return result;
 } catch (...) {
-  return Procedure(kClassLabel, "Function GenericMergeTiffFiles(srcFile (String)trgtFile (String))").Report(false);
+  return Procedure(kClassLabel,
+                   "Function GenericMergeTiffFiles(srcFile (String)trgtFile (String))")
+      .Report(false);
 }
 
 bool VemraHARP::FileExists(const std::string& fullFilename) try {

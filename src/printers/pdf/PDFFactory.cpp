@@ -134,7 +134,8 @@ std::vector<SettingFinding> PdfFactorySettingFindings(const std::string& printer
   }
   return findings;
 } catch (...) {
-  return Procedure(kLabel.c_str(), "Function CheckPDFFactorySettings()").Report(std::vector<SettingFinding>());
+  return Procedure(kLabel.c_str(), "Function CheckPDFFactorySettings()")
+      .Report(std::vector<SettingFinding>());
 }
 
 int16_t PDFFactory::GetPdfFactoryVersion() try {

@@ -21,7 +21,8 @@ bool PdfRevisionPrinter::IsPrinterAvailable() try {
   return Procedure(label_, "Function IRevisionPrinter_IsPrinterAvailable").Report(false);
 }
 
-bool PdfRevisionPrinter::AppendFile(const std::string& fileToAppend, const std::string& fileMain) try {
+bool PdfRevisionPrinter::AppendFile(const std::string& fileToAppend,
+                                    const std::string& fileMain) try {
   // The merge takes the receiving file first.
   return MergePDFFiles(fileMain, fileToAppend);
 } catch (...) {
