@@ -113,7 +113,7 @@ bool PrnDevice::IsPrinterAvailable(const host::HostObjectRef& context) try {
   if (!printer_) {
     WriteTrace(prefix + "(): not ready (= not found)");
     if (AllowUserInteraction(context)) {
-      TraceServiceObject().ShowMessageBox(Resolved(messages::k05d3a), 80, "");
+      TraceServiceObject().ShowMessageBox(Resolved(messages::kRevisionPrinterNotInstalled), 80, "");
       WriteTrace(prefix + "(): " +
                  "MsgBox: Revision printer is not installed. Revision printing is not possible.");
     }
@@ -126,9 +126,9 @@ bool PrnDevice::IsPrinterAvailable(const host::HostObjectRef& context) try {
   WriteTrace(prefix + ": " + BoolText(ready) + "(status: " + std::to_string(status) + ")");
   if (ready) return true;
   if (AllowUserInteraction(context)) {
-    const std::string question = Resolved(messages::k05d3b);
+    const std::string question = Resolved(messages::kPrinterNotReadyGoOn);
     const bool yes = TraceServiceObject().ShowMessageBox(
-                         question, 36, Resolved(messages::k01d8c)) == kAnswerYes;
+                         question, 36, Resolved(messages::kRevisionPrinterTitle)) == kAnswerYes;
     WriteTrace(prefix + ": " +
                "MsgBox: Printer is not ready. Du you still want to do a revision? " +
                "answer: " + (yes ? "yes" : "no"));
@@ -185,8 +185,8 @@ bool PrnDevice::IsPrinterQueueEmpty(const host::HostObjectRef& context) try {
   }
   auto& service = TraceServiceObject();
   // The text goes through the resolver twice, the title once.
-  const std::string text = service.ResolveText(service.ResolveText(messages::k03b09));
-  service.ShowMessageBox(text, 16, service.ResolveText(messages::k03b0a));
+  const std::string text = service.ResolveText(service.ResolveText(messages::kQueueNotEmpty));
+  service.ShowMessageBox(text, 16, service.ResolveText(messages::kRevisionPrinterCaption));
   return false;
 } catch (...) {
   return Procedure(kClassLabel, "Function IsPrinterQueueEmpty").Report(false);

@@ -207,12 +207,13 @@ bool IsRevisionFileLocked(const std::string& path, const host::HostObjectRef& do
              "\r\n--> aborting!!...";
     });
     host::TraceService& texts = TraceServiceObject();
-    const std::string message = texts.ResolveText(messages::k026ef) + "\r\n" +
-                                texts.ResolveText(messages::k01114) + " " + user + "\r\n" +
-                                texts.ResolveText(messages::k026f0) + " " + computer + "\r\n" +
-                                texts.ResolveText(messages::k026f1) + " " + createdText + "\r\n" +
-                                texts.ResolveText(messages::k026f2);
-    ShowMessage(message, kCriticalOk, texts.ResolveText(messages::k003c1), document);
+    const std::string message = texts.ResolveText(messages::kFolderInUse) + "\r\n" +
+                                texts.ResolveText(messages::kLockUser) + " " + user + "\r\n" +
+                                texts.ResolveText(messages::kLockComputer) + " " + computer +
+                                "\r\n" + texts.ResolveText(messages::kLockStartTime) + " " +
+                                createdText + "\r\n" +
+                                texts.ResolveText(messages::kRevisionCancelled);
+    ShowMessage(message, kCriticalOk, texts.ResolveText(messages::kRevisionTitle), document);
     locked = true;
   } catch (...) {
     Procedure(kGlobalsLabel, "IsRevisionFileLocked").Report();

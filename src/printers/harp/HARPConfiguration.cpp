@@ -54,8 +54,8 @@ HARPConfiguration::HARPConfiguration() {
           "VemraKestrivon::HARPConfiguration::Class_Initialize(): MsgBox: 'Retrieving configuration path failed.' (-> Workset.Globals.ConfigDirectory has not been set)");
     });
     procedure.ReportAndGoOn([&] {
-      TraceServiceObject().ShowMessageBox(Resolved(messages::k0407e), kCriticalOk,
-                                          Resolved(messages::k01d8c));
+      TraceServiceObject().ShowMessageBox(Resolved(messages::kConfigPathFailed), kCriticalOk,
+                                          Resolved(messages::kRevisionPrinterTitle));
     });
   }
   if (!configFileLoaded_) {
@@ -157,7 +157,7 @@ bool HARPConfiguration::LoadSettingsFromIniFile(const std::string& ini) try {
   Trace(kTraceInformation, kLoad + "Reading ini-file...");
   errorSummary_.clear();
   if (!IniFileFound(ini)) {
-    errorSummary_ = Resolved(messages::k033d3) + kCrLf;
+    errorSummary_ = Resolved(messages::kIniFileMissing) + kCrLf;
     WriteTrace(
         "VemraKestrivon::HARPConfiguration::LoadSettingsFromIniFile(): file does not exist: '" +
         ini + "'");
@@ -169,13 +169,13 @@ bool HARPConfiguration::LoadSettingsFromIniFile(const std::string& ini) try {
   printerName_ = read("PrinterName", "");
   Trace(kTraceInformation, kLoad + "Read printer name from ini-file : " + printerName_);
   if (printerName_.empty()) {
-    AppendToPrinterSettingsErrorSummary(Resolved(messages::k033d4) + kCrLf);
+    AppendToPrinterSettingsErrorSummary(Resolved(messages::kIniPrinterNameMissing) + kCrLf);
     Trace(kTraceFailure, kLoad + "No printer name specified in ini-file.");
   }
   // A new temporary name is made on every load, needed or not.
   SetPrinterRedirection(read("PrinterRedirection", TempFileName("PS")));
   if (!CheckCreateOutputFolder(PrinterRedirection())) {
-    AppendToPrinterSettingsErrorSummary(Resolved(messages::k05d87));
+    AppendToPrinterSettingsErrorSummary(Resolved(messages::kOutputFolderMissing));
     Trace(
         kTraceFailure,
         "VemraKestrivon::HARPConfiguration.LoadSettingsFromIniFile: Printer output folder does not exist");
@@ -184,13 +184,14 @@ bool HARPConfiguration::LoadSettingsFromIniFile(const std::string& ini) try {
   Trace(kTraceInformation, kLoad + "Revision archive extension is : " + revisionExtension_);
   if (!IsValidRevisionArchive(revisionExtension_)) {
     AppendToPrinterSettingsErrorSummary("'*" + revisionExtension_ + "' " +
-                                        Resolved(messages::k033d5) + ": *.tif and *.pdf" + kCrLf);
+                                        Resolved(messages::kSupportedArchives) +
+                                        ": *.tif and *.pdf" + kCrLf);
     Trace(kTraceFailure,
           kLoad + "'" + revisionExtension_ + "' revision archives are not supported by Vemra.");
   }
   convertCommand_ = read("ConvertCommand", "");
   if (convertCommand_.empty()) {
-    AppendToPrinterSettingsErrorSummary(Resolved(messages::k033d6) + kCrLf);
+    AppendToPrinterSettingsErrorSummary(Resolved(messages::kIniConvertCommandMissing) + kCrLf);
     Trace(kTraceFailure, kLoad + "No conversion command specified in ini-file.");
   }
   const std::string timeOut = read("ConvertCommandExecuteSynchronTimeOut", "30");

@@ -93,7 +93,7 @@ std::string VemraHARP::CheckPrnSettings() {
   if (missing) {
     procedure.ReportAndGoOn([&] {
       Configuration().AppendToPrinterSettingsErrorSummary(
-          TraceServiceObject().ResolveText(messages::k05d86));
+          TraceServiceObject().ResolveText(messages::kPrinterNotInstalled));
     });
     procedure.ReportAndGoOn([&] {
       Trace(kTraceFailure,

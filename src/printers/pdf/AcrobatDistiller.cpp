@@ -38,7 +38,8 @@ bool AcrobatDistiller::InitPrnSettings() try {
 
 std::string AcrobatDistiller::CheckPrnSettings() try {
   if (!device_.IPrinter()) InitPrnSettings();
-  if (!device_.IPrinter()) return TraceServiceObject().ResolveText(messages::k02821);
+  if (!device_.IPrinter())
+    return TraceServiceObject().ResolveText(messages::kDistillerNotInstalled);
   return CheckAcrobatPRN(device_.Name());
 } catch (...) {
   return Procedure(kClassLabel, "Function IRevisionPrinter_CheckPrnSettings").Report(std::string());
@@ -55,13 +56,15 @@ bool AcrobatDistiller::CollectPrintedFile(const host::HostObjectRef& /*document*
                                           const std::string& target) {
   outputFile = GetAdobeRevisionFile(outputFolder, device_.IPrinter());
   if (outputFile.empty()) {
-    WriteTrace(P("could not find the printed revision file."));
+    WriteTrace(DoPrintLine("could not find the printed revision file."));
     return false;
   }
   // No wait: a driver still writing makes the copy fail, without a trace.
   return CopyIntoRevisionFolder(outputFile, target);
 }
 
-void AcrobatDistiller::AnnounceLockDeletion() { WriteTrace(P("about to delete lock-file...")); }
+void AcrobatDistiller::AnnounceLockDeletion() {
+  WriteTrace(DoPrintLine("about to delete lock-file..."));
+}
 
 }  // namespace kestrivon

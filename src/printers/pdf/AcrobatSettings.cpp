@@ -17,8 +17,8 @@
 namespace kestrivon {
 namespace {
 
-const std::string kG = std::string(kGlobalsLabel);
-const std::string kC = kG + "::CheckAcrobatPRN(): ";
+const std::string kGlobals = std::string(kGlobalsLabel);
+const std::string kCheckAcrobatPrn = kGlobals + "::CheckAcrobatPRN(): ";
 constexpr const char* kCrLf = "\r\n";
 constexpr const char* kPrintersKey =
     "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Print\\Printers\\";
@@ -68,11 +68,12 @@ struct Flag {
 // Settings 1 to 3: a missing value reads -999 and so counts as enabled.
 constexpr Flag kFlags[] = {
     {"ViewPrintOutput", "Show Results: '", "Show results is enabled <-> should be disabled",
-     messages::k02825},
+     messages::kViewAdobePdfResults},
     {"PromptForFileName", "Ask for filename: '",
-     "Ask for filename is enabled <-> should be disabled", messages::k02826},
+     "Ask for filename is enabled <-> should be disabled", messages::kPromptForPdfFileName},
     {"AskToReplacePDF", "Ask for replacing existing file: '",
-     "Ask before replacing existing file is activates <-> should be deactivated", messages::k02836},
+     "Ask before replacing existing file is activates <-> should be deactivated",
+     messages::kAskToReplacePdf},
 };
 
 // Settings 1 to 3 as read; a missing value reads -999.
@@ -105,7 +106,7 @@ std::optional<std::string> KeepJobsValue(const std::string& key) {
 }
 
 void LookingUp(const std::string& key, const std::string& value) {
-  WriteTrace(kC + "looking up '" + key + kDriverData + "' '" + value + "'...");
+  WriteTrace(kCheckAcrobatPrn + "looking up '" + key + kDriverData + "' '" + value + "'...");
 }
 
 }  // namespace
@@ -113,28 +114,29 @@ void LookingUp(const std::string& key, const std::string& value) {
 std::string CheckAcrobatPRN(const std::string& printerName) try {
   const std::string key = PrinterKey(printerName);
   std::string summary;
-  WriteTrace(kC + "Adobe Registry Key: '" + key + "'");
+  WriteTrace(kCheckAcrobatPrn + "Adobe Registry Key: '" + key + "'");
   for (const Flag& flag : kFlags) {
     LookingUp(key, flag.value);
     const Variant value = ReadFlag(key, flag);
     // Traced as read, before the judgement, which a text value fails.
-    WriteTrace(kC + flag.label + VariantToString(value) + "'");
+    WriteTrace(kCheckAcrobatPrn + flag.label + VariantToString(value) + "'");
     if (VariantToLong(value) != 0) {
-      WriteTrace(kC + flag.wrongTrace);
-      summary += Resolved(messages::k02824) + Resolved(flag.item) + kCrLf + kCrLf;
+      WriteTrace(kCheckAcrobatPrn + flag.wrongTrace);
+      summary += Resolved(messages::kAdobeSettingMustBeOff) + Resolved(flag.item) + kCrLf + kCrLf;
     }
   }
 
   LookingUp(key, "Port");
   const std::string port = ReadPort(key);
-  WriteTrace(kC + "Output is set to '" + port + "'");
+  WriteTrace(kCheckAcrobatPrn + "Output is set to '" + port + "'");
   if (const auto checked = CheckedPortFolder(port)) {
     const std::string& folder = *checked;
     if (!platform::FolderExists(folder)) {
-      WriteTrace(kC + "the port definition is wrong");
-      summary += Resolved(messages::k02828) + " " + Resolved(messages::k02827) + kCrLf;
-      summary += Resolved(messages::k02829) + " '" + folder + "'." + kCrLf;
-      summary += Resolved(messages::k0282a) + kCrLf + kCrLf;
+      WriteTrace(kCheckAcrobatPrn + "the port definition is wrong");
+      summary +=
+          Resolved(messages::kWrongProperty) + " " + Resolved(messages::kPortsProperty) + kCrLf;
+      summary += Resolved(messages::kItsValueIs) + " '" + folder + "'." + kCrLf;
+      summary += Resolved(messages::kGiveReadablePath) + kCrLf + kCrLf;
     }
   }
 
@@ -145,31 +147,34 @@ std::string CheckAcrobatPRN(const std::string& printerName) try {
     Variant attributes;
     if (GetValue(kHKeyLocalMachine, key, "Attributes", attributes)) {
       if ((VariantToLong(attributes) & 4096) == 0) {
-        WriteTrace(kC + "'Enable advanced printing features' is enabled -> disable");
-        summary += Resolved(messages::k02824) + " " + Resolved(messages::k0407d) + kCrLf + kCrLf;
+        WriteTrace(kCheckAcrobatPrn + "'Enable advanced printing features' is enabled -> disable");
+        summary += Resolved(messages::kAdobeSettingMustBeOff) + " " +
+                   Resolved(messages::kAdvancedPrintingFeatures) + kCrLf + kCrLf;
       }
     } else {
-      WriteTrace(kC + "unable to find 'HKEY_LOCAL_MACHINE\\" + key + ": " + "Attributes" + "'");
+      WriteTrace(kCheckAcrobatPrn + "unable to find 'HKEY_LOCAL_MACHINE\\" + key + ": " +
+                 "Attributes" + "'");
     }
   }
 
   const auto keepJobs = KeepJobsValue(key);
   if (!keepJobs) {
-    WriteTrace(kC + "unable to find 'HKEY_LOCAL_MACHINE\\" + key + kDsSpooler + ": " + kKeepJobs +
-               "'");
+    WriteTrace(kCheckAcrobatPrn + "unable to find 'HKEY_LOCAL_MACHINE\\" + key + kDsSpooler + ": " +
+               kKeepJobs + "'");
   } else if (*keepJobs != "0") {
-    WriteTrace(kC + "'Keep printed documents' is enabled -> disable");
-    summary += Resolved(messages::k02824) + Resolved(messages::k05626) + kCrLf + kCrLf;
+    WriteTrace(kCheckAcrobatPrn + "'Keep printed documents' is enabled -> disable");
+    summary += Resolved(messages::kAdobeSettingMustBeOff) +
+               Resolved(messages::kKeepPrintedDocuments) + kCrLf + kCrLf;
   }
 
   if (summary.empty()) {
-    WriteTrace(kC + "settings are OK");
+    WriteTrace(kCheckAcrobatPrn + "settings are OK");
     return std::string();
   }
   const std::string rule(70, '-');
-  WriteTrace(kCrLf + rule + kCrLf + kC + kCrLf + kCrLf + "\t" +
+  WriteTrace(kCrLf + rule + kCrLf + kCheckAcrobatPrn + kCrLf + kCrLf + "\t" +
              "Incorrect printer settings summary:" + kCrLf + summary + kCrLf + rule + kCrLf);
-  return Resolved(messages::k0282b) + kCrLf + kCrLf + summary;
+  return Resolved(messages::kWrongPrinterSetting) + kCrLf + kCrLf + summary;
 } catch (...) {
   return Procedure(kGlobalsLabel, "Function CheckAcrobatPRN").Report(std::string());
 }
@@ -216,7 +221,7 @@ std::string GetArcobatPrnOutputDirectory(const std::string& printerName) try {
     }
   }
   const bool exists = platform::FolderExists(folder);
-  WriteTrace(kG + "::GetArcobatPrnOutputDirectory(): " + "'" + folder + "' exists: '" +
+  WriteTrace(kGlobals + "::GetArcobatPrnOutputDirectory(): " + "'" + folder + "' exists: '" +
              (exists ? "True" : "False") + "'");
   return folder;
 } catch (...) {
@@ -252,7 +257,7 @@ std::string GetMyDocumentsPath() try {
   const auto path =
       platform::ShellFolderPath(platform::kCsidlPersonal | platform::kCsidlFlagCreate, 0);
   const std::string result = path ? *path : std::string();
-  WriteTrace(kG + "::GetMyDocumentsPath(): " + "Path of 'My Documents' is: '" + result + "'");
+  WriteTrace(kGlobals + "::GetMyDocumentsPath(): " + "Path of 'My Documents' is: '" + result + "'");
   return result;
 } catch (...) {
   return Procedure(kGlobalsLabel, "GetMyDocumentsPath").Report(std::string());
@@ -263,8 +268,8 @@ std::string GetMyDocumentsFolderName() try {
   if (!path.empty() && path.back() == '\\') path.pop_back();
   const size_t slash = path.rfind('\\');
   const std::string name = slash == std::string::npos ? std::string() : path.substr(slash + 1);
-  WriteTrace(kG + "::GetMyDocumentsFolderName(): " + "localized name of 'My Documents' is: '" +
-             name + "'");
+  WriteTrace(kGlobals + "::GetMyDocumentsFolderName(): " +
+             "localized name of 'My Documents' is: '" + name + "'");
   return name;
 } catch (...) {
   return Procedure(kGlobalsLabel, "GetMyDocumentsFolderName").Report(std::string());

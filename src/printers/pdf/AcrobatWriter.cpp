@@ -56,7 +56,7 @@ bool AcrobatWriter::DoPrint(const host::HostObjectRef& document,
   if (!IRevisionPrinterDoPrint(document, target, printer)) return false;
   outputFile = GetAdobeRevisionFile(outputFolder_, printer);
   if (outputFile.empty()) {
-    WriteTrace(P("could not find the printed revision file."));
+    WriteTrace(DoPrintLine("could not find the printed revision file."));
     return false;
   }
   return CopyIntoRevisionFolder(outputFile, target);

@@ -30,8 +30,9 @@ std::string Resolved(const std::string& text) { return TraceServiceObject().Reso
 // Header, dialog and check-box lines: the text for settings that must all
 // be set anew.
 std::string AllSettingsWrong() {
-  return Resolved(messages::k0282b) + kCrLf + Resolved(messages::k02833) + kCrLf +
-         Resolved(messages::k033d1);
+  return Resolved(messages::kWrongPrinterSetting) + kCrLf +
+         Resolved(messages::kDoNotShowDialogNeeded) + kCrLf +
+         Resolved(messages::kPdfReadyBoxesCleared);
 }
 
 constexpr const char* kShowDlg = "ShowDlg";
@@ -148,28 +149,28 @@ int16_t PDFFactory::GetPdfFactoryVersion() try {
 }
 
 std::string PDFFactory::CheckPDFFactorySettings() try {
-  const std::string c = kLabel + "::CheckPDFFactorySettings(): ";
+  const std::string tracePrefix = kLabel + "::CheckPDFFactorySettings(): ";
   const std::string printer = device_.Name();
   if (printer.empty()) {
-    WriteTrace(c + "could not retrieve pdfFactory version. Printer does not seem to be" +
+    WriteTrace(tracePrefix + "could not retrieve pdfFactory version. Printer does not seem to be" +
                " installed -> leaving function");
-    return Resolved(messages::k033cc);
+    return Resolved(messages::kPrinterSeemsMissing);
   }
   const int16_t version = GetPdfFactoryVersion();
   if (version == -1) {
     WriteTrace(kLabel + ".CheckPDFFactorySettings(): " +
                "retrieving pdf factory version failed, i.e. printer does not seem to be "
                "configured correctly");
-    WriteTrace(c + kWrongSettings);
+    WriteTrace(tracePrefix + kWrongSettings);
     return AllSettingsWrong();
   }
   productKey_ = ProductKey(version);
   const std::string key = PdfFactorySettingsKey(version, printer);
-  WriteTrace(c + "checking settings in 'HKCU\\" + key + "'...");
+  WriteTrace(tracePrefix + "checking settings in 'HKCU\\" + key + "'...");
   return version == 1 ? CheckPdfFactory1xSettings(key) : CheckPdfFactory2UpSettings(key, version);
 } catch (...) {
   Procedure(kLabel, "Function CheckPDFFactorySettings()").Report();
-  return Resolved(messages::k033cd);
+  return Resolved(messages::kPdfFactoryCheckFailed);
 }
 
 std::string PDFFactory::CheckPdfFactory1xSettings(const std::string& key) try {
@@ -178,26 +179,28 @@ std::string PDFFactory::CheckPdfFactory1xSettings(const std::string& key) try {
     return std::string();
   }
   // Both texts are resolved twice over.
-  return Resolved(messages::k0282b) + kCrLf + Resolved(Resolved(messages::k033ce)) + " " +
-         Resolved(Resolved(messages::k033cf));
+  return Resolved(messages::kWrongPrinterSetting) + kCrLf +
+         Resolved(Resolved(messages::kShowDialogMustBe)) + " " +
+         Resolved(Resolved(messages::kNoViewNoSend));
 } catch (...) {
   Procedure(kLabel, "Function CheckPdfFactory1xSettings()").Report();
-  return Resolved(messages::k033d0);
+  return Resolved(messages::kRegistryUnreadable);
 }
 
 std::string PDFFactory::CheckPdfFactory2UpSettings(const std::string& key, int16_t version) try {
-  const std::string c = kLabel + "::CheckPdfFactory2UpSettings(): ";
+  const std::string tracePrefix = kLabel + "::CheckPdfFactory2UpSettings(): ";
   if (!ExistKey(kHKeyCurrentUser, key)) {
-    WriteTrace(c + "printer is using default settings.");
+    WriteTrace(tracePrefix + "printer is using default settings.");
     if (version == 4) {
-      WriteTrace(c + kWrongSettings);
+      WriteTrace(tracePrefix + kWrongSettings);
       return AllSettingsWrong();
     }
-    WriteTrace(c +
+    WriteTrace(tracePrefix +
                "reading printer settings from registry failed - please make sure settings are "
                "correct");
-    return Resolved(messages::k05790) + kCrLf + Resolved(messages::k02833) + kCrLf +
-           Resolved(messages::k033d1) + kCrLf + Resolved(messages::k05791);
+    return Resolved(messages::kSettingsCheckFailed) + kCrLf +
+           Resolved(messages::kDoNotShowDialogNeeded) + kCrLf +
+           Resolved(messages::kPdfReadyBoxesCleared) + kCrLf + Resolved(messages::kConfirmSettings);
   }
   const PdfFactoryNeeds needs = PdfFactoryRequired(version);
   const bool dialogRight = Reads(key, kShowDlg, needs.showDlg);
@@ -208,21 +211,23 @@ std::string PDFFactory::CheckPdfFactory2UpSettings(const std::string& key, int16
     // This line has no separator between class and procedure.
     WriteTrace(kLabel + "CheckPdfFactory2UpSettings(): " +
                "wrong setting: 'Do not show dialog' is not selected!");
-    text = Resolved(messages::k0282b) + kCrLf + Resolved(messages::k02833) + kCrLf;
+    text = Resolved(messages::kWrongPrinterSetting) + kCrLf +
+           Resolved(messages::kDoNotShowDialogNeeded) + kCrLf;
   }
   if (!saveRight) {
-    WriteTrace(c + "wrong setting: files will not be stored in the autosave folder!");
-    if (text.empty()) text = Resolved(messages::k0282b) + kCrLf;
-    text += Resolved(version == 2 ? messages::k02834 : messages::k033d1);
+    WriteTrace(tracePrefix + "wrong setting: files will not be stored in the autosave folder!");
+    if (text.empty()) text = Resolved(messages::kWrongPrinterSetting) + kCrLf;
+    text +=
+        Resolved(version == 2 ? messages::kAutoSaveFolderNeeded : messages::kPdfReadyBoxesCleared);
   }
   return text;
 } catch (...) {
   Procedure(kLabel, "Function CheckPdfFactory2UpSettings()").Report();
-  return Resolved(messages::k033d0);
+  return Resolved(messages::kRegistryUnreadable);
 }
 
 std::string PDFFactory::CheckPrnSettings() try {
-  if (device_.Name().empty()) return Resolved(messages::k02835);
+  if (device_.Name().empty()) return Resolved(messages::kPdfFactoryNotInstalled);
   const std::string text = CheckPDFFactorySettings();
   if (!text.empty()) {
     DebugLine([&] {
@@ -256,7 +261,7 @@ bool PDFFactory::DoPrint(const host::HostObjectRef& document, const host::HostOb
     }
     // The printer is the one chosen before: DoPrint chooses none.
     if (!device_.IsPrinterAvailable(WorksetOf(document))) {
-      WriteTrace(P("printing revision aborted because printer could not been not found"));
+      WriteTrace(DoPrintLine("printing revision aborted because printer could not been not found"));
       return false;
     }
     if (!device_.IsPrinterQueueEmpty(WorksetOf(document)) ||
@@ -270,30 +275,30 @@ bool PDFFactory::DoPrint(const host::HostObjectRef& document, const host::HostOb
     outputFile = DocumentFileHelperObject().TempOutputName(Extension());
     if (platform::FileExists(outputFile)) DeleteTempOutputFile(outputFile);
     SetFactoryFilename(outputFile);
-    WriteTrace(P("output file set.") + " OutFolder: " + outputFile);
+    WriteTrace(DoPrintLine("output file set.") + " OutFolder: " + outputFile);
     lock = LockOutputFolder(outputFolder, document);
     // Printed as the shared pipeline prints: the prompt names the printer,
     // not the archive as the Adobe drivers' does.
     if (lock && IRevisionPrinterDoPrint(document, device_.Name(), device_.IPrinter())) {
-      WriteTrace(P("waiting for '" + outputFile + "'"));
+      WriteTrace(DoPrintLine("waiting for '" + outputFile + "'"));
       if (WaitWhileFileInAccess(outputFile) &&
           TraceServiceObject().CopyFile(outputFile, target, true)) {
-        WriteTrace(P("'" + outputFile + "' really exists -> revision successfull... "));
+        WriteTrace(DoPrintLine("'" + outputFile + "' really exists -> revision successfull... "));
         result = true;
       } else {
-        WriteTrace(P("revision failed"));
+        WriteTrace(DoPrintLine("revision failed"));
       }
     }
   } catch (...) {
     // Reported first, then the cleanup below runs as well.
     Procedure(kClassLabel, "Function IRevisionPrinter_DoPrint").Report();
   }
-  IgnoreErrors([&] { WriteTrace(P("cleaning up after revisioning...")); },
+  IgnoreErrors([&] { WriteTrace(DoPrintLine("cleaning up after revisioning...")); },
                [&] {
                  if (platform::FileExists(outputFile)) DeleteTempOutputFile(outputFile);
                },
                [&] {
-                 if (lock) WriteTrace(P("about to delete lock-file..."));
+                 if (lock) WriteTrace(DoPrintLine("about to delete lock-file..."));
                },
                [&] {
                  if (lock) lock->DeleteLock(document);

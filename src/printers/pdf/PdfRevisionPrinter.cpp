@@ -29,11 +29,11 @@ bool PdfRevisionPrinter::AppendFile(const std::string& fileToAppend,
   return Procedure(label_, "Public Function IRevisionPrinter_AppendFile").Report(false);
 }
 
-std::string PdfRevisionPrinter::P(std::string_view text) const {
+std::string PdfRevisionPrinter::DoPrintLine(std::string_view text) const {
   return std::string(label_) + "::IRevisionPrinter_DoPrint(): " + std::string(text);
 }
 
-std::string PdfRevisionPrinter::Q(std::string_view text) const {
+std::string PdfRevisionPrinter::DoPrintPointLine(std::string_view text) const {
   return std::string(label_) + ".IRevisionPrinter_DoPrint: " + std::string(text);
 }
 
@@ -43,14 +43,14 @@ std::optional<bool> PdfRevisionPrinter::StartDoPrint(const host::HostObjectRef& 
                                                      std::string& target, bool pointPrefix) {
   target = IRevisionPrinterDoPrintCheckAndUpdateParams(document, revisionFolder, fileName, *this);
   if (target.empty()) {
-    WriteTrace(Q("printing revision aborted because parameters are faulty"));
+    WriteTrace(DoPrintPointLine("printing revision aborted because parameters are faulty"));
     return false;
   }
   if (CheckAndCopyPDF(document, target)) {
     const std::string copied =
         std::string("document was a PDF already --> file copied into revision folder; ") +
         "revision successful";
-    WriteTrace(pointPrefix ? Q(copied) : P(copied));
+    WriteTrace(pointPrefix ? DoPrintPointLine(copied) : DoPrintLine(copied));
     return true;
   }
   return std::nullopt;
@@ -59,7 +59,8 @@ std::optional<bool> PdfRevisionPrinter::StartDoPrint(const host::HostObjectRef& 
 bool PdfRevisionPrinter::PrinterReady(const host::HostObjectRef& document,
                                       const std::string& devModeText) {
   if (!device_.IPrinter()) {
-    WriteTrace(Q("printing revision aborted because printer could not been not found"));
+    WriteTrace(
+        DoPrintPointLine("printing revision aborted because printer could not been not found"));
     return false;
   }
   // The checks get the document's workset, read afresh for each, as the
@@ -90,7 +91,7 @@ std::unique_ptr<RevisionFileLock> PdfRevisionPrinter::LockOutputFolder(
       platform::AcquireMachineLock("revision lock " + folder, kMachineLockWaitMs));
   // An answer that is not True (the check failed) counts as locked.
   if (CheckDeleteLockFile(outputFolder, document) != std::optional<bool>(true)) {
-    WriteTrace(Q("revision directory is locked -> aborting"));
+    WriteTrace(DoPrintPointLine("revision directory is locked -> aborting"));
     return nullptr;
   }
   auto lock = std::make_unique<RevisionFileLock>();
@@ -135,7 +136,7 @@ bool AcrobatPrinter::AcrobatDoPrint(const host::HostObjectRef& document,
     // never stays.
     Procedure(ClassLabelOf(), "Function IRevisionPrinter_DoPrint").Report();
   }
-  IgnoreErrors([&] { WriteTrace(P("cleaning up after revisioning...")); },
+  IgnoreErrors([&] { WriteTrace(DoPrintLine("cleaning up after revisioning...")); },
                [&] {
                  if (lock) AnnounceLockDeletion();
                },
