@@ -256,7 +256,7 @@ std::string GetMyDocumentsPath() try {
   // as the path type instead, the shell refuses it as an invalid argument.
   const auto path =
       platform::ShellFolderPath(platform::kCsidlPersonal | platform::kCsidlFlagCreate, 0);
-  const std::string result = path ? *path : std::string();
+  std::string result = path ? *path : std::string();
   WriteTrace(kGlobals + "::GetMyDocumentsPath(): " + "Path of 'My Documents' is: '" + result + "'");
   return result;
 } catch (...) {
@@ -267,7 +267,7 @@ std::string GetMyDocumentsFolderName() try {
   std::string path = GetMyDocumentsPath();
   if (!path.empty() && path.back() == '\\') path.pop_back();
   const size_t slash = path.rfind('\\');
-  const std::string name = slash == std::string::npos ? std::string() : path.substr(slash + 1);
+  std::string name = slash == std::string::npos ? std::string() : path.substr(slash + 1);
   WriteTrace(kGlobals + "::GetMyDocumentsFolderName(): " +
              "localized name of 'My Documents' is: '" + name + "'");
   return name;

@@ -54,7 +54,7 @@ std::string AdobePDF::CheckPrnSettings() try {
   if (device_.Name().empty()) {
     return TraceServiceObject().ResolveText(messages::kAdobePdfNotInstalled);
   }
-  const std::string result = CheckAcrobatPRN(device_.Name());
+  std::string result = CheckAcrobatPRN(device_.Name());
   jobControl_ = false;
   if (!result.empty()) {
     WriteTrace(kLabel + "::IRevisionPrinter_CheckPrnSettings(): '" + result + "'");

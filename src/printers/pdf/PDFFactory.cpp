@@ -228,7 +228,7 @@ std::string PDFFactory::CheckPdfFactory2UpSettings(const std::string& key, int16
 
 std::string PDFFactory::CheckPrnSettings() try {
   if (device_.Name().empty()) return Resolved(messages::kPdfFactoryNotInstalled);
-  const std::string text = CheckPDFFactorySettings();
+  std::string text = CheckPDFFactorySettings();
   if (!text.empty()) {
     DebugLine([&] {
       return kLabel + "###" + "IRevisionPrinter_CheckPrnSettings(): '" + text + "'";

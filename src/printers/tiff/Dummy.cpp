@@ -42,7 +42,7 @@ std::string Dummy::ImageFileName() {
 std::string Dummy::GetOutputFileByGrpFileName(const std::string& groupFile) try {
   const std::string prefix = kLabel + ".GetOutputFileByGrpFileName(): ";
   // The length comes from the argument, the characters from the field.
-  const std::string tiff =
+  std::string tiff =
       vb::Left(outputBaseName_, static_cast<long long>(groupFile.size()) - 3) + "TIF";
   if (!platform::FileExists(tiff)) {
     WriteTrace(prefix + tiff + " not found");
