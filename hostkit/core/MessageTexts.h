@@ -59,7 +59,6 @@ class ScriptedAnswers {
 
   // The next line as written, or nullopt when all have been used.
   std::optional<std::string> Next();
-  [[nodiscard]] size_t Remaining() const noexcept { return lines_.size(); }
 
  private:
   std::deque<std::string> lines_;

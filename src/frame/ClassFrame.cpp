@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 #include "runtime/ErrorHandler.h"
 
@@ -30,7 +31,7 @@ std::string ReleasedBlock(const CountLines& lines) {
 }  // namespace
 
 void CountedClassInitialize(std::string_view classLabel, const CountLines& lines) {
-  Procedure(classLabel, "Class_Initialize").GuardNoThrow([&] {
+  try {
     if (lines.Framed()) {
       WriteTrace(std::string(lines.created));
       PPMInit();
@@ -48,19 +49,23 @@ void CountedClassInitialize(std::string_view classLabel, const CountLines& lines
     } else {
       DebugTrace(line);
     }
-  });
+  } catch (...) {
+    Procedure(classLabel, "Class_Initialize").ReportNoThrow();
+  }
 }
 
 void CountedClassTerminate(std::string_view classLabel, const CountLines& lines,
                            const std::function<void()>& cleanUp) {
-  Procedure(classLabel, "Class_Terminate").GuardNoThrow([&] {
+  try {
     if (lines.Framed()) --TiffInstanceCount();
     --InstanceCount();
     if (cleanUp) cleanUp();
     DebugLine([&] {
       return lines.Framed() ? ReleasedBlock(lines) : Counted(lines.released, InstanceCount());
     });
-  });
+  } catch (...) {
+    Procedure(classLabel, "Class_Terminate").ReportNoThrow();
+  }
 }
 
 }  // namespace kestrivon

@@ -10,7 +10,7 @@
 #include "pipeline/PrintJobDriver.h"
 #include "platform/Clock.h"
 #include "platform/Spooler.h"
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 #include "runtime/RunTimeError.h"
 #include "runtime/Variant.h"
 #include "services/MessageTexts.h"
@@ -43,26 +43,30 @@ std::shared_ptr<host::UIPolicy>& KeptUIPolicy() { return Module().uiPolicy; }
 }  // namespace
 
 PrnDevice::~PrnDevice() {
-  Procedure(kClassLabel, "Class_Terminate()").GuardNoThrow([&] { Shutdown(); });
+  try {
+    Shutdown();
+  } catch (...) {
+    Procedure(kClassLabel, "Class_Terminate()").ReportNoThrow();
+  }
 }
 
-bool PrnDevice::SetFilePrinterByName(const std::string& name) {
-  return Procedure(kClassLabel, "SetFilePrinterByName").Guard(false, [&] {
-    // The printer selected already is kept as it is.
-    if (printer_ && name != name_) {
-      PrinterOf(printer_)->ReleasePrinter();
-      printer_.reset();
-    }
-    if (!printer_) printer_ = Required(PrinterManager()).GetPrinter(name);
-    if (!printer_) {
-      WriteTrace(kLabel + "::PrnDevice::SetFilePrinterByName(" + name +
-                 "): printer does not exist\r\n");
-      name_.clear();
-    } else {
-      name_ = name;
-    }
-    return printer_ != nullptr;
-  });
+bool PrnDevice::SetFilePrinterByName(const std::string& name) try {
+  // The printer selected already is kept as it is.
+  if (printer_ && name != name_) {
+    PrinterOf(printer_)->ReleasePrinter();
+    printer_.reset();
+  }
+  if (!printer_) printer_ = Required(PrinterManager()).GetPrinter(name);
+  if (!printer_) {
+    WriteTrace(kLabel + "::PrnDevice::SetFilePrinterByName(" + name +
+               "): printer does not exist\r\n");
+    name_.clear();
+  } else {
+    name_ = name;
+  }
+  return printer_ != nullptr;
+} catch (...) {
+  return Procedure(kClassLabel, "SetFilePrinterByName").Report(false);
 }
 
 bool PrnDevice::SetFirstFilePrinter(std::span<const char* const> names) {
@@ -73,122 +77,122 @@ bool PrnDevice::SetFirstFilePrinter(std::span<const char* const> names) {
 }
 
 host::HostObjectRef PrnDevice::IPrinter() {
-  return Procedure(kClassLabel, "IPrinter[PropertyGet]").Guard(host::HostObjectRef(), [&] {
-    return printer_;
-  });
+  return printer_;
 }
 
-std::shared_ptr<host::PrinterManager> PrnDevice::PrinterManager() {
+std::shared_ptr<host::PrinterManager> PrnDevice::PrinterManager() try {
+  if (!manager_) manager_ = host::CreatePrinterManager();
+  return manager_;
+} catch (...) {
   return Procedure(kClassLabel, "PrinterManager [PropertyGet]")
-      .Guard(std::shared_ptr<host::PrinterManager>(), [&] {
-        if (!manager_) manager_ = host::CreatePrinterManager();
-        return manager_;
-      });
+      .Report(std::shared_ptr<host::PrinterManager>());
 }
 
 std::string PrnDevice::Name() {
-  return Procedure(kClassLabel, "Name [PropertyGet]").Guard(std::string(), [&] { return name_; });
+  return name_;
 }
 
-void PrnDevice::Shutdown() {
-  Procedure(kClassLabel, "Shutdown").Guard([&] {
-    if (printer_) {
-      PrinterOf(printer_)->ReleasePrinter();
-      printer_.reset();
-      name_.clear();
-    }
-    if (manager_) {
-      manager_->Shutdown();
-      manager_.reset();
-    }
-  });
+void PrnDevice::Shutdown() try {
+  if (printer_) {
+    PrinterOf(printer_)->ReleasePrinter();
+    printer_.reset();
+    name_.clear();
+  }
+  if (manager_) {
+    manager_->Shutdown();
+    manager_.reset();
+  }
+} catch (...) {
+  Procedure(kClassLabel, "Shutdown").Report();
 }
 
-bool PrnDevice::IsPrinterAvailable(const host::HostObjectRef& context) {
-  return Procedure(kClassLabel, "Function IsPrinterAvailable()").Guard(false, [&] {
-    const std::string prefix = kLabel + ".IsPrinterAvailable";
-    if (!printer_) {
-      WriteTrace(prefix + "(): not ready (= not found)");
-      if (AllowUserInteraction(context)) {
-        TraceServiceObject().ShowMessageBox(Resolved(messages::k05d3a), 80, "");
-        WriteTrace(prefix + "(): " +
-                   "MsgBox: Revision printer is not installed. Revision printing is not possible.");
-      }
-      return false;
-    }
-    const int32_t status = PrinterOf(printer_)->CurrentStatus();
-    WriteTrace(prefix + ": vemra_printlib.IPrinter.CurrentStatus: '" + std::to_string(status) +
-               "'");
-    const bool ready = (status & kNotReadyMask) == 0;
-    WriteTrace(prefix + ": " + BoolText(ready) + "(status: " + std::to_string(status) + ")");
-    if (ready) return true;
+bool PrnDevice::IsPrinterAvailable(const host::HostObjectRef& context) try {
+  const std::string prefix = kLabel + ".IsPrinterAvailable";
+  if (!printer_) {
+    WriteTrace(prefix + "(): not ready (= not found)");
     if (AllowUserInteraction(context)) {
-      const std::string question = Resolved(messages::k05d3b);
-      const bool yes = TraceServiceObject().ShowMessageBox(
-                           question, 36, Resolved(messages::k01d8c)) == kAnswerYes;
-      WriteTrace(prefix + ": " +
-                 "MsgBox: Printer is not ready. Du you still want to do a revision? " +
-                 "answer: " + (yes ? "yes" : "no"));
-      return yes;
+      TraceServiceObject().ShowMessageBox(Resolved(messages::kRevisionPrinterNotInstalled), 80, "");
+      WriteTrace(prefix + "(): " +
+                 "MsgBox: Revision printer is not installed. Revision printing is not possible.");
     }
-    WriteTrace(prefix + ": " + "revision printer is not ready --> aborting.");
     return false;
-  });
+  }
+  const int32_t status = PrinterOf(printer_)->CurrentStatus();
+  WriteTrace(prefix + ": vemra_printlib.IPrinter.CurrentStatus: '" + std::to_string(status) +
+             "'");
+  const bool ready = (status & kNotReadyMask) == 0;
+  WriteTrace(prefix + ": " + BoolText(ready) + "(status: " + std::to_string(status) + ")");
+  if (ready) return true;
+  if (AllowUserInteraction(context)) {
+    const std::string question = Resolved(messages::kPrinterNotReadyGoOn);
+    const bool yes = TraceServiceObject().ShowMessageBox(
+                         question, 36, Resolved(messages::kRevisionPrinterTitle)) == kAnswerYes;
+    WriteTrace(prefix + ": " +
+               "MsgBox: Printer is not ready. Du you still want to do a revision? " +
+               "answer: " + (yes ? "yes" : "no"));
+    return yes;
+  }
+  WriteTrace(prefix + ": " + "revision printer is not ready --> aborting.");
+  return false;
+} catch (...) {
+  return Procedure(kClassLabel, "Function IsPrinterAvailable()").Report(false);
 }
 
-bool PrnDevice::IsPrinterReady() {
-  return Procedure(kClassLabel, "Public Function 'IsPrinterReady'").Guard(false, [&] {
-    if (!printer_) return false;
-    const int32_t status = PrinterOf(printer_)->CurrentStatus();
-    // The status goes into a 16-bit Integer: the narrowing overflows from
-    // 0x8000 on, and that ends the check with False.
-    if (status > std::numeric_limits<int16_t>::max() ||
-        status < std::numeric_limits<int16_t>::min()) {
-      Raise(vb_error::kOverflow);
-    }
-    const auto value = static_cast<int16_t>(status);
-    WriteTrace(kLabel + ".IsPrinterReady(): queue.QueueStatus = '" + std::to_string(value) + "'");
-    return (static_cast<int32_t>(value) & kCannotPrintMask) == 0;
-  });
+bool PrnDevice::IsPrinterReady() try {
+  if (!printer_) return false;
+  const int32_t status = PrinterOf(printer_)->CurrentStatus();
+  // The status goes into a 16-bit Integer: the narrowing overflows from
+  // 0x8000 on, and that ends the check with False.
+  if (status > std::numeric_limits<int16_t>::max() ||
+      status < std::numeric_limits<int16_t>::min()) {
+    Raise(vb_error::kOverflow);
+  }
+  const auto value = static_cast<int16_t>(status);
+  WriteTrace(kLabel + ".IsPrinterReady(): queue.QueueStatus = '" + std::to_string(value) + "'");
+  return (static_cast<int32_t>(value) & kCannotPrintMask) == 0;
+} catch (...) {
+  return Procedure(kClassLabel, "Public Function 'IsPrinterReady'").Report(false);
 }
 
-bool PrnDevice::InitializeDevMode(const host::HostObjectRef& document, const std::string& text) {
-  return Procedure(kClassLabel, "Sub InitializeDevMode()").Guard(false, [&] {
-    if (!document) return false;
-    if (!printer_) {
-      WriteTrace(kLabel + ".InitializeDevMode(): " + "printer is null. Aborting...");
-      return false;
-    }
-    WriteTrace(kLabel + "::InitializeDevMode(): " +
-               "starting to initialize the VemraPrinter.Printer's DEVMODE...");
-    const bool notHostDocument = !IsVemraDoc(document);
-    const host::HostObjectRef settings = Required(host::AsDocument(document)).PrintSettings();
-    if (PrinterOf(printer_)->PrepareDevMode(notHostDocument, 0, settings, text)) {
-      WriteTrace(kLabel + "::InitializeDevMode(): " + "print job started.");
-    }
-    return true;
-  });
-}
-
-bool PrnDevice::IsPrinterQueueEmpty(const host::HostObjectRef& context) {
-  return Procedure(kClassLabel, "Function IsPrinterQueueEmpty").Guard(false, [&] {
-    if (IsPrinterQueueEmptyPriv(false)) return true;
-    const auto settings = RequiredObject(Required(host::AsWorkset(context)).Settings());
-    if (!settings->Exist(kShowRevisionMessages)) return false;
-    if (VariantEqualsFalse(settings->Item(kShowRevisionMessages))) {
-      WriteTrace(kLabel + "::IsPrinterQueueEmpty(): " + "printer queue is not empty.");
-      return false;
-    }
-    auto& service = TraceServiceObject();
-    // The text goes through the resolver twice, the title once.
-    const std::string text = service.ResolveText(service.ResolveText(messages::k03b09));
-    service.ShowMessageBox(text, 16, service.ResolveText(messages::k03b0a));
+bool PrnDevice::InitializeDevMode(const host::HostObjectRef& document,
+                                  const std::string& text) try {
+  if (!document) return false;
+  if (!printer_) {
+    WriteTrace(kLabel + ".InitializeDevMode(): " + "printer is null. Aborting...");
     return false;
-  });
+  }
+  WriteTrace(kLabel + "::InitializeDevMode(): " +
+             "starting to initialize the VemraPrinter.Printer's DEVMODE...");
+  const bool notHostDocument = !IsVemraDoc(document);
+  const host::HostObjectRef settings = Required(host::AsDocument(document)).PrintSettings();
+  if (PrinterOf(printer_)->PrepareDevMode(notHostDocument, 0, settings, text)) {
+    WriteTrace(kLabel + "::InitializeDevMode(): " + "print job started.");
+  }
+  return true;
+} catch (...) {
+  return Procedure(kClassLabel, "Sub InitializeDevMode()").Report(false);
+}
+
+bool PrnDevice::IsPrinterQueueEmpty(const host::HostObjectRef& context) try {
+  if (IsPrinterQueueEmptyPriv(false)) return true;
+  const auto settings = RequiredObject(Required(host::AsWorkset(context)).Settings());
+  if (!settings->Exist(kShowRevisionMessages)) return false;
+  if (VariantEqualsFalse(settings->Item(kShowRevisionMessages))) {
+    WriteTrace(kLabel + "::IsPrinterQueueEmpty(): " + "printer queue is not empty.");
+    return false;
+  }
+  auto& service = TraceServiceObject();
+  // The text goes through the resolver twice, the title once.
+  const std::string text = service.ResolveText(service.ResolveText(messages::kQueueNotEmpty));
+  service.ShowMessageBox(text, 16, service.ResolveText(messages::kRevisionPrinterCaption));
+  return false;
+} catch (...) {
+  return Procedure(kClassLabel, "Function IsPrinterQueueEmpty").Report(false);
 }
 
 int32_t PrnDevice::GetNumberOfPrintJobs(const std::string& name) {
-  return Procedure(kClassLabel, "Function GetNumberOfPrintJobs").Guard(-1, [&](int32_t& result) {
+  int32_t result = -1;
+  try {
     const std::string prefix = kLabel + "::GetNumberOfPrintJobs(): ";
     result = -1;
     platform::OwnedPrinter printer;
@@ -205,50 +209,53 @@ int32_t PrnDevice::GetNumberOfPrintJobs(const std::string& name) {
     }
     WriteTrace("-----\r\n\t" + kLabel + "::GetNumberOfPrintJobs()\r\n\treturn value = " +
                std::to_string(result) + "\r\n-----");
-  });
+  } catch (...) {
+    Procedure(kClassLabel, "Function GetNumberOfPrintJobs").Report();
+  }
+  return result;
 }
 
-bool PrnDevice::IsPrinterQueueEmptyPriv(bool retry) {
-  return Procedure(kClassLabel, "Function IsPrinterQueueEmptyPriv()").Guard(false, [&] {
-    const std::string prefix = kLabel + "::IsPrinterQueueEmptyPriv('" + name_ + "'): ";
-    const int32_t jobs = GetNumberOfPrintJobs(name_);
-    if (jobs == -1) {
-      WriteTrace(prefix + "unable to retrieve number of print jobs in printer queue! " +
-                 "The printer queue has to be empty to do revisions. " +
-                 " We cannot grant that the printer queue is empty. -> " + "Revision aborted!");
-      return false;
-    }
-    if (jobs < 1) return true;
-    if (jobs > 1) {
-      WriteTrace(prefix + "printer queue holds print jobs." + " -> Revision will be aborted!");
-      return false;
-    }
-    if (!retry) {
-      WriteTrace(prefix + "printer queue holds " + "1" + " print job waiting " + "5" +
-                 " seconds for job to finish...");
-      // Half a second, whatever the line says; a plain sleep, nothing pumped.
-      platform::Sleep(500);
-      // The recount only traces: one queued job fails the check either way.
-      IsPrinterQueueEmptyPriv(true);
-    }
-    if (retry) {
-      WriteTrace(prefix + "printer queue still holds " +
-                 "print jobs. -> Revision will be aborted!");
-    } else {
-      WriteTrace(prefix + "printer queue holds " + "1" +
-                 " print job(s). -> Revision will be aborted!");
-    }
+bool PrnDevice::IsPrinterQueueEmptyPriv(bool retry) try {
+  const std::string prefix = kLabel + "::IsPrinterQueueEmptyPriv('" + name_ + "'): ";
+  const int32_t jobs = GetNumberOfPrintJobs(name_);
+  if (jobs == -1) {
+    WriteTrace(prefix + "unable to retrieve number of print jobs in printer queue! " +
+               "The printer queue has to be empty to do revisions. " +
+               " We cannot grant that the printer queue is empty. -> " + "Revision aborted!");
     return false;
-  });
+  }
+  if (jobs < 1) return true;
+  if (jobs > 1) {
+    WriteTrace(prefix + "printer queue holds print jobs." + " -> Revision will be aborted!");
+    return false;
+  }
+  if (!retry) {
+    WriteTrace(prefix + "printer queue holds " + "1" + " print job waiting " + "5" +
+               " seconds for job to finish...");
+    // Half a second, whatever the line says; a plain sleep, nothing pumped.
+    platform::Sleep(500);
+    // The recount only traces: one queued job fails the check either way.
+    IsPrinterQueueEmptyPriv(true);
+  }
+  if (retry) {
+    WriteTrace(prefix + "printer queue still holds " +
+               "print jobs. -> Revision will be aborted!");
+  } else {
+    WriteTrace(prefix + "printer queue holds " + "1" +
+               " print job(s). -> Revision will be aborted!");
+  }
+  return false;
+} catch (...) {
+  return Procedure(kClassLabel, "Function IsPrinterQueueEmptyPriv()").Report(false);
 }
 
-bool AllowUserInteraction(const host::HostObjectRef& context) {
-  return Procedure(kGlobalsLabel, "AllowUserInteraction").Guard(false, [&] {
-    if (!context) return false;
-    auto& policy = KeptUIPolicy();
-    if (!policy) policy = host::CreateUIPolicy();
-    return !policy->IsSilent(context);
-  });
+bool AllowUserInteraction(const host::HostObjectRef& context) try {
+  if (!context) return false;
+  auto& policy = KeptUIPolicy();
+  if (!policy) policy = host::CreateUIPolicy();
+  return !policy->IsSilent(context);
+} catch (...) {
+  return Procedure(kGlobalsLabel, "AllowUserInteraction").Report(false);
 }
 
 }  // namespace kestrivon

@@ -10,7 +10,7 @@
 #include "platform/FileSearch.h"
 #include "platform/FileSystem.h"
 #include "platform/SystemNames.h"
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 #include "runtime/Text.h"
 #include "runtime/VbStrings.h"
 #include "services/MessageTexts.h"
@@ -37,15 +37,19 @@ std::string UserName(const host::HostObjectRef& document) {
 }  // namespace
 
 RevisionFileLock::RevisionFileLock() {
-  Procedure(kLockClass, "Private Sub Class_Initialize").Guard([] {
+  try {
     DebugLine([] { return "### Kestrivon::DocumentLock::Class_Initialize()..."; });
-  });
+  } catch (...) {
+    Procedure(kLockClass, "Private Sub Class_Initialize").Report();
+  }
 }
 
 RevisionFileLock::~RevisionFileLock() {
-  Procedure(kLockClass, "Private Sub Class_Terminate").GuardNoThrow([] {
+  try {
     DebugLine([] { return "### Kestrivon::DocumentLock::Class_Terminate()..."; });
-  });
+  } catch (...) {
+    Procedure(kLockClass, "Private Sub Class_Terminate").ReportNoThrow();
+  }
 }
 
 void RevisionFileLock::SetOutputDirectory(const std::string& folder) {
@@ -55,74 +59,76 @@ void RevisionFileLock::SetOutputDirectory(const std::string& folder) {
   outputDirectory_ = std::move(trimmed);
 }
 
-void RevisionFileLock::WriteLock(const host::HostObjectRef& document) {
-  Procedure(kLockClass, "Public Sub WriteLock").Guard([&] {
-    DebugLine([] { return "### Kestrivon::DocumentLock::WriteLock(): writing lock-file..."; });
-    if (!document) {
-      WriteTrace("Kestrivon::DocumentLock::WriteLock(): Document is nothing -> leaving sub...");
-      return;
-    }
-    const std::string name = LockFileName(document);
-    // The lines are gathered first and the file written whole in one step,
-    // so that a run reading it meanwhile never finds a part of it. A line
-    // that cannot be had is reported and the ones before it are written,
-    // as a line-wise writing would have left them.
-    std::vector<std::string> lines;
-    Procedure(kLockClass, "Public Sub WriteLock").Guard([&] {
-      lines.push_back(pipeline::DateText(platform::Now()));
-      lines.push_back(ComputerName());
-      lines.push_back(UserName(document));
-    });
-    platform::WriteAnsiTextLines(name, lines);
-  });
+void RevisionFileLock::WriteLock(const host::HostObjectRef& document) try {
+  DebugLine([] { return "### Kestrivon::DocumentLock::WriteLock(): writing lock-file..."; });
+  if (!document) {
+    WriteTrace("Kestrivon::DocumentLock::WriteLock(): Document is nothing -> leaving sub...");
+    return;
+  }
+  const std::string name = LockFileName(document);
+  // The lines are gathered first and the file written whole in one step,
+  // so that a run reading it meanwhile never finds a part of it. A line
+  // that cannot be had is reported and the ones before it are written,
+  // as a line-wise writing would have left them.
+  std::vector<std::string> lines;
+  try {
+    lines.push_back(pipeline::DateText(platform::Now()));
+    lines.push_back(ComputerName());
+    lines.push_back(UserName(document));
+  } catch (...) {
+    Procedure(kLockClass, "Public Sub WriteLock").Report();
+  }
+  platform::WriteAnsiTextLines(name, lines);
+} catch (...) {
+  Procedure(kLockClass, "Public Sub WriteLock").Report();
 }
 
-void RevisionFileLock::DeleteLock(const host::HostObjectRef& document) {
-  Procedure(kLockClass, "Public Sub DeleteLock").Guard([&] {
-    if (!document) {
-      WriteTrace("Kestrivon::DocumentLock::DeleteLock(): document is Nothing -> leaving sub...");
-      return;
-    }
-    const std::string name = LockFileName(document);
-    WriteTrace("Kestrivon::DocumentLock::DeleteLock(): deleting lock-file ('" + name + "')...");
-    if (name.empty()) {
-      WriteTrace(
-          "Kestrivon::DocumentLock::DeleteLock(): unable to retrieve lock-file -> no need to "
-          "delete it");
-    } else if (platform::FileExists(name)) {
-      platform::DeleteFileWithForce(name, false);
-      WriteTrace("Kestrivon::DocumentLock::DeleteLock(): lock-file ('" + name + "') deleted");
-    } else {
-      WriteTrace(
-          "Kestrivon::DocumentLock::DeleteLock(): lock-file does not exist anymore -> no neet to "
-          "delete it");
-    }
-  });
+void RevisionFileLock::DeleteLock(const host::HostObjectRef& document) try {
+  if (!document) {
+    WriteTrace("Kestrivon::DocumentLock::DeleteLock(): document is Nothing -> leaving sub...");
+    return;
+  }
+  const std::string name = LockFileName(document);
+  WriteTrace("Kestrivon::DocumentLock::DeleteLock(): deleting lock-file ('" + name + "')...");
+  if (name.empty()) {
+    WriteTrace(
+        "Kestrivon::DocumentLock::DeleteLock(): unable to retrieve lock-file -> no need to "
+        "delete it");
+  } else if (platform::FileExists(name)) {
+    platform::DeleteFileWithForce(name, false);
+    WriteTrace("Kestrivon::DocumentLock::DeleteLock(): lock-file ('" + name + "') deleted");
+  } else {
+    WriteTrace(
+        "Kestrivon::DocumentLock::DeleteLock(): lock-file does not exist anymore -> no neet to "
+        "delete it");
+  }
+} catch (...) {
+  Procedure(kLockClass, "Public Sub DeleteLock").Report();
 }
 
-std::string RevisionFileLock::ComputerName() {
-  return Procedure(kLockClass, "Public Function ComputerName").Guard(std::string(), [] {
-    std::string buffer(255, ' ');
-    uint32_t size = 255;
-    if (!platform::GetComputerNameA(buffer.data(), &size)) return std::string();
-    return platform::FromAnsiCodePage(vb::Left(buffer, size));
-  });
+std::string RevisionFileLock::ComputerName() try {
+  std::string buffer(255, ' ');
+  uint32_t size = 255;
+  if (!platform::GetComputerNameA(buffer.data(), &size)) return std::string();
+  return platform::FromAnsiCodePage(vb::Left(buffer, size));
+} catch (...) {
+  return Procedure(kLockClass, "Public Function ComputerName").Report(std::string());
 }
 
-std::string RevisionFileLock::LockFileName(const host::HostObjectRef& document) {
-  return Procedure(kLockClass, "Private Function LockFileName").Guard(std::string(), [&] {
-    if (!document) {
-      WriteTrace(
-          "Kestrivon::DocumentLock::LockFileName(): document is Nothing -> leaving function...");
-      return std::string();
-    }
-    std::string name =
-        outputDirectory_ + Required(host::AsVemraObject(document)).DocumentName() + kLockExtension;
-    DebugLine([&] {
-      return "### Kestrivon::DocumentLock::LockFileName(): lock-file name is '" + name + "'";
-    });
-    return name;
+std::string RevisionFileLock::LockFileName(const host::HostObjectRef& document) try {
+  if (!document) {
+    WriteTrace(
+        "Kestrivon::DocumentLock::LockFileName(): document is Nothing -> leaving function...");
+    return std::string();
+  }
+  std::string name =
+      outputDirectory_ + Required(host::AsVemraObject(document)).DocumentName() + kLockExtension;
+  DebugLine([&] {
+    return "### Kestrivon::DocumentLock::LockFileName(): lock-file name is '" + name + "'";
   });
+  return name;
+} catch (...) {
+  return Procedure(kLockClass, "Private Function LockFileName").Report(std::string());
 }
 
 RevisionLockFile ReadRevisionLock(const std::string& path) {
@@ -148,25 +154,26 @@ std::vector<std::string> FindRevisionLocks(const std::string& folder) {
 }
 
 std::optional<bool> CheckDeleteLockFile(const std::string& folder,
-                                        const host::HostObjectRef& document) {
-  return Procedure(kGlobalsLabel, "CheckDeleteLockFile").Guard(std::optional<bool>(), [&] {
-    const std::vector<std::string> locks = FindRevisionLocks(folder);
-    if (locks.empty()) return std::optional<bool>(true);
-    const std::string& path = locks.front();
-    if (IsRevisionFileLocked(path, document)) {
-      WriteTrace(
-          "VemraKestrivon::Globals::CheckDeleteLockFile(): output directory is locked -> "
-          "aborting...");
-      return std::optional<bool>(false);
-    }
-    WriteTrace("VemraKestrivon::Globals.CheckDeleteLockFile(): deleting old lock-file...");
-    DeleteTempOutputFile(path);
-    return std::optional<bool>(true);
-  });
+                                        const host::HostObjectRef& document) try {
+  const std::vector<std::string> locks = FindRevisionLocks(folder);
+  if (locks.empty()) return std::optional<bool>(true);
+  const std::string& path = locks.front();
+  if (IsRevisionFileLocked(path, document)) {
+    WriteTrace(
+        "VemraKestrivon::Globals::CheckDeleteLockFile(): output directory is locked -> "
+        "aborting...");
+    return std::optional<bool>(false);
+  }
+  WriteTrace("VemraKestrivon::Globals.CheckDeleteLockFile(): deleting old lock-file...");
+  DeleteTempOutputFile(path);
+  return std::optional<bool>(true);
+} catch (...) {
+  return Procedure(kGlobalsLabel, "CheckDeleteLockFile").Report(std::optional<bool>());
 }
 
 bool IsRevisionFileLocked(const std::string& path, const host::HostObjectRef& document) {
-  return Procedure(kGlobalsLabel, "IsRevisionFileLocked").Guard(true, [&](bool& locked) {
+  bool locked = true;
+  try {
     const RevisionLockFile lock = ReadRevisionLock(path);
     const std::string& writtenAt = lock.writtenAt;
     const std::string& computer = lock.computer;
@@ -181,7 +188,7 @@ bool IsRevisionFileLocked(const std::string& path, const host::HostObjectRef& do
       platform::Sleep(kNewLockWait);
       if (!platform::FileExists(path)) {
         locked = false;
-        return;
+        return locked;
       }
     } else if (age == LockAge::kStale) {
       DebugLine([&] {
@@ -189,7 +196,7 @@ bool IsRevisionFileLocked(const std::string& path, const host::HostObjectRef& do
                "') -> ignoring...";
       });
       locked = false;
-      return;
+      return locked;
     }
     const std::string createdText = pipeline::DateText(created);
     DebugLine([&] {
@@ -200,14 +207,18 @@ bool IsRevisionFileLocked(const std::string& path, const host::HostObjectRef& do
              "\r\n--> aborting!!...";
     });
     host::TraceService& texts = TraceServiceObject();
-    const std::string message = texts.ResolveText(messages::k026ef) + "\r\n" +
-                                texts.ResolveText(messages::k01114) + " " + user + "\r\n" +
-                                texts.ResolveText(messages::k026f0) + " " + computer + "\r\n" +
-                                texts.ResolveText(messages::k026f1) + " " + createdText + "\r\n" +
-                                texts.ResolveText(messages::k026f2);
-    ShowMessage(message, kCriticalOk, texts.ResolveText(messages::k003c1), document);
+    const std::string message = texts.ResolveText(messages::kFolderInUse) + "\r\n" +
+                                texts.ResolveText(messages::kLockUser) + " " + user + "\r\n" +
+                                texts.ResolveText(messages::kLockComputer) + " " + computer +
+                                "\r\n" + texts.ResolveText(messages::kLockStartTime) + " " +
+                                createdText + "\r\n" +
+                                texts.ResolveText(messages::kRevisionCancelled);
+    ShowMessage(message, kCriticalOk, texts.ResolveText(messages::kRevisionTitle), document);
     locked = true;
-  });
+  } catch (...) {
+    Procedure(kGlobalsLabel, "IsRevisionFileLocked").Report();
+  }
+  return locked;
 }
 
 }  // namespace kestrivon

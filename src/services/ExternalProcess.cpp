@@ -1,6 +1,6 @@
 #include "services/ExternalProcess.h"
 
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 
 namespace kestrivon {
@@ -14,10 +14,11 @@ bool SyncShell(const std::string& commandLine, int32_t timeout, bool waitForInpu
                bool hideWindow) {
   // The answer is set before the closing traces: a failing trace there
   // still answers it.
-  return Procedure(kGlobalsLabel, "Public Function 'SyncShell'").Guard(false, [&](bool& result) {
+  bool result = false;
+  try {
     const uint32_t wait = timeout <= 0 ? platform::kInfinite : static_cast<uint32_t>(timeout);
     platform::OwnedHandle process(StartProcess(commandLine, hideWindow));
-    if (!process.Valid()) return;
+    if (!process.Valid()) return result;
     WriteTrace("VemraKestrivon::Globals::SyncShell(): Process started (process-handle: " +
                std::to_string(process.Get()) + ")");
     int32_t returned = 0;
@@ -51,27 +52,29 @@ bool SyncShell(const std::string& commandLine, int32_t timeout, bool waitForInpu
                    std::to_string(returned) + "'");
         break;
     }
-  });
+  } catch (...) {
+    Procedure(kGlobalsLabel, "Public Function 'SyncShell'").Report();
+  }
+  return result;
 }
 
-platform::Handle StartProcess(const std::string& commandLine, bool hideWindow) {
-  return Procedure(kGlobalsLabel, "Private Function 'StartProcess'")
-      .Guard(platform::Handle{0}, [&] {
-        platform::StartupInfo startup;
-        startup.cb = kStartupInfoSize;
-        if (hideWindow) {
-          startup.flags = platform::kStartfUseShowWindow;
-          startup.showWindow = platform::kSwHide;
-        }
-        platform::ProcessInformation information;
-        if (!platform::CreateProcessA(commandLine, true, platform::kNormalPriorityClass, startup,
-                                      &information)) {
-          WriteTrace("VemraKestrivon::Globals::StartProcess(): CreateProcess() failed");
-          return platform::Handle{0};
-        }
-        // The thread handle stays open, as it always has.
-        return information.process;
-      });
+platform::Handle StartProcess(const std::string& commandLine, bool hideWindow) try {
+  platform::StartupInfo startup;
+  startup.cb = kStartupInfoSize;
+  if (hideWindow) {
+    startup.flags = platform::kStartfUseShowWindow;
+    startup.showWindow = platform::kSwHide;
+  }
+  platform::ProcessInformation information;
+  if (!platform::CreateProcessA(commandLine, true, platform::kNormalPriorityClass, startup,
+                                &information)) {
+    WriteTrace("VemraKestrivon::Globals::StartProcess(): CreateProcess() failed");
+    return platform::Handle{0};
+  }
+  // The thread handle stays open, as it always has.
+  return information.process;
+} catch (...) {
+  return Procedure(kGlobalsLabel, "Private Function 'StartProcess'").Report(platform::Handle{0});
 }
 
 }  // namespace kestrivon

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"
@@ -28,29 +28,29 @@ int32_t Difference(int32_t a, int32_t b) {
 
 }  // namespace
 
-bool WaitWhileFileInAccess(const std::string& path) {
-  return Procedure(kGlobalsLabel, "Function WaitWhileFileInAccess").Guard(false, [&] {
-    bool found = false;
-    bool done = false;
-    const int32_t start = TraceServiceObject().CurrentTicks();
-    while (true) {
-      if (done) return true;
-      const int32_t now = TraceServiceObject().CurrentTicks();
-      if (Difference(now, start) > kAppearanceLimit && !found) {
-        WriteTrace("VemraKestrivon::Globals::WaitWhileFileInAccess(): Waiting time exceeded");
-        return false;
-      }
-      MyDoEvents();
-      if (platform::FileExists(path)) {
-        found = true;
-        done = TestForFileAccess(path);
-      } else {
-        WriteTrace(
-            "VemraKestrivon::Globals::WaitWhileFileInAccess(): File does not exist. Waiting for file...");
-      }
-      platform::Sleep(kSlice);
+bool WaitWhileFileInAccess(const std::string& path) try {
+  bool found = false;
+  bool done = false;
+  const int32_t start = TraceServiceObject().CurrentTicks();
+  while (true) {
+    if (done) return true;
+    const int32_t now = TraceServiceObject().CurrentTicks();
+    if (Difference(now, start) > kAppearanceLimit && !found) {
+      WriteTrace("VemraKestrivon::Globals::WaitWhileFileInAccess(): Waiting time exceeded");
+      return false;
     }
-  });
+    MyDoEvents();
+    if (platform::FileExists(path)) {
+      found = true;
+      done = TestForFileAccess(path);
+    } else {
+      WriteTrace(
+          "VemraKestrivon::Globals::WaitWhileFileInAccess(): File does not exist. Waiting for file...");
+    }
+    platform::Sleep(kSlice);
+  }
+} catch (...) {
+  return Procedure(kGlobalsLabel, "Function WaitWhileFileInAccess").Report(false);
 }
 
 bool TestForFileAccess(const std::string& path) {
@@ -65,16 +65,16 @@ bool TestForFileAccess(const std::string& path) {
   return !held;
 }
 
-void MyDoEvents() {
-  Procedure(kGlobalsLabel, "Function MyDoEvents").Guard([] {
-    platform::Message message;
-    while (platform::PeekMessageA(&message, 0, 0, 0, platform::kPmRemove)) {
-      if (IsLegalMessage(static_cast<int32_t>(message.message))) {
-        platform::TranslateMessage(message);
-        platform::DispatchMessageA(message);
-      }
+void MyDoEvents() try {
+  platform::Message message;
+  while (platform::PeekMessageA(&message, 0, 0, 0, platform::kPmRemove)) {
+    if (IsLegalMessage(static_cast<int32_t>(message.message))) {
+      platform::TranslateMessage(message);
+      platform::DispatchMessageA(message);
     }
-  });
+  }
+} catch (...) {
+  Procedure(kGlobalsLabel, "Function MyDoEvents").Report();
 }
 
 bool IsLegalMessage(int32_t id) {
@@ -96,16 +96,16 @@ bool IsLegalMessage(int32_t id) {
   }
 }
 
-bool FileCreationDateCheck(double reference, const std::string& path) {
-  return Procedure(kGlobalsLabel, "Function FileCreationDateCheck").Guard(false, [&] {
-    return !path.empty() && platform::FileDateCreated(path) >= reference;
-  });
+bool FileCreationDateCheck(double reference, const std::string& path) try {
+  return !path.empty() && platform::FileDateCreated(path) >= reference;
+} catch (...) {
+  return Procedure(kGlobalsLabel, "Function FileCreationDateCheck").Report(false);
 }
 
-void DeleteTempOutputFile(const std::string& path) {
-  Procedure(kGlobalsLabel, "Sub DeleteTempOutputFile").Guard([&] {
-    if (!path.empty()) platform::DeleteFileWithForce(path, true);
-  });
+void DeleteTempOutputFile(const std::string& path) try {
+  if (!path.empty()) platform::DeleteFileWithForce(path, true);
+} catch (...) {
+  Procedure(kGlobalsLabel, "Sub DeleteTempOutputFile").Report();
 }
 
 }  // namespace kestrivon

@@ -5,7 +5,7 @@
 #include "platform/AnsiText.h"
 #include "platform/ProfileFiles.h"
 #include "platform/Registry.h"
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 
 namespace kestrivon {
 namespace {
@@ -30,16 +30,16 @@ bool Open(int32_t hive, const std::string& keyPath, uint32_t access, platform::O
 
 }  // namespace
 
-bool ExistKey(int32_t hive, const std::string& keyPath) {
-  return Procedure(kGlobalsLabel, "ExistKey").Guard(false, [&] {
-    platform::OwnedKey key;
-    if (!Open(hive, keyPath, kRead, key)) {
-      WriteTrace(std::string("VemraKestrivon::Globals") + ".ExistKey: '" + keyPath +
-                 "' not found trying other registry branch...");
-      if (!Open(hive, keyPath, kRead64, key)) return false;
-    }
-    return true;
-  });
+bool ExistKey(int32_t hive, const std::string& keyPath) try {
+  platform::OwnedKey key;
+  if (!Open(hive, keyPath, kRead, key)) {
+    WriteTrace(std::string("VemraKestrivon::Globals") + ".ExistKey: '" + keyPath +
+               "' not found trying other registry branch...");
+    if (!Open(hive, keyPath, kRead64, key)) return false;
+  }
+  return true;
+} catch (...) {
+  return Procedure(kGlobalsLabel, "ExistKey").Report(false);
 }
 
 bool GetValue(int32_t hive, const std::string& keyPath, const std::string& valueName,
@@ -95,68 +95,68 @@ bool GetValue(int32_t hive, const std::string& keyPath, const std::string& value
 }
 
 bool SetValue(int32_t hive, const std::string& keyPath, const std::string& valueName,
-              const Variant& value) {
-  return Procedure(kGlobalsLabel, "SetValue").Guard(false, [&] {
-    platform::OwnedKey key;
-    if (!Open(hive, keyPath, kWrite, key)) return false;
-    int32_t status = platform::kErrorSuccess;
-    if (std::holds_alternative<int16_t>(value) || std::holds_alternative<int32_t>(value)) {
-      const int32_t number = std::holds_alternative<int16_t>(value) ? std::get<int16_t>(value)
-                                                                    : std::get<int32_t>(value);
-      status = platform::RegSetValueExA(key.Get(), valueName, platform::kRegDword, &number, 4);
-    } else if (const auto* text = std::get_if<std::string>(&value)) {
-      const std::string ansi = platform::ToAnsiCodePage(*text);
-      status = platform::RegSetValueExA(key.Get(), valueName, platform::kRegSz, ansi.c_str(),
-                                        static_cast<uint32_t>(ansi.size() + 1));
-    }
-    key.Reset();
-    return status == platform::kErrorSuccess;
-  });
+              const Variant& value) try {
+  platform::OwnedKey key;
+  if (!Open(hive, keyPath, kWrite, key)) return false;
+  int32_t status = platform::kErrorSuccess;
+  if (std::holds_alternative<int16_t>(value) || std::holds_alternative<int32_t>(value)) {
+    const int32_t number = std::holds_alternative<int16_t>(value) ? std::get<int16_t>(value)
+                                                                  : std::get<int32_t>(value);
+    status = platform::RegSetValueExA(key.Get(), valueName, platform::kRegDword, &number, 4);
+  } else if (const auto* text = std::get_if<std::string>(&value)) {
+    const std::string ansi = platform::ToAnsiCodePage(*text);
+    status = platform::RegSetValueExA(key.Get(), valueName, platform::kRegSz, ansi.c_str(),
+                                      static_cast<uint32_t>(ansi.size() + 1));
+  }
+  key.Reset();
+  return status == platform::kErrorSuccess;
+} catch (...) {
+  return Procedure(kGlobalsLabel, "SetValue").Report(false);
 }
 
-int32_t GetRevisionSleeper() {
-  return Procedure(kGlobalsLabel, "Public Function GetRevisionSleeper()").Guard(0, [&] {
-    int32_t& cache = SleeperCache();
-    if (cache < 1) {
-      Variant sleeper;
-      std::string& origin = SleeperOrigin();
-      const std::string value = std::string(kSleeperKey) + "\\" + kSleeperValue;
-      GetValue(kHKeyLocalMachine, kSleeperKey, kSleeperValue, sleeper);
-      if (VariantLength(sleeper) == 0) {
-        origin = "HKEY_CURRENT_USER\\" + value;
-        if (!GetValue(kHKeyCurrentUser, kSleeperKey, kSleeperValue, sleeper)) {
-          sleeper = int16_t{2};
-          origin = "default (no " + value + " in either hive)";
-        }
-      } else {
-        origin = "HKEY_LOCAL_MACHINE\\" + value;
-        sleeper = TrimNull(VariantToString(sleeper));
-      }
-      if (!IsNumeric(sleeper)) {
-        origin = "default (" + origin + " is not a number)";
-        WriteTrace(std::string("VemraKestrivon::Globals") + "::GetRevisionSleeper(): " +
-                   "RevisionSleeper is invalid -> using default value (" + "2" + ")...");
+int32_t GetRevisionSleeper() try {
+  int32_t& cache = SleeperCache();
+  if (cache < 1) {
+    Variant sleeper;
+    std::string& origin = SleeperOrigin();
+    const std::string value = std::string(kSleeperKey) + "\\" + kSleeperValue;
+    GetValue(kHKeyLocalMachine, kSleeperKey, kSleeperValue, sleeper);
+    if (VariantLength(sleeper) == 0) {
+      origin = "HKEY_CURRENT_USER\\" + value;
+      if (!GetValue(kHKeyCurrentUser, kSleeperKey, kSleeperValue, sleeper)) {
         sleeper = int16_t{2};
+        origin = "default (no " + value + " in either hive)";
       }
-      // Meant for the NUL and spare blank of a string, but cuts any value.
-      const std::string text = VariantToString(sleeper);
-      if (text.size() > 2) sleeper = text.substr(0, text.size() - 2);
-      const double seconds = VariantToDouble(sleeper);
-      // As written, this test holds for every number.
-      if (!(seconds > 2 || seconds <= 60)) sleeper = int16_t{2};
-      cache = VariantToLong(VariantToDouble(sleeper) * 1000.0);
+    } else {
+      origin = "HKEY_LOCAL_MACHINE\\" + value;
+      sleeper = TrimNull(VariantToString(sleeper));
     }
-    WriteTrace(std::string("VemraKestrivon::Globals") +
-               "::GetRevisionSleeper(): " + "Current RevisionSleeper: " + std::to_string(cache));
-    return cache;
-  });
+    if (!IsNumeric(sleeper)) {
+      origin = "default (" + origin + " is not a number)";
+      WriteTrace(std::string("VemraKestrivon::Globals") + "::GetRevisionSleeper(): " +
+                 "RevisionSleeper is invalid -> using default value (" + "2" + ")...");
+      sleeper = int16_t{2};
+    }
+    // Meant for the NUL and spare blank of a string, but cuts any value.
+    const std::string text = VariantToString(sleeper);
+    if (text.size() > 2) sleeper = text.substr(0, text.size() - 2);
+    const double seconds = VariantToDouble(sleeper);
+    // As written, this test holds for every number.
+    if (!(seconds > 2 || seconds <= 60)) sleeper = int16_t{2};
+    cache = VariantToLong(VariantToDouble(sleeper) * 1000.0);
+  }
+  WriteTrace(std::string("VemraKestrivon::Globals") +
+             "::GetRevisionSleeper(): " + "Current RevisionSleeper: " + std::to_string(cache));
+  return cache;
+} catch (...) {
+  return Procedure(kGlobalsLabel, "Public Function GetRevisionSleeper()").Report(0);
 }
 
 void SetIniSetting(const std::string& iniFile, const std::string& section, const std::string& key,
-                   const std::string& value) {
-  Procedure(kGlobalsLabel, "SetIniSetting").Guard([&] {
-    platform::WritePrivateProfileStringA(section, key, value, iniFile);
-  });
+                   const std::string& value) try {
+  platform::WritePrivateProfileStringA(section, key, value, iniFile);
+} catch (...) {
+  Procedure(kGlobalsLabel, "SetIniSetting").Report();
 }
 
 std::string TrimNull(const std::string& text) {

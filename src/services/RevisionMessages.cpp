@@ -2,7 +2,7 @@
 
 #include "frame/trace/Trace.h"
 #include "host/Documents.h"
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 #include "runtime/RunTimeError.h"
 
 namespace kestrivon {
@@ -13,28 +13,28 @@ constexpr const char* kOptionName = "ShowRevisionMessages";
 }  // namespace
 
 void ShowMessage(const std::string& text, int32_t buttons, const std::string& title,
-                 const host::HostObjectRef& hostObject) {
-  Procedure(kGlobalsLabel, "Sub ShowMessage").Guard([&] {
-    const host::HostObjectRef owner = Required(host::AsVemraObject(hostObject)).Owner();
-    if (ShowRevMessages(owner)) {
-      TraceServiceObject().ShowMessageBox(text, buttons, title);
-      return;
-    }
-    auto environment = Required(host::AsOwner(owner)).Environment();
-    auto pack = Required(environment).CurrentMessagePack();
-    auto entry = Required(pack).AddNew();
-    Required(entry).SetVemraObject(hostObject);
-    entry->SetDescription(text);
-  });
+                 const host::HostObjectRef& hostObject) try {
+  const host::HostObjectRef owner = Required(host::AsVemraObject(hostObject)).Owner();
+  if (ShowRevMessages(owner)) {
+    TraceServiceObject().ShowMessageBox(text, buttons, title);
+    return;
+  }
+  auto environment = Required(host::AsOwner(owner)).Environment();
+  auto pack = Required(environment).CurrentMessagePack();
+  auto entry = Required(pack).AddNew();
+  Required(entry).SetVemraObject(hostObject);
+  entry->SetDescription(text);
+} catch (...) {
+  Procedure(kGlobalsLabel, "Sub ShowMessage").Report();
 }
 
-bool ShowRevMessages(const host::HostObjectRef& ownerObject) {
-  return Procedure(kGlobalsLabel, "Function ShowRevMessages").Guard(true, [&] {
-    if (!ownerObject) return true;
-    auto options = Required(host::AsOwner(ownerObject)).Options();
-    return !(Required(options).Exist(kOptionName) &&
-             VariantEqualsFalse(options->Option(kOptionName)));
-  });
+bool ShowRevMessages(const host::HostObjectRef& ownerObject) try {
+  if (!ownerObject) return true;
+  auto options = Required(host::AsOwner(ownerObject)).Options();
+  return !(Required(options).Exist(kOptionName) &&
+           VariantEqualsFalse(options->Option(kOptionName)));
+} catch (...) {
+  return Procedure(kGlobalsLabel, "Function ShowRevMessages").Report(true);
 }
 
 }  // namespace kestrivon

@@ -1,27 +1,27 @@
 #include "services/WorksetAccess.h"
 
 #include "frame/trace/Trace.h"
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 
 namespace kestrivon {
 
-std::shared_ptr<host::Workset> GetWorkset() {
-  return Procedure(kGlobalsLabel, "GetWorkset").Guard(std::shared_ptr<host::Workset>(), [] {
-    std::shared_ptr<host::Workset> workset;
-    const auto application = host::AsRunningApplication(TraceServiceObject().Application());
-    if (!application) {
-      WriteTrace("VemraKestrivon::Globals::GetWorkset(): Application() is nothing");
-    } else {
-      workset = host::AsWorkset(application->Workset());
-    }
-    if (!workset) workset = host::AsWorkset(TraceServiceObject().GetObject("Workset"));
-    if (!workset) {
-      WriteTrace(
-          "VemraKestrivon::Globals::GetWorkset(): Workset is nothing; trying to get WorkSet...");
-      workset = host::NewVemraObject();
-    }
-    return workset;
-  });
+std::shared_ptr<host::Workset> GetWorkset() try {
+  std::shared_ptr<host::Workset> workset;
+  const auto application = host::AsRunningApplication(TraceServiceObject().Application());
+  if (!application) {
+    WriteTrace("VemraKestrivon::Globals::GetWorkset(): Application() is nothing");
+  } else {
+    workset = host::AsWorkset(application->Workset());
+  }
+  if (!workset) workset = host::AsWorkset(TraceServiceObject().GetObject("Workset"));
+  if (!workset) {
+    WriteTrace(
+        "VemraKestrivon::Globals::GetWorkset(): Workset is nothing; trying to get WorkSet...");
+    workset = host::NewVemraObject();
+  }
+  return workset;
+} catch (...) {
+  return Procedure(kGlobalsLabel, "GetWorkset").Report(std::shared_ptr<host::Workset>());
 }
 
 namespace {

@@ -125,14 +125,14 @@ class PdfPrinters : public PipelineTest {
 };
 
 TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputFolder) {
-  const std::string end = kCrLf + kCrLf, header = R(k0282b) + end, show = R(k02824),
-                    rule = kCrLf + std::string(70, '-') + kCrLf;
-  const std::string flags =
-      show + R(k02825) + end + show + R(k02826) + end + show + R(k02836) + end;
+  const std::string end = kCrLf + kCrLf, header = R(kWrongPrinterSetting) + end,
+                    show = R(kAdobeSettingMustBeOff), rule = kCrLf + std::string(70, '-') + kCrLf;
+  const std::string flags = show + R(kViewAdobePdfResults) + end + show + R(kPromptForPdfFileName) +
+                            end + show + R(kAskToReplacePdf) + end;
   const std::string users = folder / "All Users\\";
   const auto portWrong = [&](const std::string& wrong) {
-    return header + R(k02828) + " " + R(k02827) + kCrLf + R(k02829) + " '" + wrong + "'." + kCrLf +
-           R(k0282a) + end;
+    return header + R(kWrongProperty) + " " + R(kPortsProperty) + kCrLf + R(kItsValueIs) + " '" +
+           wrong + "'." + kCrLf + R(kGiveReadablePath) + end;
   };
   enum Change { kNone, kNoFlags, kKeepJobs, kNoSpooler, kTextFlag };
   const struct {
@@ -148,7 +148,8 @@ TEST_F(PdfPrinters, AcrobatSettingsCheckNamesEveryWrongSettingAndFindsTheOutputF
       // A leading "All Users" is replaced by the check, kept by the output folder.
       {"All Users\\*.pdf", "bob", kNone, portWrong("bob\\"), "All Users\\"},
       {"*.pdf", "bob", kNone, "", ""},
-      {out + "\\*.pdf", "bob", kKeepJobs, header + show + R(k05626) + end, out + "\\"},
+      {out + "\\*.pdf", "bob", kKeepJobs, header + show + R(kKeepPrintedDocuments) + end,
+       out + "\\"},
       {out + "\\*.pdf", "bob", kNoSpooler, "", out + "\\"},
       {out + "\\*.pdf", "bob", kTextFlag, "", out + "\\"},  // traced, then judged: 13
   };
@@ -296,7 +297,7 @@ TEST_F(PdfPrinters, DistillerNeedsVersion5AndWriterSelectsNoPrinterNorLock) {
           platform::kRegSz, "");
     AcrobatDistiller distiller;
     EXPECT_EQ(distiller.InitPrnSettings(), key);
-    EXPECT_EQ(distiller.CheckPrnSettings(), R(k02821));
+    EXPECT_EQ(distiller.CheckPrnSettings(), R(kDistillerNotInstalled));
   }
   // Another process revises into the folder: the writer does not look.
   platform::WriteAnsiTextLines(out + "\\B-7.RLCK", {"then", "PC042", "jdoe"});
@@ -323,7 +324,8 @@ TEST_F(PdfPrinters, DistillerNeedsVersion5AndWriterSelectsNoPrinterNorLock) {
 }
 
 TEST_F(PdfPrinters, PdfFactoryVersionsAndSettings) {
-  const std::string hdr = R(k0282b) + kCrLf, all = hdr + R(k02833) + kCrLf + R(k033d1);
+  const std::string hdr = R(kWrongPrinterSetting) + kCrLf,
+                    all = hdr + R(kDoNotShowDialogNeeded) + kCrLf + R(kPdfReadyBoxesCleared);
   const struct {
     std::vector<int> versions;  // 1: the unnumbered key
     int settingsUnder;          // 0: no settings key
@@ -332,15 +334,21 @@ TEST_F(PdfPrinters, PdfFactoryVersionsAndSettings) {
   } rows[] = {
       {{3, 4}, 4, 2, 0, ""},
       {{1}, 1, 4, 1, ""},
-      {{1}, 1, 2, 1, hdr + "twice: " + R(k033ce) + " " + "twice: " + R(k033cf)},
-      {{3}, 0, 2, 0, R(k05790) + kCrLf + R(k02833) + kCrLf + R(k033d1) + kCrLf + R(k05791)},
+      {{1}, 1, 2, 1, hdr + "twice: " + R(kShowDialogMustBe) + " " + "twice: " + R(kNoViewNoSend)},
+      {{3},
+       0,
+       2,
+       0,
+       R(kSettingsCheckFailed) + kCrLf + R(kDoNotShowDialogNeeded) + kCrLf +
+           R(kPdfReadyBoxesCleared) + kCrLf + R(kConfirmSettings)},
       {{4}, 0, 2, 0, all},
       {{}, 0, 2, 0, all},
-      {{2}, 2, 2, 1, hdr + R(k02834)},
+      {{2}, 2, 2, 1, hdr + R(kAutoSaveFolderNeeded)},
       {{3}, 3, 0, -1, all},
   };
   Install("pdfFactory");
-  host.translations = {{R(k033ce), "twice: " + R(k033ce)}, {R(k033cf), "twice: " + R(k033cf)}};
+  host.translations = {{R(kShowDialogMustBe), "twice: " + R(kShowDialogMustBe)},
+                       {R(kNoViewNoSend), "twice: " + R(kNoViewNoSend)}};
   for (const auto& row : rows) {
     pp::ClearRegistry();
     for (int v : row.versions)

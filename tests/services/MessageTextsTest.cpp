@@ -20,9 +20,9 @@ TEST(MessageTexts, AreIdentifierTextsInIdentifierOrder) {
     previous = identifier;
   }
   EXPECT_EQ(identifiers.size(), 42u);
-  EXPECT_STREQ(messages::k026ef,
+  EXPECT_STREQ(messages::kFolderInUse,
                "~026ef Ein anderer Revisionsvorgang druckt zur Zeit in Ihr Ausgabeverzeichnis.");
-  EXPECT_STREQ(messages::k02827, "~02827 'Anschlüsse|Anschluß'");
+  EXPECT_STREQ(messages::kPortsProperty, "~02827 'Anschlüsse|Anschluß'");
 }
 
 }  // namespace

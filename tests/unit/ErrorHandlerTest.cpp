@@ -5,65 +5,70 @@
 #include <vector>
 
 #include "RecordingHost.h"
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 
 namespace kestrivon::test {
 namespace {
 
-const Procedure kSample("VemraKestrivon::Test", " Function Sample");
+constexpr Procedure kSample("VemraKestrivon::Test", " Function Sample");
 
-TEST(ErrorHandler, GuardAnswersTheBodyOrTheFailureValueAfterOneReport) {
+// A procedure in the idiom: its answer, or after a report the failure value.
+int Answer(bool fails) try {
+  if (fails) Raise(vb_error::kFileNotFound);
+  return 5;
+} catch (...) {
+  return kSample.Report(-1);
+}
+
+// The held-value form: what the result held when the error struck.
+int Held() {
+  int result = 0;
+  try {
+    result = 7;
+    Raise(vb_error::kFileNotFound);
+    result = 8;  // never reached: no resume
+  } catch (...) {
+    kSample.Report();
+  }
+  return result;
+}
+
+TEST(ErrorHandler, ReportAnswersTheFailureValueOrWhatTheResultHeld) {
   RecordingHost host;
-  EXPECT_EQ(kSample.Guard(0, [] { return 5; }), 5);
-  EXPECT_EQ(kSample.Guard(-1, []() -> int { Raise(vb_error::kFileNotFound); }), -1);
-  // The filling form answers what the result held when the error struck.
-  EXPECT_EQ(kSample.Guard(0,
-                          [](int& result) {
-                            result = 7;
-                            Raise(vb_error::kFileNotFound);
-                            result = 8;  // never reached: no resume
-                          }),
-            7);
+  EXPECT_EQ(Answer(false), 5);
+  EXPECT_EQ(Answer(true), -1);
+  EXPECT_EQ(Held(), 7);
   EXPECT_EQ(host.reports, (Lines{"VemraKestrivon::Test| Function Sample",
                                  "VemraKestrivon::Test| Function Sample"}));
   EXPECT_EQ(host.Numbers(), (std::vector<int32_t>{53, 53}));
 }
 
-TEST(ErrorHandler, StepsReportEachFailureAndGoOn) {
+TEST(ErrorHandler, ReportAndGoOnReportsEachFailureAndGoesOn) {
   RecordingHost host;
   std::string ran;
-  kSample.Steps([&] { ran += "a"; }, [&] { Raise(vb_error::kOverflow); }, [&] { ran += "c"; },
-                [&] { throw std::logic_error("broken"); }, [&] { ran += "e"; });
+  kSample.ReportAndGoOn([&] { ran += "a"; });
+  kSample.ReportAndGoOn([&] { Raise(vb_error::kOverflow); });
+  kSample.ReportAndGoOn([&] { ran += "c"; });
+  kSample.ReportAndGoOn([&] { throw std::logic_error("broken"); });
+  kSample.ReportAndGoOn([&] { ran += "e"; });
   EXPECT_EQ(ran, "ace");
   EXPECT_EQ(host.Numbers(), (std::vector<int32_t>{vb_error::kOverflow, vb_error::kInternalError}));
 }
 
-TEST(ErrorHandler, GuardWithCleanupResumesAtTheCleanupAfterAnError) {
-  struct Case {
-    const char* name;
-    Then then;
-    bool fails;
-    bool cleaned;
-    size_t reports;
-  };
-  for (const Case& c : {Case{"leaves at once", Then::kReturn, false, false, 0},
-                        Case{"goes through the cleanup", Then::kCleanup, false, true, 0},
-                        Case{"error resumes at the cleanup", Then::kReturn, true, true, 1}}) {
-    SCOPED_TRACE(c.name);
-    RecordingHost host;
-    bool cleaned = false;
-    const bool answer = kSample.GuardWithCleanup(
-        false,
-        [&](bool& result) {
-          result = true;
-          if (c.fails) throw std::bad_alloc();
-          return c.then;
-        },
-        [&](bool& /*result*/) { cleaned = true; });
-    EXPECT_TRUE(answer);  // what the result held, error or not
-    EXPECT_EQ(cleaned, c.cleaned);
-    EXPECT_EQ(host.Numbers(), std::vector<int32_t>(c.reports, vb_error::kOutOfMemory));
-  }
+TEST(ErrorHandler, AnErrorWhileReportingIsNotCaughtAgain) {
+  RecordingHost host;
+  host.logErrorFails = true;
+  EXPECT_ANY_THROW(Answer(true));
+  EXPECT_ANY_THROW(kSample.ReportAndGoOn([] { Raise(vb_error::kOverflow); }));
+  // Where nothing may escape, it is dropped.
+  EXPECT_NO_THROW({
+    try {
+      Raise(vb_error::kOverflow);
+    } catch (...) {
+      kSample.ReportNoThrow();
+    }
+  });
+  EXPECT_TRUE(host.errors.empty());
 }
 
 TEST(ErrorHandler, IgnoredErrorsSkipTheStatementSilently) {

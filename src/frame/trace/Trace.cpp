@@ -1,6 +1,9 @@
 #include "frame/trace/Trace.h"
 
+#include <memory>
+
 #include "frame/ModuleState.h"
+#include "frame/Procedure.h"
 #include "platform/DebugOutput.h"
 #include "runtime/ErrorHandler.h"
 
@@ -24,17 +27,17 @@ void DebugTrace(const std::string& line) { platform::OutputDebugText(line); }
 void PPMInit() {
   auto& state = State();
   if (state.instanceMonitor || state.monitorGivenBack) return;
-  Procedure(kGlobalsLabel, "PPMInit").Guard([&state] {
+  try {
     state.instanceMonitor = host::CreateInstanceMonitor();
     state.instanceCount = 0;
     state.debugSwitch = state.instanceMonitor->GetLevel() > 2;
     state.instanceMonitor->RegisterCounter("Kestrivan.InstanceCount", &state.instanceCount);
-  });
+  } catch (...) {
+    Procedure(kGlobalsLabel, "PPMInit").Report();
+  }
 }
 
-bool PPMLevelDebug() {
-  return Procedure(kGlobalsLabel, "PPMLevelDebug").Guard(false, [] { return State().debugSwitch; });
-}
+bool PPMLevelDebug() { return State().debugSwitch; }
 
 int32_t& InstanceCount() { return State().instanceCount; }
 int32_t& TiffInstanceCount() { return State().tiffInstanceCount; }

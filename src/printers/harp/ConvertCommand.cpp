@@ -5,7 +5,7 @@
 
 #include "printers/harp/HARPConfiguration.h"
 #include "printers/harp/PrinterTrace.h"
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 #include "runtime/VbStrings.h"
 #include "services/ExternalProcess.h"
 #include "services/IniFiles.h"
@@ -67,76 +67,75 @@ bool Holds(const std::string& text, const std::string& part) {
 
 bool HARPConfiguration::ExecuteConvertCommand(const PageDescription& page,
                                               const std::string& postScriptFullFileName,
-                                              const std::string& conversionFullFileName) {
-  return Procedure(kClassLabel, "Public Function ExecuteConvertCommand").Guard(false, [&] {
-    std::string command = convertCommand_;
-    if (!parameters_) Raise(vb_error::kObjectVariableNotSet);
-    for (const auto& [key, value] : parameters_->Entries()) {
-      if (key == "GsCall") {
-        std::string path = vb::Left(
-            value, static_cast<long long>(value.size()) - static_cast<long long>(kGsSwitches));
-        path = Replace(path, "\"", "");
-        const std::string version = WorksetFileSystem()->GetFileVersion(path);
-        Trace(kTraceInformation,
-              "VemraKestrivon::HARPConfiguration::ExecuteConvertCommand(): Gs Exe path - " + path +
-                  " its version is - " + version);
-        WorksetGlobals()->SetHARPGhostScriptPath(path);
-        WorksetGlobals()->SetHARPGhostScriptVersion(WorksetFileSystem()->GetFileVersion(path));
-      }
-      command = Replace(command, "%" + key + "%", value);
-    }
-    command = Replace(command, kPostScript, EncloseString(postScriptFullFileName));
-    Trace(
-        kTraceInformation,
-        "xxx xxx xxx VemraKestrivon::HARPConfiguration::ExecuteConvertCommand(): 'PrinterRedirection' replacement: '" +
-            command + "'");
-    command = Replace(command, kConversion, EncloseString(conversionFullFileName));
-    Trace(
-        kTraceInformation,
-        "xxx xxx xxx VemraKestrivon::HARPConfiguration::ExecuteConvertCommand(): 'ConvertCommandOutputFullFileName' Replacement: '" +
-            command + "'");
-    command = PlaceHolderSubstitution(command);
-    command = InsertPaperSizeValues(page, command);
-    if (command.empty()) {
-      Trace(
-          kTraceFailure,
-          "VemraKestrivon::HARPConfiguration.ExecuteConvertCommand(): Generating conversion command failed");
-      return false;
-    }
-    WorksetGlobals()->SetHARPGhostScriptConvertCommand(command);
-    const int64_t milliseconds = int64_t{timeOut_} * 1000;
-    if (milliseconds > INT32_MAX || milliseconds < INT32_MIN) Raise(vb_error::kOverflow);
-    Trace(kTraceInformation,
-          std::string("VemraKestrivon::HARPConfiguration.ExecuteConvertCommand(): ") +
-              "\tExecuting convert command:" + kCrLf + "\t\t'" + command + "'..." + kCrLf +
-              std::string(70, '-') + kCrLf);
-    if (!SyncShell(command, static_cast<int32_t>(milliseconds), false, true)) {
+                                              const std::string& conversionFullFileName) try {
+  std::string command = convertCommand_;
+  if (!parameters_) Raise(vb_error::kObjectVariableNotSet);
+  for (const auto& [key, value] : parameters_->Entries()) {
+    if (key == "GsCall") {
+      std::string path = vb::Left(
+          value, static_cast<long long>(value.size()) - static_cast<long long>(kGsSwitches));
+      path = Replace(path, "\"", "");
+      const std::string version = WorksetFileSystem()->GetFileVersion(path);
       Trace(kTraceInformation,
-            "VemraKestrivon::HARPConfiguration::ExecuteConvertCommand():" + std::string(kCrLf) +
-                "\t- 'Globals.SyncShell()' failed." + kCrLf + "\t- sCommandLine= '" + command +
-                "'" + kCrLf + "\t- lngMilliSecondsTimeOut= '" + std::to_string(milliseconds) + "'" +
-                kCrLf + "\t- blnWaitForInputIdle= False" + kCrLf + "\t- blnHidden=True" + kCrLf);
-      return false;
+            "VemraKestrivon::HARPConfiguration::ExecuteConvertCommand(): Gs Exe path - " + path +
+                " its version is - " + version);
+      WorksetGlobals()->SetHARPGhostScriptPath(path);
+      WorksetGlobals()->SetHARPGhostScriptVersion(WorksetFileSystem()->GetFileVersion(path));
     }
-    return true;
-  });
+    command = Replace(command, "%" + key + "%", value);
+  }
+  command = Replace(command, kPostScript, EncloseString(postScriptFullFileName));
+  Trace(
+      kTraceInformation,
+      "xxx xxx xxx VemraKestrivon::HARPConfiguration::ExecuteConvertCommand(): 'PrinterRedirection' replacement: '" +
+          command + "'");
+  command = Replace(command, kConversion, EncloseString(conversionFullFileName));
+  Trace(
+      kTraceInformation,
+      "xxx xxx xxx VemraKestrivon::HARPConfiguration::ExecuteConvertCommand(): 'ConvertCommandOutputFullFileName' Replacement: '" +
+          command + "'");
+  command = PlaceHolderSubstitution(command);
+  command = InsertPaperSizeValues(page, command);
+  if (command.empty()) {
+    Trace(
+        kTraceFailure,
+        "VemraKestrivon::HARPConfiguration.ExecuteConvertCommand(): Generating conversion command failed");
+    return false;
+  }
+  WorksetGlobals()->SetHARPGhostScriptConvertCommand(command);
+  const int64_t milliseconds = int64_t{timeOut_} * 1000;
+  if (milliseconds > INT32_MAX || milliseconds < INT32_MIN) Raise(vb_error::kOverflow);
+  Trace(kTraceInformation,
+        std::string("VemraKestrivon::HARPConfiguration.ExecuteConvertCommand(): ") +
+            "\tExecuting convert command:" + kCrLf + "\t\t'" + command + "'..." + kCrLf +
+            std::string(70, '-') + kCrLf);
+  if (!SyncShell(command, static_cast<int32_t>(milliseconds), false, true)) {
+    Trace(kTraceInformation,
+          "VemraKestrivon::HARPConfiguration::ExecuteConvertCommand():" + std::string(kCrLf) +
+              "\t- 'Globals.SyncShell()' failed." + kCrLf + "\t- sCommandLine= '" + command +
+              "'" + kCrLf + "\t- lngMilliSecondsTimeOut= '" + std::to_string(milliseconds) + "'" +
+              kCrLf + "\t- blnWaitForInputIdle= False" + kCrLf + "\t- blnHidden=True" + kCrLf);
+    return false;
+  }
+  return true;
+} catch (...) {
+  return Procedure(kClassLabel, "Public Function ExecuteConvertCommand").Report(false);
 }
 
-std::string HARPConfiguration::PlaceHolderSubstitution(const std::string& text) {
-  return Procedure(kClassLabel, "Private Function 'PlaceHolderSubstitution'")
-      .Guard(std::string(), [&] {
-        std::string result = text;
-        for (int depth = 1;; ++depth) {
-          if (depth > kSubstitutionDepth) Raise(vb_error::kOutOfStackSpace);
-          const std::string user = WinUserName();
-          if (Holds(result, kPostScript) && RedirectionReinsertsItself(user)) {
-            Raise(vb_error::kOutOfStackSpace);
-          }
-          result = SubstitutionPass(result, user);
-          // An inserted setting may hold placeholders again: one more pass.
-          if (!Holds(result, kPostScript) && !Holds(result, kWindowsUser)) return result;
-        }
-      });
+std::string HARPConfiguration::PlaceHolderSubstitution(const std::string& text) try {
+  std::string result = text;
+  for (int depth = 1;; ++depth) {
+    if (depth > kSubstitutionDepth) Raise(vb_error::kOutOfStackSpace);
+    const std::string user = WinUserName();
+    if (Holds(result, kPostScript) && RedirectionReinsertsItself(user)) {
+      Raise(vb_error::kOutOfStackSpace);
+    }
+    result = SubstitutionPass(result, user);
+    // An inserted setting may hold placeholders again: one more pass.
+    if (!Holds(result, kPostScript) && !Holds(result, kWindowsUser)) return result;
+  }
+} catch (...) {
+  return Procedure(kClassLabel, "Private Function 'PlaceHolderSubstitution'").Report(std::string());
 }
 
 std::string HARPConfiguration::SubstitutionPass(const std::string& text,
@@ -165,52 +164,52 @@ bool HARPConfiguration::RedirectionReinsertsItself(const std::string& user) cons
 }
 
 std::string HARPConfiguration::InsertPaperSizeValues(const PageDescription& page,
-                                                     const std::string& text) {
-  return Procedure(kClassLabel, "Function InsertPaperSizeValues").Guard(std::string(), [&] {
-    std::string work = text;
-    if (Holds(text, "%PaperSize")) {
-      if (page.width == 0) return std::string();
-      work = Replace(work, "%PaperSizeX%", std::to_string(page.width));
-      if (page.height == 0) return std::string();
-      work = Replace(work, "%PaperSizeY%", std::to_string(page.height));
-    }
-    if (Holds(text, "%LayoutOrientation%")) {
-      std::string value;
-      if (page.portrait) {
-        Trace(
-            kTraceInformation,
-            "xxx xxx xxx VemraKestrivon::HARPConfiguration::InsertPaperSizeValues(): layout: 'Portrait'");
-        value = portrait_;
-      } else {
-        Trace(
-            kTraceInformation,
-            "xxx xxx xxx VemraKestrivon::HARPConfiguration::InsertPaperSizeValues(): layout: 'Landscape'");
-        value = landscape_;
-      }
+                                                     const std::string& text) try {
+  std::string work = text;
+  if (Holds(text, "%PaperSize")) {
+    if (page.width == 0) return std::string();
+    work = Replace(work, "%PaperSizeX%", std::to_string(page.width));
+    if (page.height == 0) return std::string();
+    work = Replace(work, "%PaperSizeY%", std::to_string(page.height));
+  }
+  if (Holds(text, "%LayoutOrientation%")) {
+    std::string value;
+    if (page.portrait) {
       Trace(
           kTraceInformation,
-          "xxx xxx xxx VemraKestrivon::HARPConfiguration::InsertPaperSizeValues(): Orientation value = '" +
-              value + "'");
-      if (value.empty()) {
-        Trace(
-            kTraceInformation,
-            "VemraKestrivon::HARPConfiguration::InsertPaperSizeValues(): Setting orientation to default value (Portrait)...");
-        // The key's name, not its setting.
-        value = "ConvertCommandPortrait";
-      }
-      work = Replace(work, "%LayoutOrientation%", value);
+          "xxx xxx xxx VemraKestrivon::HARPConfiguration::InsertPaperSizeValues(): layout: 'Portrait'");
+      value = portrait_;
+    } else {
+      Trace(
+          kTraceInformation,
+          "xxx xxx xxx VemraKestrivon::HARPConfiguration::InsertPaperSizeValues(): layout: 'Landscape'");
+      value = landscape_;
     }
-    return work;
-  });
+    Trace(
+        kTraceInformation,
+        "xxx xxx xxx VemraKestrivon::HARPConfiguration::InsertPaperSizeValues(): Orientation value = '" +
+            value + "'");
+    if (value.empty()) {
+      Trace(
+          kTraceInformation,
+          "VemraKestrivon::HARPConfiguration::InsertPaperSizeValues(): Setting orientation to default value (Portrait)...");
+      // The key's name, not its setting.
+      value = "ConvertCommandPortrait";
+    }
+    work = Replace(work, "%LayoutOrientation%", value);
+  }
+  return work;
+} catch (...) {
+  return Procedure(kClassLabel, "Function InsertPaperSizeValues").Report(std::string());
 }
 
-std::string HARPConfiguration::EncloseString(const std::string& text) {
-  return Procedure(kClassLabel, "Private Function EncloseString").Guard(std::string(), [&] {
-    std::string enclosed = text;
-    if (vb::Left(enclosed, 1) != "\"") enclosed = "\"" + enclosed;
-    if (vb::Right(enclosed, 1) != "\"") enclosed += "\"";
-    return enclosed;
-  });
+std::string HARPConfiguration::EncloseString(const std::string& text) try {
+  std::string enclosed = text;
+  if (vb::Left(enclosed, 1) != "\"") enclosed = "\"" + enclosed;
+  if (vb::Right(enclosed, 1) != "\"") enclosed += "\"";
+  return enclosed;
+} catch (...) {
+  return Procedure(kClassLabel, "Private Function EncloseString").Report(std::string());
 }
 
 }  // namespace kestrivon

@@ -4,7 +4,7 @@
 #include "platform/Environment.h"
 #include "platform/FileSearch.h"
 #include "printers/harp/PrinterTrace.h"
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 #include "runtime/Variant.h"
 #include "runtime/VbStrings.h"
 #include "services/IniFiles.h"
@@ -37,38 +37,35 @@ HARPConfiguration::HARPConfiguration() {
   // Asked for once; both look-ups go to the same workset.
   std::shared_ptr<host::WorksetGlobals> globals;
   std::string iniFile;
-  // Each statement is a step: after an error creation goes on with the next
-  // one, so a trace that cannot be written does not keep the box from
-  // showing.
-  Procedure(kClassLabel, "Private Sub Class_Initialize")
-      .Steps(
-          [&] { SetPrinterTrace(); },  //
-          // One statement: the workset's Globals asked for the directory.
-          [&] { configDirectory = (globals = WorksetGlobals())->Exist("ConfigDirectory"); },
-          [&] {
-            if (configDirectory) iniFile = globals->ConfigDirectory() + "HARP.ini";
-          },
-          [&] {
-            if (configDirectory) configFileLoaded_ = LoadSettingsFromIniFile(iniFile);
-          },
-          [&] {
-            if (configDirectory) return;
-            Trace(
-                kTraceFailure,
-                "VemraKestrivon::HARPConfiguration::Class_Initialize(): MsgBox: 'Retrieving configuration path failed.' (-> Workset.Globals.ConfigDirectory has not been set)");
-          },
-          [&] {
-            if (configDirectory) return;
-            TraceServiceObject().ShowMessageBox(Resolved(messages::k0407e), kCriticalOk,
-                                                Resolved(messages::k01d8c));
-          },
-          [&] {
-            if (configFileLoaded_) return;
-            Trace(kTraceFailure, std::string(kCrLf) +
-                                     "VemraKestrivon::HARPConfiguration::Class_Initialize():" +
-                                     kCrLf + "\t- 'Me.LoadSettingsFromIniFile()' failed." + kCrLf +
-                                     "\t- sIniFullFileName= '" + iniFile + "'" + kCrLf + "\t");
-          });
+  // After an error creation goes on with the next statement, so a trace
+  // that cannot be written does not keep the box from showing.
+  const Procedure procedure(kClassLabel, "Private Sub Class_Initialize");
+  procedure.ReportAndGoOn([&] { SetPrinterTrace(); });
+  // One statement: the workset's Globals asked for the directory.
+  procedure.ReportAndGoOn(
+      [&] { configDirectory = (globals = WorksetGlobals())->Exist("ConfigDirectory"); });
+  if (configDirectory) {
+    procedure.ReportAndGoOn([&] { iniFile = globals->ConfigDirectory() + "HARP.ini"; });
+    procedure.ReportAndGoOn([&] { configFileLoaded_ = LoadSettingsFromIniFile(iniFile); });
+  } else {
+    procedure.ReportAndGoOn([&] {
+      Trace(
+          kTraceFailure,
+          "VemraKestrivon::HARPConfiguration::Class_Initialize(): MsgBox: 'Retrieving configuration path failed.' (-> Workset.Globals.ConfigDirectory has not been set)");
+    });
+    procedure.ReportAndGoOn([&] {
+      TraceServiceObject().ShowMessageBox(Resolved(messages::kConfigPathFailed), kCriticalOk,
+                                          Resolved(messages::kRevisionPrinterTitle));
+    });
+  }
+  if (!configFileLoaded_) {
+    procedure.ReportAndGoOn([&] {
+      Trace(kTraceFailure, std::string(kCrLf) +
+                               "VemraKestrivon::HARPConfiguration::Class_Initialize():" + kCrLf +
+                               "\t- 'Me.LoadSettingsFromIniFile()' failed." + kCrLf +
+                               "\t- sIniFullFileName= '" + iniFile + "'" + kCrLf + "\t");
+    });
+  }
 }
 
 HARPConfiguration::~HARPConfiguration() {
@@ -79,168 +76,156 @@ void HARPConfiguration::Trace(int32_t level, const std::string& text) {
   WritePrinterTrace(traceSource_, level, text);
 }
 
-void HARPConfiguration::SetPrinterTrace() {
-  Procedure(kClassLabel, "SetPrinterTrace").Guard([&] {
-    traceSource_ = MakePrinterTraceSource();
-    if (!traceSource_) {
-      WriteTrace("VemraKestrivon::HARPConfiguration :: Initialize Printer TraceSource failed");
-    }
-  });
+void HARPConfiguration::SetPrinterTrace() try {
+  traceSource_ = MakePrinterTraceSource();
+  if (!traceSource_) {
+    WriteTrace("VemraKestrivon::HARPConfiguration :: Initialize Printer TraceSource failed");
+  }
+} catch (...) {
+  Procedure(kClassLabel, "SetPrinterTrace").Report();
 }
 
 std::string HARPConfiguration::PrinterSettingsErrorSummary() {
-  return Procedure(kClassLabel, "Property PrinterSettingsErrorSummary[PropertyGet]")
-      .Guard(std::string(), [&] { return errorSummary_; });
+  return errorSummary_;
 }
 
 void HARPConfiguration::AppendToPrinterSettingsErrorSummary(const std::string& message) {
-  Procedure(kClassLabel, "ub AppendToPrinterSettingsErrorSummary(ByVal message As String)")
-      .Guard([&] { errorSummary_ += message; });
+  errorSummary_ += message;
 }
 
 bool HARPConfiguration::ConfigFileLoaded() {
-  return Procedure(kClassLabel, "ConfigFileLoaded[PropertyGet]").Guard(false, [&] {
-    return configFileLoaded_;
-  });
+  return configFileLoaded_;
 }
 
 std::string HARPConfiguration::PrinterName() {
-  return Procedure(kClassLabel, "PrinterName[PropertyGet]").Guard(std::string(), [&] {
-    return printerName_;
-  });
+  return printerName_;
 }
 
-std::string HARPConfiguration::PrinterRedirection() {
-  return Procedure(kClassLabel, "PrinterRedirection[PropertyGet]").Guard(std::string(), [&] {
-    return PlaceHolderSubstitution(printerRedirection_);
-  });
+std::string HARPConfiguration::PrinterRedirection() try {
+  return PlaceHolderSubstitution(printerRedirection_);
+} catch (...) {
+  return Procedure(kClassLabel, "PrinterRedirection[PropertyGet]").Report(std::string());
 }
 
-void HARPConfiguration::SetPrinterRedirection(const std::string& value) {
-  Procedure(kClassLabel, "PrinterRedirection[PropertyLet]").Guard([&] {
-    if (value != printerRedirection_) printerRedirection_ = value;
-  });
+void HARPConfiguration::SetPrinterRedirection(const std::string& value) try {
+  if (value != printerRedirection_) printerRedirection_ = value;
+} catch (...) {
+  Procedure(kClassLabel, "PrinterRedirection[PropertyLet]").Report();
 }
 
-std::string HARPConfiguration::RevisionExtension() {
-  std::string extension;
-  // Reports and goes on.
-  Procedure(kClassLabel, "RevisionExtension[PropertyGet]").Steps([&] {
-    extension = revisionExtension_.starts_with('.') ? revisionExtension_ : "." + revisionExtension_;
-  });
-  return extension;
+std::string HARPConfiguration::RevisionExtension() try {
+  return revisionExtension_.starts_with('.') ? revisionExtension_ : "." + revisionExtension_;
+} catch (...) {
+  return Procedure(kClassLabel, "RevisionExtension[PropertyGet]").Report(std::string());
 }
 
-std::string HARPConfiguration::ConvertCommandOutputFullFileName() {
-  std::string name;
-  Procedure(kClassLabel, "ConvertCommandOutputFullFileName[PropertyGet]").Steps([&] {
-    name = PlaceHolderSubstitution(outputFullFileName_);
-  });
-  return name;
+std::string HARPConfiguration::ConvertCommandOutputFullFileName() try {
+  return PlaceHolderSubstitution(outputFullFileName_);
+} catch (...) {
+  return Procedure(kClassLabel, "ConvertCommandOutputFullFileName[PropertyGet]")
+      .Report(std::string());
 }
 
-void HARPConfiguration::SetConvertCommandOutputFullFileName(const std::string& value) {
-  Procedure(kClassLabel, "onvertCommandOutputFullFileName[PropertyLet]").Guard([&] {
-    if (value != outputFullFileName_) outputFullFileName_ = value;
-  });
+void HARPConfiguration::SetConvertCommandOutputFullFileName(const std::string& value) try {
+  if (value != outputFullFileName_) outputFullFileName_ = value;
+} catch (...) {
+  Procedure(kClassLabel, "onvertCommandOutputFullFileName[PropertyLet]").Report();
 }
 
 int32_t HARPConfiguration::ConvertCommandRevisionSleeper() {
   // Reports under the output file name's label.
-  return Procedure(kClassLabel, "ConvertCommandOutputFullFileName[PropertyGet]")
-      .Guard(int32_t{0}, [&] { return revisionSleeper_; });
+  return revisionSleeper_;
 }
 
-void HARPConfiguration::SetTimeStamp(const std::string& value) {
-  Procedure(kClassLabel, "TimeStamp[PropertyLet]").Guard([&] {
-    if (value != timeStamp_) timeStamp_ = value;
-  });
+void HARPConfiguration::SetTimeStamp(const std::string& value) try {
+  if (value != timeStamp_) timeStamp_ = value;
+} catch (...) {
+  Procedure(kClassLabel, "TimeStamp[PropertyLet]").Report();
 }
 
-void HARPConfiguration::SetVemraSystemUID(const std::string& value) {
-  Procedure(kClassLabel, "VemraSystemUID[PropertyGet]").Guard([&] {
-    if (value != systemUid_) systemUid_ = value;
-  });
+void HARPConfiguration::SetVemraSystemUID(const std::string& value) try {
+  if (value != systemUid_) systemUid_ = value;
+} catch (...) {
+  Procedure(kClassLabel, "VemraSystemUID[PropertyGet]").Report();
 }
 
 double HARPConfiguration::PaperSizeConversionFactor() {
-  return Procedure(kClassLabel, "PaperSizeConversionFactor[PropertyGet]").Guard(0.0, [&] {
-    return paperSizeFactor_;
-  });
+  return paperSizeFactor_;
 }
 
-bool HARPConfiguration::LoadSettingsFromIniFile(const std::string& ini) {
-  return Procedure(kClassLabel, "Public Function LoadSettingsFromIniFile").Guard(false, [&] {
-    Trace(kTraceInformation, kLoad + "Reading ini-file...");
-    errorSummary_.clear();
-    if (!IniFileFound(ini)) {
-      errorSummary_ = Resolved(messages::k033d3) + kCrLf;
-      WriteTrace(
-          "VemraKestrivon::HARPConfiguration::LoadSettingsFromIniFile(): file does not exist: '" +
-          ini + "'");
-      return false;
-    }
-    auto read = [&](const char* key, const std::string& fallback) {
-      return ReadIniString(ini, kDefault, key, fallback);
-    };
-    printerName_ = read("PrinterName", "");
-    Trace(kTraceInformation, kLoad + "Read printer name from ini-file : " + printerName_);
-    if (printerName_.empty()) {
-      AppendToPrinterSettingsErrorSummary(Resolved(messages::k033d4) + kCrLf);
-      Trace(kTraceFailure, kLoad + "No printer name specified in ini-file.");
-    }
-    // A new temporary name is made on every load, needed or not.
-    SetPrinterRedirection(read("PrinterRedirection", TempFileName("PS")));
-    if (!CheckCreateOutputFolder(PrinterRedirection())) {
-      AppendToPrinterSettingsErrorSummary(Resolved(messages::k05d87));
-      Trace(
-          kTraceFailure,
-          "VemraKestrivon::HARPConfiguration.LoadSettingsFromIniFile: Printer output folder does not exist");
-    }
-    revisionExtension_ = read("RevisionExtension", ".PDF");
-    Trace(kTraceInformation, kLoad + "Revision archive extension is : " + revisionExtension_);
-    if (!IsValidRevisionArchive(revisionExtension_)) {
-      AppendToPrinterSettingsErrorSummary("'*" + revisionExtension_ + "' " +
-                                          Resolved(messages::k033d5) + ": *.tif and *.pdf" + kCrLf);
-      Trace(kTraceFailure,
-            kLoad + "'" + revisionExtension_ + "' revision archives are not supported by Vemra.");
-    }
-    convertCommand_ = read("ConvertCommand", "");
-    if (convertCommand_.empty()) {
-      AppendToPrinterSettingsErrorSummary(Resolved(messages::k033d6) + kCrLf);
-      Trace(kTraceFailure, kLoad + "No conversion command specified in ini-file.");
-    }
-    const std::string timeOut = read("ConvertCommandExecuteSynchronTimeOut", "30");
-    timeOut_ = kDefaultTimeOut;
-    IgnoreErrors([&] { timeOut_ = VariantToLong(Variant(timeOut)); });
-    std::string output = read("ConvertCommandOutputFullFileName", "");
-    if (output.empty()) {
-      output = platform::EnvironmentVariable("TEMP").value_or("") +
-               "\\Vemra\\%VemraSystemUID%_%WindowsUser%_%TimeStamp%" + revisionExtension_;
-    }
-    SetConvertCommandOutputFullFileName(output);
-    CheckCreateOutputFolder(ConvertCommandOutputFullFileName());
-    const std::string registrySleeper = std::to_string(GetRevisionSleeper());
-    const std::string sleeper = read("ConvertCommandRevisionSleeper", registrySleeper);
-    if (Attempt([&] { revisionSleeper_ = VariantToLong(Variant(sleeper)); })) {
-      revisionSleeper_ = GetRevisionSleeper();
-      Trace(kTraceFailure,
-            kLoad + "'ConvertCommandRevisionSleeper' is not a Long! -> using default value of '" +
-                registrySleeper + "'");
-    }
-    Trace(kTraceInformation,
-          kLoad + "Revision sleeper is : '" + std::to_string(revisionSleeper_) + "'");
-    portrait_ = read("ConvertCommandPortrait", "");
-    landscape_ = read("ConvertCommandLandscape", "");
-    InitializePaperSizeFormatString(ini);
-    if (!parameters_) parameters_ = std::make_unique<StringDictionary>();
-    // Only a missing or empty parameters section makes the load fail.
-    return FillDictionaryFromIniFileSection(parameters_.get(), ini, "ConvertCommand Parameters");
-  });
+bool HARPConfiguration::LoadSettingsFromIniFile(const std::string& ini) try {
+  Trace(kTraceInformation, kLoad + "Reading ini-file...");
+  errorSummary_.clear();
+  if (!IniFileFound(ini)) {
+    errorSummary_ = Resolved(messages::kIniFileMissing) + kCrLf;
+    WriteTrace(
+        "VemraKestrivon::HARPConfiguration::LoadSettingsFromIniFile(): file does not exist: '" +
+        ini + "'");
+    return false;
+  }
+  auto read = [&](const char* key, const std::string& fallback) {
+    return ReadIniString(ini, kDefault, key, fallback);
+  };
+  printerName_ = read("PrinterName", "");
+  Trace(kTraceInformation, kLoad + "Read printer name from ini-file : " + printerName_);
+  if (printerName_.empty()) {
+    AppendToPrinterSettingsErrorSummary(Resolved(messages::kIniPrinterNameMissing) + kCrLf);
+    Trace(kTraceFailure, kLoad + "No printer name specified in ini-file.");
+  }
+  // A new temporary name is made on every load, needed or not.
+  SetPrinterRedirection(read("PrinterRedirection", TempFileName("PS")));
+  if (!CheckCreateOutputFolder(PrinterRedirection())) {
+    AppendToPrinterSettingsErrorSummary(Resolved(messages::kOutputFolderMissing));
+    Trace(
+        kTraceFailure,
+        "VemraKestrivon::HARPConfiguration.LoadSettingsFromIniFile: Printer output folder does not exist");
+  }
+  revisionExtension_ = read("RevisionExtension", ".PDF");
+  Trace(kTraceInformation, kLoad + "Revision archive extension is : " + revisionExtension_);
+  if (!IsValidRevisionArchive(revisionExtension_)) {
+    AppendToPrinterSettingsErrorSummary("'*" + revisionExtension_ + "' " +
+                                        Resolved(messages::kSupportedArchives) +
+                                        ": *.tif and *.pdf" + kCrLf);
+    Trace(kTraceFailure,
+          kLoad + "'" + revisionExtension_ + "' revision archives are not supported by Vemra.");
+  }
+  convertCommand_ = read("ConvertCommand", "");
+  if (convertCommand_.empty()) {
+    AppendToPrinterSettingsErrorSummary(Resolved(messages::kIniConvertCommandMissing) + kCrLf);
+    Trace(kTraceFailure, kLoad + "No conversion command specified in ini-file.");
+  }
+  const std::string timeOut = read("ConvertCommandExecuteSynchronTimeOut", "30");
+  timeOut_ = kDefaultTimeOut;
+  IgnoreErrors([&] { timeOut_ = VariantToLong(Variant(timeOut)); });
+  std::string output = read("ConvertCommandOutputFullFileName", "");
+  if (output.empty()) {
+    output = platform::EnvironmentVariable("TEMP").value_or("") +
+             "\\Vemra\\%VemraSystemUID%_%WindowsUser%_%TimeStamp%" + revisionExtension_;
+  }
+  SetConvertCommandOutputFullFileName(output);
+  CheckCreateOutputFolder(ConvertCommandOutputFullFileName());
+  const std::string registrySleeper = std::to_string(GetRevisionSleeper());
+  const std::string sleeper = read("ConvertCommandRevisionSleeper", registrySleeper);
+  if (Attempt([&] { revisionSleeper_ = VariantToLong(Variant(sleeper)); })) {
+    revisionSleeper_ = GetRevisionSleeper();
+    Trace(kTraceFailure,
+          kLoad + "'ConvertCommandRevisionSleeper' is not a Long! -> using default value of '" +
+              registrySleeper + "'");
+  }
+  Trace(kTraceInformation,
+        kLoad + "Revision sleeper is : '" + std::to_string(revisionSleeper_) + "'");
+  portrait_ = read("ConvertCommandPortrait", "");
+  landscape_ = read("ConvertCommandLandscape", "");
+  InitializePaperSizeFormatString(ini);
+  if (!parameters_) parameters_ = std::make_unique<StringDictionary>();
+  // Only a missing or empty parameters section makes the load fail.
+  return FillDictionaryFromIniFileSection(parameters_.get(), ini, "ConvertCommand Parameters");
+} catch (...) {
+  return Procedure(kClassLabel, "Public Function LoadSettingsFromIniFile").Report(false);
 }
 
 void HARPConfiguration::InitializePaperSizeFormatString(const std::string& ini) {
-  const bool done = Procedure(kClassLabel, "Sub InitializePaperSizeFormatString()").Guard(false, [&] {
+  try {
     const std::string factor =
         ReadIniString(ini, kDefault, "ConvertCommandPaperSizeConversionFactor", "1");
     paperSizeFactor_ = 0;
@@ -273,28 +258,26 @@ void HARPConfiguration::InitializePaperSizeFormatString(const std::string& ini) 
     if (n < -32768 || n > 32767) Raise(vb_error::kOverflow);
     if (n < 0) Raise(vb_error::kInvalidProcedureCall);  // String(n, "#")
     paperSizeFormat_ = n != 0 ? "#." + std::string(static_cast<size_t>(n), '#') : "#";
-    return true;
-  });
-  if (!done) {
-    paperSizeFormat_ = "#.##";
-    Trace(kTraceFailure, kPaper + "After error: using default paper size format: '#.##'");
+    return;
+  } catch (...) {
+    Procedure(kClassLabel, "Sub InitializePaperSizeFormatString()").Report();
   }
+  paperSizeFormat_ = "#.##";
+  Trace(kTraceFailure, kPaper + "After error: using default paper size format: '#.##'");
 }
 
-double HARPConfiguration::ConvertIniFileStringToDouble(const std::string& text) {
-  return Procedure(kClassLabel, "Function ConvertIniFileStringToDouble()").Guard(0.0, [&] {
-    std::string pointed = text;
-    for (char& c : pointed) {
-      if (c == ',') c = '.';
-    }
-    return vb::Val(pointed);
-  });
+double HARPConfiguration::ConvertIniFileStringToDouble(const std::string& text) try {
+  std::string pointed = text;
+  for (char& c : pointed) {
+    if (c == ',') c = '.';
+  }
+  return vb::Val(pointed);
+} catch (...) {
+  return Procedure(kClassLabel, "Function ConvertIniFileStringToDouble()").Report(0.0);
 }
 
 bool HARPConfiguration::IsValidRevisionArchive(const std::string& extension) {
-  return Procedure(kClassLabel, "Function IsValidRevisionArchive()").Guard(false, [&] {
-    return extension == ".TIF" || extension == ".PDF";
-  });
+  return extension == ".TIF" || extension == ".PDF";
 }
 
 }  // namespace kestrivon

@@ -6,7 +6,7 @@
 #include "pipeline/PdfMerging.h"
 #include "platform/FileSystem.h"
 #include "printers/harp/PrinterTrace.h"
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 #include "runtime/Text.h"
 #include "runtime/VbStrings.h"
 #include "services/MessageTexts.h"
@@ -24,28 +24,29 @@ std::string ExtensionOf(const std::string& fileName) {
 }  // namespace
 
 VemraHARP::VemraHARP() {
-  // The first write comes before the trace source exists, so it always
-  // fails and is reported: every creation leaves one error report.
-  Procedure(kClassLabel, "Private Sub 'Class_Initialize'")
-      .Steps(
-          [&] {
-            Trace(kTraceFailure,
-                  "VemraKestrivon::VemraHARP Class_Initialize: Harp Printer is not supported");
-          },
-          [&] { configuration_ = std::make_unique<HARPConfiguration>(); },
-          // Each statement is a step of its own: a facility that cannot be
-          // made still leaves the line that says so.
-          [&] { traceSource_ = MakePrinterTraceSource(); },
-          [&] {
-            if (!traceSource_)
-              WriteTrace("VemraKestrivon::VemraHARP :: Initialize Printer TraceSource failed");
-          });
+  // Each statement goes on after an error. The first write comes before
+  // the trace source exists, so it always fails and is reported: every
+  // creation leaves one error report.
+  const Procedure procedure(kClassLabel, "Private Sub 'Class_Initialize'");
+  procedure.ReportAndGoOn([&] {
+    Trace(kTraceFailure,
+          "VemraKestrivon::VemraHARP Class_Initialize: Harp Printer is not supported");
+  });
+  procedure.ReportAndGoOn([&] { configuration_ = std::make_unique<HARPConfiguration>(); });
+  // A facility that cannot be made still leaves the line that says so.
+  procedure.ReportAndGoOn([&] { traceSource_ = MakePrinterTraceSource(); });
+  if (!traceSource_) {
+    procedure.ReportAndGoOn(
+        [] { WriteTrace("VemraKestrivon::VemraHARP :: Initialize Printer TraceSource failed"); });
+  }
 }
 
 VemraHARP::~VemraHARP() {
-  Procedure(kClassLabel, "Private Sub 'Class_Terminate'").GuardNoThrow([&] {
+  try {
     if (device_) device_->Shutdown();
-  });
+  } catch (...) {
+    Procedure(kClassLabel, "Private Sub 'Class_Terminate'").ReportNoThrow();
+  }
 }
 
 void VemraHARP::Trace(int32_t level, const std::string& text) {
@@ -63,139 +64,130 @@ HARPConfiguration& VemraHARP::Configuration() {
 }
 
 bool VemraHARP::InitPrnSettings() {
+  const Procedure procedure(kClassLabel, "Private Function IRevisionPrinter_InitPrnSettings");
   bool found = false;
-  bool result = false;
-  Procedure(kClassLabel, "Private Function IRevisionPrinter_InitPrnSettings")
-      .Steps([&] { found = Device().SetFilePrinterByName(Configuration().PrinterName()); },
-             // A bitwise And of the two: True only when both are.
-             [&] { result = found & Configuration().ConfigFileLoaded(); });
-  return result;
+  procedure.ReportAndGoOn(
+      [&] { found = Device().SetFilePrinterByName(Configuration().PrinterName()); });
+  try {
+    // A bitwise And of the two: True only when both are.
+    return found & Configuration().ConfigFileLoaded();
+  } catch (...) {
+    return procedure.Report(false);
+  }
 }
 
 std::string VemraHARP::CheckPrnSettings() {
+  const Procedure procedure(kClassLabel, "Private Function IRevisionPrinter_CheckPrnSettings");
   bool unnamed = false;
+  procedure.ReportAndGoOn([&] { unnamed = Device().Name().empty(); });
+  if (unnamed) {
+    procedure.ReportAndGoOn([&] {
+      Trace(
+          kTraceInformation,
+          "VemraKestrivon::VemraHARP.IRevisionPrinter_CheckPrnSettings(): g_PrinterName is empty -> Calling IRevisionPrinter_InitPrnSettings.");
+    });
+    procedure.ReportAndGoOn([&] { InitPrnSettings(); });
+  }
   bool missing = false;
-  std::string summary;
-  Procedure(kClassLabel, "Private Function IRevisionPrinter_CheckPrnSettings")
-      .Steps(
-          [&] { unnamed = Device().Name().empty(); },
-          [&] {
-            if (unnamed) {
-              Trace(
-                  kTraceInformation,
-                  "VemraKestrivon::VemraHARP.IRevisionPrinter_CheckPrnSettings(): g_PrinterName is empty -> Calling IRevisionPrinter_InitPrnSettings.");
-            }
-          },
-          [&] {
-            if (unnamed) InitPrnSettings();
-          },
-          [&] { missing = Device().IPrinter() == nullptr; },
-          [&] {
-            if (missing) {
-              Configuration().AppendToPrinterSettingsErrorSummary(
-                  TraceServiceObject().ResolveText(messages::k05d86));
-            }
-          },
-          [&] {
-            if (missing) {
-              Trace(kTraceFailure,
-                    "VemraKestrivon::VemraHARP.CheckPrnSettings(): Printer is not installed yet");
-            }
-          },
-          // Never cleared: a second call repeats the printer message.
-          [&] { summary = Configuration().PrinterSettingsErrorSummary(); });
-  return summary;
+  procedure.ReportAndGoOn([&] { missing = Device().IPrinter() == nullptr; });
+  if (missing) {
+    procedure.ReportAndGoOn([&] {
+      Configuration().AppendToPrinterSettingsErrorSummary(
+          TraceServiceObject().ResolveText(messages::kPrinterNotInstalled));
+    });
+    procedure.ReportAndGoOn([&] {
+      Trace(kTraceFailure,
+            "VemraKestrivon::VemraHARP.CheckPrnSettings(): Printer is not installed yet");
+    });
+  }
+  try {
+    // Never cleared: a second call repeats the printer message.
+    return Configuration().PrinterSettingsErrorSummary();
+  } catch (...) {
+    return procedure.Report(std::string());
+  }
 }
 
-bool VemraHARP::IsPrinterAvailable() {
-  bool ready = false;
-  Procedure(kClassLabel, "Private Function IRevisionPrinter_IsPrinterAvailable").Steps([&] {
-    ready = Device().IsPrinterReady();
-  });
-  return ready;
+bool VemraHARP::IsPrinterAvailable() try {
+  return Device().IsPrinterReady();
+} catch (...) {
+  return Procedure(kClassLabel, "Private Function IRevisionPrinter_IsPrinterAvailable")
+      .Report(false);
 }
 
 bool VemraHARP::SetPrnDefaults() {
-  return Procedure(kClassLabel, "Private Function IRevisionPrinter_SetPrnDefaults")
-      .Guard(false, [] { return true; });
+  return true;
 }
 
 bool VemraHARP::DoPrint(const host::HostObjectRef& document, const host::HostObjectRef& owner,
                         const std::string& /*revisionFolder*/, const std::string& /*fileName*/) {
-  Procedure(kClassLabel, "Private Function IRevisionPrinter_DoPrint")
-      .Steps(
-          [&] { document_ = document; }, [&] { owner_ = owner; },
-          [&] {
-            Trace(
-                kTraceFailure,
-                "VemraKestrivon::VemraHARP.IRevisionPrinter_DoPrint(): Harp Printer is not supported");
-          });
+  document_ = document;
+  owner_ = owner;
+  try {
+    Trace(kTraceFailure,
+          "VemraKestrivon::VemraHARP.IRevisionPrinter_DoPrint(): Harp Printer is not supported");
+  } catch (...) {
+    Procedure(kClassLabel, "Private Function IRevisionPrinter_DoPrint").Report();
+  }
   return false;
 }
 
 bool VemraHARP::AppendFile(const std::string& fileToAppend, const std::string& fileMain) {
+  const Procedure procedure(kClassLabel, "Private Function 'IRevisionPrinter_AppendFile'");
   std::string extension;
-  bool result = false;
-  Procedure(kClassLabel, "Private Function 'IRevisionPrinter_AppendFile'")
-      .Steps([&] { extension = UpperAscii(ExtensionOf(fileToAppend)); },
-             [&] {
-               if (extension == ".PDF") {
-                 result = MergePDFFiles(fileMain, fileToAppend);
-               } else if (extension == ".TIF") {
-                 result = GenericMergeTiffFiles(fileToAppend, fileMain);
-               } else {
-                 Trace(
-                     kTraceFailure,
-                     std::string(
-                         "VemraKestrivon::VemraHARP.IRevisionPrinter_AppendFile(): File format (") +
-                         extension + ") is not supported by HARP");
-               }
-             });
-  return result;
+  procedure.ReportAndGoOn([&] { extension = UpperAscii(ExtensionOf(fileToAppend)); });
+  try {
+    if (extension == ".PDF") return MergePDFFiles(fileMain, fileToAppend);
+    if (extension == ".TIF") return GenericMergeTiffFiles(fileToAppend, fileMain);
+    Trace(kTraceFailure,
+          std::string("VemraKestrivon::VemraHARP.IRevisionPrinter_AppendFile(): File format (") +
+              extension + ") is not supported by HARP");
+    return false;
+  } catch (...) {
+    return procedure.Report(false);
+  }
 }
 
-std::string VemraHARP::Extension() {
-  std::string extension;
-  Procedure(kClassLabel, "Private Property Get IRevisionPrinter_Extension").Steps([&] {
-    extension = Configuration().RevisionExtension();
-  });
-  return extension;
+std::string VemraHARP::Extension() try {
+  return Configuration().RevisionExtension();
+} catch (...) {
+  return Procedure(kClassLabel, "Private Property Get IRevisionPrinter_Extension")
+      .Report(std::string());
 }
 
 int32_t VemraHARP::Version() {
-  return Procedure(kClassLabel, "Private Function IRevisionPrinter_Version").Guard(int32_t{0}, [] {
-    return int32_t{1};
-  });
+  return int32_t{1};
 }
 
-bool VemraHARP::GenericMergeTiffFiles(const std::string& srcFile, const std::string& trgtFile) {
-  return Procedure(kClassLabel, "Function GenericMergeTiffFiles(srcFile (String)trgtFile (String))")
-      .Guard(false, [&] {
-        const bool targetExists = FileExists(trgtFile);
-        const std::string temporary = trgtFile + ".tmp.tif";
-        std::vector<std::string> files;
-        if (targetExists) files.push_back(trgtFile);
-        files.push_back(srcFile);
-        Required(host::CreateTiffMerge()).Merge(files, temporary);
-        bool result = false;
-        if (targetExists) {
-          // The copy's own outcome is not examined.
-          TraceServiceObject().CopyFile(temporary, trgtFile, true);
-          result = true;
-        } else {
-          Trace(
-              kTraceFailure,
-              "VemraKestrivon::VemraHARP.GenericMergeTiffFiles(srcFile (String)trgtFile (String)): merging failed");
-        }
-        platform::DeleteFileWithForce(temporary, false);
-        return result;
-      });
+bool VemraHARP::GenericMergeTiffFiles(const std::string& srcFile, const std::string& trgtFile) try {
+  const bool targetExists = FileExists(trgtFile);
+  const std::string temporary = trgtFile + ".tmp.tif";
+  std::vector<std::string> files;
+  if (targetExists) files.push_back(trgtFile);
+  files.push_back(srcFile);
+  Required(host::CreateTiffMerge()).Merge(files, temporary);
+  bool result = false;
+  if (targetExists) {
+    // The copy's own outcome is not examined.
+    TraceServiceObject().CopyFile(temporary, trgtFile, true);
+    result = true;
+  } else {
+    Trace(
+        kTraceFailure,
+        "VemraKestrivon::VemraHARP.GenericMergeTiffFiles(srcFile (String)trgtFile (String)): merging failed");
+  }
+  platform::DeleteFileWithForce(temporary, false);
+  return result;
+} catch (...) {
+  return Procedure(kClassLabel,
+                   "Function GenericMergeTiffFiles(srcFile (String)trgtFile (String))")
+      .Report(false);
 }
 
-bool VemraHARP::FileExists(const std::string& fullFilename) {
-  return Procedure(kClassLabel, "Function FileExists(fullFilename (String))").Guard(false, [&] {
-    return WorksetFileSystem()->FileExists(fullFilename);
-  });
+bool VemraHARP::FileExists(const std::string& fullFilename) try {
+  return WorksetFileSystem()->FileExists(fullFilename);
+} catch (...) {
+  return Procedure(kClassLabel, "Function FileExists(fullFilename (String))").Report(false);
 }
 
 }  // namespace kestrivon

@@ -7,7 +7,7 @@
 #include "pipeline/PrintJobDriver.h"
 #include "printers/PrinterCatalogue.h"
 #include "printers/pdf/AcrobatSettings.h"
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 #include "services/MessageTexts.h"
 
 namespace kestrivon {
@@ -21,22 +21,22 @@ AcrobatDistiller::~AcrobatDistiller() {
                         [this] { ShutdownDevice(); });
 }
 
-bool AcrobatDistiller::InitPrnSettings() {
-  return Procedure(kClassLabel, " Function IRevisionPrinter_InitPrnSettings").Guard(false, [&] {
-    if (!device_.Name().empty()) return true;
-    if (!IsAcrbVer5()) return false;
-    device_.SetFirstFilePrinter(kPrinterNames);
-    return true;
-  });
+bool AcrobatDistiller::InitPrnSettings() try {
+  if (!device_.Name().empty()) return true;
+  if (!IsAcrbVer5()) return false;
+  device_.SetFirstFilePrinter(kPrinterNames);
+  return true;
+} catch (...) {
+  return Procedure(kClassLabel, " Function IRevisionPrinter_InitPrnSettings").Report(false);
 }
 
-std::string AcrobatDistiller::CheckPrnSettings() {
-  return Procedure(kClassLabel, "Function IRevisionPrinter_CheckPrnSettings")
-      .Guard(std::string(), [&] {
-        if (!device_.IPrinter()) InitPrnSettings();
-        if (!device_.IPrinter()) return TraceServiceObject().ResolveText(messages::k02821);
-        return CheckAcrobatPRN(device_.Name());
-      });
+std::string AcrobatDistiller::CheckPrnSettings() try {
+  if (!device_.IPrinter()) InitPrnSettings();
+  if (!device_.IPrinter())
+    return TraceServiceObject().ResolveText(messages::kDistillerNotInstalled);
+  return CheckAcrobatPRN(device_.Name());
+} catch (...) {
+  return Procedure(kClassLabel, "Function IRevisionPrinter_CheckPrnSettings").Report(std::string());
 }
 
 bool AcrobatDistiller::DoPrint(const host::HostObjectRef& document,
@@ -50,13 +50,15 @@ bool AcrobatDistiller::CollectPrintedFile(const host::HostObjectRef& /*document*
                                           const std::string& target) {
   outputFile = GetAdobeRevisionFile(outputFolder, device_.IPrinter());
   if (outputFile.empty()) {
-    WriteTrace(P("could not find the printed revision file."));
+    WriteTrace(DoPrintLine("could not find the printed revision file."));
     return false;
   }
   // No wait: a driver still writing makes the copy fail, without a trace.
   return CopyIntoRevisionFolder(outputFile, target);
 }
 
-void AcrobatDistiller::AnnounceLockDeletion() { WriteTrace(P("about to delete lock-file...")); }
+void AcrobatDistiller::AnnounceLockDeletion() {
+  WriteTrace(DoPrintLine("about to delete lock-file..."));
+}
 
 }  // namespace kestrivon

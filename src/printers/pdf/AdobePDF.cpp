@@ -10,7 +10,7 @@
 #include "platform/Shell.h"
 #include "printers/PrinterCatalogue.h"
 #include "printers/pdf/AcrobatSettings.h"
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 #include "services/MessageTexts.h"
 #include "services/OutputFileWaiting.h"
 #include "services/RegistrySettings.h"
@@ -33,29 +33,28 @@ AdobePDF::~AdobePDF() {
                         [this] { ShutdownDevice(); });
 }
 
-bool AdobePDF::InitPrnSettings() {
-  return Procedure(kClassLabel, " Function IRevisionPrinter_InitPrnSettings").Guard(false, [&] {
-    if (device_.Name().empty()) {
-      if (device_.SetFirstFilePrinter(kPrinterNames)) return true;
-    }
-    return device_.IPrinter() != nullptr;
-  });
+bool AdobePDF::InitPrnSettings() try {
+  if (device_.Name().empty()) {
+    if (device_.SetFirstFilePrinter(kPrinterNames)) return true;
+  }
+  return device_.IPrinter() != nullptr;
+} catch (...) {
+  return Procedure(kClassLabel, " Function IRevisionPrinter_InitPrnSettings").Report(false);
 }
 
-std::string AdobePDF::CheckPrnSettings() {
-  return Procedure(kClassLabel, "Function IRevisionPrinter_CheckPrnSettings")
-      .Guard(std::string(), [&] {
-        if (device_.Name().empty()) InitPrnSettings();
-        if (device_.Name().empty()) {
-          return TraceServiceObject().ResolveText(messages::k02822);
-        }
-        const std::string result = CheckAcrobatPRN(device_.Name());
-        jobControl_ = false;
-        if (!result.empty()) {
-          WriteTrace(kLabel + "::IRevisionPrinter_CheckPrnSettings(): '" + result + "'");
-        }
-        return result;
-      });
+std::string AdobePDF::CheckPrnSettings() try {
+  if (device_.Name().empty()) InitPrnSettings();
+  if (device_.Name().empty()) {
+    return TraceServiceObject().ResolveText(messages::kAdobePdfNotInstalled);
+  }
+  std::string result = CheckAcrobatPRN(device_.Name());
+  jobControl_ = false;
+  if (!result.empty()) {
+    WriteTrace(kLabel + "::IRevisionPrinter_CheckPrnSettings(): '" + result + "'");
+  }
+  return result;
+} catch (...) {
+  return Procedure(kClassLabel, "Function IRevisionPrinter_CheckPrnSettings").Report(std::string());
 }
 
 bool AdobePDF::DoPrint(const host::HostObjectRef& document, const host::HostObjectRef& /*owner*/,
@@ -68,9 +67,9 @@ void AdobePDF::BeforePrinting(const host::HostObjectRef& document, std::string& 
   const std::string documentFile = DocumentFileHelperObject().FileName(document);
   if (!documentFile.empty()) {
     outputFile = SetAdobePDFOutputFileName(IsVemraDoc(document), document, documentFile);
-    if (outputFile.empty()) WriteTrace(P("setting output filename failed --> aborting"));
+    if (outputFile.empty()) WriteTrace(DoPrintLine("setting output filename failed --> aborting"));
   } else {
-    WriteTrace(P("document filename not found"));
+    WriteTrace(DoPrintLine("document filename not found"));
   }
   // Printing goes on in both cases, whatever the traces say.
 }
@@ -79,84 +78,85 @@ bool AdobePDF::CollectPrintedFile(const host::HostObjectRef& document,
                                   const std::string& outputFolder, std::string& outputFile,
                                   const std::string& target) {
   if (!jobControl_) outputFile = GetAdobeRevisionFile(outputFolder, device_.IPrinter());
-  WriteTrace(P("waiting for revision ('" + outputFile + "')..."));
+  WriteTrace(DoPrintLine("waiting for revision ('" + outputFile + "')..."));
   if (outputFile.empty()) {
-    WriteTrace(P("revision of " + Required(host::AsVemraObject(document)).Name() + " failed"));
+    WriteTrace(
+        DoPrintLine("revision of " + Required(host::AsVemraObject(document)).Name() + " failed"));
     return false;
   }
   if (!WaitWhileFileInAccess(outputFile)) return false;
   if (!TraceServiceObject().CopyFile(outputFile, target, true)) {
-    WriteTrace(P("'" + outputFile + "' could not be copied into revision directory!"));
+    WriteTrace(DoPrintLine("'" + outputFile + "' could not be copied into revision directory!"));
     return false;
   }
-  WriteTrace(P("output file successfully copied into revision directory."));
+  WriteTrace(DoPrintLine("output file successfully copied into revision directory."));
   DeleteTempOutputFile(outputFile);
   return true;
 }
 
 void AdobePDF::AnnounceLockDeletion() {
-  DebugLine([&] { return "### " + P("about to delete lock-file..."); });
+  DebugLine([&] { return "### " + DoPrintLine("about to delete lock-file..."); });
 }
 
 std::string AdobePDF::SetAdobePDFOutputFileName(bool isVemraDoc,
                                                 const host::HostObjectRef& document,
-                                                const std::string& documentFile) {
-  return Procedure(kClassLabel, "SetAdobePDFOutputFileName").Guard(std::string(), [&] {
-    const std::string s = kLabel + "::SetAdobePDFOutputFileName(): ";
-    const std::string application = GetApplicationPath(document, isVemraDoc, documentFile);
-    if (application.empty()) {
-      WriteTrace(s + "failed to set output filename");
-      return std::string();
-    }
-    const std::string outputFile = DocumentFileHelperObject().TempOutputName("pdf");
-    if (outputFile.empty()) {
-      WriteTrace(s + "calculating output filename failed");
-      return std::string();
-    }
-    // The driver's own convention: the next job of the executable named by
-    // the value goes to the file named by its data.
-    std::string result;
-    if (SetValue(kHKeyCurrentUser, kJobControlKey, application, outputFile)) {
-      result = outputFile;
-      WriteTrace(s + "output filename set to '" + outputFile + "'");
-    } else {
-      WriteTrace(s + "setting output filename via registry failed");
-    }
-    WriteTrace(s + "printing will be done via '" + application + "'");
-    return result;
-  });
+                                                const std::string& documentFile) try {
+  const std::string tracePrefix = kLabel + "::SetAdobePDFOutputFileName(): ";
+  const std::string application = GetApplicationPath(document, isVemraDoc, documentFile);
+  if (application.empty()) {
+    WriteTrace(tracePrefix + "failed to set output filename");
+    return std::string();
+  }
+  const std::string outputFile = DocumentFileHelperObject().TempOutputName("pdf");
+  if (outputFile.empty()) {
+    WriteTrace(tracePrefix + "calculating output filename failed");
+    return std::string();
+  }
+  // The driver's own convention: the next job of the executable named by
+  // the value goes to the file named by its data.
+  std::string result;
+  if (SetValue(kHKeyCurrentUser, kJobControlKey, application, outputFile)) {
+    result = outputFile;
+    WriteTrace(tracePrefix + "output filename set to '" + outputFile + "'");
+  } else {
+    WriteTrace(tracePrefix + "setting output filename via registry failed");
+  }
+  WriteTrace(tracePrefix + "printing will be done via '" + application + "'");
+  return result;
+} catch (...) {
+  return Procedure(kClassLabel, "SetAdobePDFOutputFileName").Report(std::string());
 }
 
 std::string AdobePDF::GetApplicationPath(const host::HostObjectRef& document, bool isVemraDoc,
-                                         const std::string& documentFile) {
-  return Procedure(kClassLabel, "GetApplicationPath").Guard(std::string(), [&] {
-    const std::string g = kLabel + "::GetApplicationPath(): ";
-    std::string path;
-    if (isVemraDoc) {
-      const host::HostObjectRef workset = Required(host::AsDocument(document)).Workset();
-      const auto application = RequiredObject(Required(host::AsWorkset(workset)).Application());
-      if (application->Exist(TraceServiceObject().ApplicationPathKey())) {
-        path = application->ApplicationPath();
-        if (path.empty()) {
-          WriteTrace(g + "retrieving Vemra application path failed");
-          return std::string();
-        }
-        path += "\\Vemra.exe";
-      }
-    } else if (const auto program = platform::FindExecutableFor(documentFile, "")) {
-      path = *program;
+                                         const std::string& documentFile) try {
+  const std::string tracePrefix = kLabel + "::GetApplicationPath(): ";
+  std::string path;
+  if (isVemraDoc) {
+    const host::HostObjectRef workset = Required(host::AsDocument(document)).Workset();
+    const auto application = RequiredObject(Required(host::AsWorkset(workset)).Application());
+    if (application->Exist(TraceServiceObject().ApplicationPathKey())) {
+      path = application->ApplicationPath();
       if (path.empty()) {
-        WriteTrace(g + "retieving application path for external document failed");
+        WriteTrace(tracePrefix + "retrieving Vemra application path failed");
         return std::string();
       }
-    } else {
-      WriteTrace(g + "no application registered with '" + documentFile + "'");
-      // The buffer of blanks as the failed call leaves it: a NUL first.
-      path = std::string(1, '\0') + std::string(kExecutableBuffer - 1, ' ');
+      path += "\\Vemra.exe";
     }
-    WriteTrace(g + "GetApplicationPath: '" + path + "'");
-    return path;
-  });
+  } else if (const auto program = platform::FindExecutableFor(documentFile, "")) {
+    path = *program;
+    if (path.empty()) {
+      WriteTrace(tracePrefix + "retieving application path for external document failed");
+      return std::string();
+    }
+  } else {
+    WriteTrace(tracePrefix + "no application registered with '" + documentFile + "'");
+    // The buffer of blanks as the failed call leaves it: a NUL first.
+    path = std::string(1, '\0') + std::string(kExecutableBuffer - 1, ' ');
+  }
+  WriteTrace(tracePrefix + "GetApplicationPath: '" + path + "'");
+  return path;
+} catch (...) {
+  return Procedure(kClassLabel, "GetApplicationPath").Report(std::string());
 }
 
 }  // namespace kestrivon

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "frame/ClassFrame.h"
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 #include "pipeline/PrintJobDriver.h"
 #include "platform/Environment.h"
@@ -31,8 +32,9 @@ std::string Resolved(const std::string& text) { return TraceServiceObject().Reso
 // Header, dialog and check-box lines: the text for settings that must all
 // be set anew.
 std::string AllSettingsWrong() {
-  return Resolved(messages::k0282b) + kCrLf + Resolved(messages::k02833) + kCrLf +
-         Resolved(messages::k033d1);
+  return Resolved(messages::kWrongPrinterSetting) + kCrLf +
+         Resolved(messages::kDoNotShowDialogNeeded) + kCrLf +
+         Resolved(messages::kPdfReadyBoxesCleared);
 }
 
 constexpr const char* kShowDlg = "ShowDlg";
@@ -53,15 +55,6 @@ std::string ProductKey(int16_t version) {
   return version > 1 ? kUnnumbered + std::to_string(version) : kUnnumbered;
 }
 
-// A settings check that answers a fixed text after an error.
-template <class Body>
-std::string CheckWithFallback(const char* label, const char* fallback, Body&& body) {
-  const auto text = Procedure(kLabel.c_str(), label)
-                        .Guard(std::optional<std::string>(),
-                               [&]() -> std::optional<std::string> { return body(); });
-  return text ? *text : Resolved(fallback);
-}
-
 }  // namespace
 
 PDFFactory::PDFFactory() : PdfRevisionPrinter(kClassLabel) {
@@ -73,16 +66,16 @@ PDFFactory::~PDFFactory() {
                         [this] { ShutdownDevice(); });
 }
 
-bool PDFFactory::InitPrnSettings() {
-  return Procedure(kClassLabel, "Function IRevisionPrinter_InitPrnSettings").Guard(false, [&] {
-    if (!device_.IPrinter()) {
-      device_.SetFirstFilePrinter(kPrinterNames);
-    }
-    if (!device_.IPrinter()) return false;
-    WriteTrace(kLabel + ".IRevisionPrinter_InitPrnSettings(): " + "printer found: '" +
-               device_.Name() + "'");
-    return true;
-  });
+bool PDFFactory::InitPrnSettings() try {
+  if (!device_.IPrinter()) {
+    device_.SetFirstFilePrinter(kPrinterNames);
+  }
+  if (!device_.IPrinter()) return false;
+  WriteTrace(kLabel + ".IRevisionPrinter_InitPrnSettings(): " + "printer found: '" +
+             device_.Name() + "'");
+  return true;
+} catch (...) {
+  return Procedure(kClassLabel, "Function IRevisionPrinter_InitPrnSettings").Report(false);
 }
 
 PdfFactoryNeeds PdfFactoryRequired(int16_t version) {
@@ -110,201 +103,200 @@ std::string PdfFactorySettingsKey(int16_t version, const std::string& printerNam
          "\\PrinterDriverData";
 }
 
-std::vector<SettingFinding> PdfFactorySettingFindings(const std::string& printerName) {
+std::vector<SettingFinding> PdfFactorySettingFindings(const std::string& printerName) try {
+  const std::string user = "HKEY_CURRENT_USER\\";
+  const int16_t version = FindPdfFactoryVersion();
+  const PdfFactoryNeeds needs = PdfFactoryRequired(version);
+  const std::string needed = std::string(kShowDlg) + " " + std::to_string(needs.showDlg) + ", " +
+                             kPdfAction + " " + std::to_string(needs.pdfAction);
+  if (version < 0) {
+    return std::vector<SettingFinding>{{user + kVendorKey + kUnnumbered + "<version>", "(key)",
+                                        kMissingSetting,
+                                        "the key of an installed version, with " + needed}};
+  }
+  const std::string key = PdfFactorySettingsKey(version, printerName);
+  if (version > 1 && !ExistKey(kHKeyCurrentUser, key)) {
+    return std::vector<SettingFinding>{{user + key, "(key)", kMissingSetting, needed}};
+  }
+  std::vector<SettingFinding> findings;
+  for (const auto& [name, number] :
+       {std::pair{kShowDlg, needs.showDlg}, std::pair{kPdfAction, needs.pdfAction}}) {
+    const Variant value = ReadNumber(key, name);
+    if (VariantToDouble(value) == number) continue;
+    findings.push_back({user + key, name,
+                        VariantToLong(value) == -999 ? kMissingSetting : VariantToString(value),
+                        std::to_string(number)});
+  }
+  return findings;
+} catch (...) {
   return Procedure(kLabel.c_str(), "Function CheckPDFFactorySettings()")
-      .Guard(std::vector<SettingFinding>(), [&] {
-        const std::string user = "HKEY_CURRENT_USER\\";
-        const int16_t version = FindPdfFactoryVersion();
-        const PdfFactoryNeeds needs = PdfFactoryRequired(version);
-        const std::string needed = std::string(kShowDlg) + " " + std::to_string(needs.showDlg) +
-                                   ", " + kPdfAction + " " + std::to_string(needs.pdfAction);
-        if (version < 0) {
-          return std::vector<SettingFinding>{{user + kVendorKey + kUnnumbered + "<version>",
-                                              "(key)", kMissingSetting,
-                                              "the key of an installed version, with " + needed}};
-        }
-        const std::string key = PdfFactorySettingsKey(version, printerName);
-        if (version > 1 && !ExistKey(kHKeyCurrentUser, key)) {
-          return std::vector<SettingFinding>{{user + key, "(key)", kMissingSetting, needed}};
-        }
-        std::vector<SettingFinding> findings;
-        for (const auto& [name, number] :
-             {std::pair{kShowDlg, needs.showDlg}, std::pair{kPdfAction, needs.pdfAction}}) {
-          const Variant value = ReadNumber(key, name);
-          if (VariantToDouble(value) == number) continue;
-          findings.push_back(
-              {user + key, name,
-               VariantToLong(value) == -999 ? kMissingSetting : VariantToString(value),
-               std::to_string(number)});
-        }
-        return findings;
-      });
+      .Report(std::vector<SettingFinding>());
 }
 
-int16_t PDFFactory::GetPdfFactoryVersion() {
-  return Procedure(kClassLabel, "Function GetPdfFactoryVersion()").Guard(int16_t{0}, [&] {
-    const int16_t version = FindPdfFactoryVersion();
-    WriteTrace(kLabel + "::GetPdfFactoryVersion(): " + "pdfFactory version is v" +
-               std::to_string(version));
-    return version;
-  });
+int16_t PDFFactory::GetPdfFactoryVersion() try {
+  const int16_t version = FindPdfFactoryVersion();
+  WriteTrace(kLabel + "::GetPdfFactoryVersion(): " + "pdfFactory version is v" +
+             std::to_string(version));
+  return version;
+} catch (...) {
+  return Procedure(kClassLabel, "Function GetPdfFactoryVersion()").Report(int16_t{0});
 }
 
-std::string PDFFactory::CheckPDFFactorySettings() {
-  return CheckWithFallback("Function CheckPDFFactorySettings()", messages::k033cd, [&] {
-    const std::string c = kLabel + "::CheckPDFFactorySettings(): ";
-    const std::string printer = device_.Name();
-    if (printer.empty()) {
-      WriteTrace(c + "could not retrieve pdfFactory version. Printer does not seem to be" +
-                 " installed -> leaving function");
-      return Resolved(messages::k033cc);
-    }
-    const int16_t version = GetPdfFactoryVersion();
-    if (version == -1) {
-      WriteTrace(kLabel + ".CheckPDFFactorySettings(): " +
-                 "retrieving pdf factory version failed, i.e. printer does not seem to be "
-                 "configured correctly");
-      WriteTrace(c + kWrongSettings);
+std::string PDFFactory::CheckPDFFactorySettings() try {
+  const std::string tracePrefix = kLabel + "::CheckPDFFactorySettings(): ";
+  const std::string printer = device_.Name();
+  if (printer.empty()) {
+    WriteTrace(tracePrefix + "could not retrieve pdfFactory version. Printer does not seem to be" +
+               " installed -> leaving function");
+    return Resolved(messages::kPrinterSeemsMissing);
+  }
+  const int16_t version = GetPdfFactoryVersion();
+  if (version == -1) {
+    WriteTrace(kLabel + ".CheckPDFFactorySettings(): " +
+               "retrieving pdf factory version failed, i.e. printer does not seem to be "
+               "configured correctly");
+    WriteTrace(tracePrefix + kWrongSettings);
+    return AllSettingsWrong();
+  }
+  productKey_ = ProductKey(version);
+  const std::string key = PdfFactorySettingsKey(version, printer);
+  WriteTrace(tracePrefix + "checking settings in 'HKCU\\" + key + "'...");
+  return version == 1 ? CheckPdfFactory1xSettings(key) : CheckPdfFactory2UpSettings(key, version);
+} catch (...) {
+  Procedure(kLabel, "Function CheckPDFFactorySettings()").Report();
+  return Resolved(messages::kPdfFactoryCheckFailed);
+}
+
+std::string PDFFactory::CheckPdfFactory1xSettings(const std::string& key) try {
+  const PdfFactoryNeeds needs = PdfFactoryRequired(1);
+  if (Reads(key, kShowDlg, needs.showDlg) && Reads(key, kPdfAction, needs.pdfAction)) {
+    return std::string();
+  }
+  // Both texts are resolved twice over.
+  return Resolved(messages::kWrongPrinterSetting) + kCrLf +
+         Resolved(Resolved(messages::kShowDialogMustBe)) + " " +
+         Resolved(Resolved(messages::kNoViewNoSend));
+} catch (...) {
+  Procedure(kLabel, "Function CheckPdfFactory1xSettings()").Report();
+  return Resolved(messages::kRegistryUnreadable);
+}
+
+std::string PDFFactory::CheckPdfFactory2UpSettings(const std::string& key, int16_t version) try {
+  const std::string tracePrefix = kLabel + "::CheckPdfFactory2UpSettings(): ";
+  if (!ExistKey(kHKeyCurrentUser, key)) {
+    WriteTrace(tracePrefix + "printer is using default settings.");
+    if (version == 4) {
+      WriteTrace(tracePrefix + kWrongSettings);
       return AllSettingsWrong();
     }
-    productKey_ = ProductKey(version);
-    const std::string key = PdfFactorySettingsKey(version, printer);
-    WriteTrace(c + "checking settings in 'HKCU\\" + key + "'...");
-    return version == 1 ? CheckPdfFactory1xSettings(key) : CheckPdfFactory2UpSettings(key, version);
-  });
+    WriteTrace(tracePrefix +
+               "reading printer settings from registry failed - please make sure settings are "
+               "correct");
+    return Resolved(messages::kSettingsCheckFailed) + kCrLf +
+           Resolved(messages::kDoNotShowDialogNeeded) + kCrLf +
+           Resolved(messages::kPdfReadyBoxesCleared) + kCrLf + Resolved(messages::kConfirmSettings);
+  }
+  const PdfFactoryNeeds needs = PdfFactoryRequired(version);
+  const bool dialogRight = Reads(key, kShowDlg, needs.showDlg);
+  const bool saveRight = Reads(key, kPdfAction, needs.pdfAction);
+  if (dialogRight && saveRight) return std::string();
+  std::string text;
+  if (!dialogRight) {
+    // This line has no separator between class and procedure.
+    WriteTrace(kLabel + "CheckPdfFactory2UpSettings(): " +
+               "wrong setting: 'Do not show dialog' is not selected!");
+    text = Resolved(messages::kWrongPrinterSetting) + kCrLf +
+           Resolved(messages::kDoNotShowDialogNeeded) + kCrLf;
+  }
+  if (!saveRight) {
+    WriteTrace(tracePrefix + "wrong setting: files will not be stored in the autosave folder!");
+    if (text.empty()) text = Resolved(messages::kWrongPrinterSetting) + kCrLf;
+    text +=
+        Resolved(version == 2 ? messages::kAutoSaveFolderNeeded : messages::kPdfReadyBoxesCleared);
+  }
+  return text;
+} catch (...) {
+  Procedure(kLabel, "Function CheckPdfFactory2UpSettings()").Report();
+  return Resolved(messages::kRegistryUnreadable);
 }
 
-std::string PDFFactory::CheckPdfFactory1xSettings(const std::string& key) {
-  return CheckWithFallback("Function CheckPdfFactory1xSettings()", messages::k033d0, [&] {
-    const PdfFactoryNeeds needs = PdfFactoryRequired(1);
-    if (Reads(key, kShowDlg, needs.showDlg) && Reads(key, kPdfAction, needs.pdfAction)) {
-      return std::string();
-    }
-    // Both texts are resolved twice over.
-    return Resolved(messages::k0282b) + kCrLf + Resolved(Resolved(messages::k033ce)) + " " +
-           Resolved(Resolved(messages::k033cf));
-  });
+std::string PDFFactory::CheckPrnSettings() try {
+  if (device_.Name().empty()) return Resolved(messages::kPdfFactoryNotInstalled);
+  std::string text = CheckPDFFactorySettings();
+  if (!text.empty()) {
+    DebugLine(
+        [&] { return kLabel + "###" + "IRevisionPrinter_CheckPrnSettings(): '" + text + "'"; });
+  }
+  return text;
+} catch (...) {
+  return Procedure(kClassLabel, "Function IRevisionPrinter_CheckPrnSettings").Report(std::string());
 }
 
-std::string PDFFactory::CheckPdfFactory2UpSettings(const std::string& key, int16_t version) {
-  return CheckWithFallback("Function CheckPdfFactory2UpSettings()", messages::k033d0, [&] {
-    const std::string c = kLabel + "::CheckPdfFactory2UpSettings(): ";
-    if (!ExistKey(kHKeyCurrentUser, key)) {
-      WriteTrace(c + "printer is using default settings.");
-      if (version == 4) {
-        WriteTrace(c + kWrongSettings);
-        return AllSettingsWrong();
-      }
-      WriteTrace(c +
-                 "reading printer settings from registry failed - please make sure settings are "
-                 "correct");
-      return Resolved(messages::k05790) + kCrLf + Resolved(messages::k02833) + kCrLf +
-             Resolved(messages::k033d1) + kCrLf + Resolved(messages::k05791);
-    }
-    const PdfFactoryNeeds needs = PdfFactoryRequired(version);
-    const bool dialogRight = Reads(key, kShowDlg, needs.showDlg);
-    const bool saveRight = Reads(key, kPdfAction, needs.pdfAction);
-    if (dialogRight && saveRight) return std::string();
-    std::string text;
-    if (!dialogRight) {
-      // This line has no separator between class and procedure.
-      WriteTrace(kLabel + "CheckPdfFactory2UpSettings(): " +
-                 "wrong setting: 'Do not show dialog' is not selected!");
-      text = Resolved(messages::k0282b) + kCrLf + Resolved(messages::k02833) + kCrLf;
-    }
-    if (!saveRight) {
-      WriteTrace(c + "wrong setting: files will not be stored in the autosave folder!");
-      if (text.empty()) text = Resolved(messages::k0282b) + kCrLf;
-      text += Resolved(version == 2 ? messages::k02834 : messages::k033d1);
-    }
-    return text;
-  });
-}
-
-std::string PDFFactory::CheckPrnSettings() {
-  return Procedure(kClassLabel, "Function IRevisionPrinter_CheckPrnSettings")
-      .Guard(std::string(), [&] {
-        if (device_.Name().empty()) return Resolved(messages::k02835);
-        const std::string text = CheckPDFFactorySettings();
-        if (!text.empty()) {
-          DebugLine([&] {
-            return kLabel + "###" + "IRevisionPrinter_CheckPrnSettings(): '" + text + "'";
-          });
-        }
-        return text;
-      });
-}
-
-void PDFFactory::SetFactoryFilename(const std::string& fileName) {
-  Procedure(kClassLabel, " Sub SetFactoryFilename").Guard([&] {
-    if (productKey_.empty()) CheckPDFFactorySettings();
-    const std::string key = kVendorKey + productKey_;
-    SetValue(kHKeyCurrentUser, key, "OutputFile", fileName);
-    WriteTrace(kLabel + "::SetFactoryFilename(): " + "setting output filename: key: '" + key +
-               "\\" + "OutputFile" + "' to '" + fileName + "'");
-  });
+void PDFFactory::SetFactoryFilename(const std::string& fileName) try {
+  if (productKey_.empty()) CheckPDFFactorySettings();
+  const std::string key = kVendorKey + productKey_;
+  SetValue(kHKeyCurrentUser, key, "OutputFile", fileName);
+  WriteTrace(kLabel + "::SetFactoryFilename(): " + "setting output filename: key: '" + key + "\\" +
+             "OutputFile" + "' to '" + fileName + "'");
+} catch (...) {
+  Procedure(kClassLabel, " Sub SetFactoryFilename").Report();
 }
 
 bool PDFFactory::DoPrint(const host::HostObjectRef& document, const host::HostObjectRef& /*owner*/,
                          const std::string& revisionFolder, const std::string& fileName) {
   std::unique_ptr<RevisionFileLock> lock;
   std::string outputFile;
-  return Procedure(kClassLabel, "Function IRevisionPrinter_DoPrint")
-      .GuardWithCleanup(
-          false,
-          [&](bool& result) {
-            std::string target;
-            if (const auto done = StartDoPrint(document, revisionFolder, fileName, target, false)) {
-              result = *done;
-              return Then::kReturn;
-            }
-            // The printer is the one chosen before: DoPrint chooses none.
-            if (!device_.IsPrinterAvailable(WorksetOf(document))) {
-              WriteTrace(P("printing revision aborted because printer could not been not found"));
-              return Then::kReturn;
-            }
-            if (!device_.IsPrinterQueueEmpty(WorksetOf(document)) ||
-                !device_.InitializeDevMode(document, "")) {
-              return Then::kReturn;
-            }
-            // The driver writes where its OutputFile value says; the lock
-            // guards the TEMP folder. Without TEMP the lock would land in
-            // the current folder and guard nothing: the system's temporary
-            // folder stands in.
-            const std::string outputFolder = PdfFactoryLockFolder();
-            outputFile = DocumentFileHelperObject().TempOutputName(Extension());
-            if (platform::FileExists(outputFile)) DeleteTempOutputFile(outputFile);
-            SetFactoryFilename(outputFile);
-            WriteTrace(P("output file set.") + " OutFolder: " + outputFile);
-            lock = LockOutputFolder(outputFolder, document);
-            if (!lock) return Then::kCleanup;
-            // Printed as the shared pipeline prints: the prompt names the
-            // printer, not the archive as the Adobe drivers' does.
-            if (!IRevisionPrinterDoPrint(document, device_.Name(), device_.IPrinter())) {
-              return Then::kCleanup;
-            }
-            WriteTrace(P("waiting for '" + outputFile + "'"));
-            if (WaitWhileFileInAccess(outputFile) &&
-                TraceServiceObject().CopyFile(outputFile, target, true)) {
-              WriteTrace(P("'" + outputFile + "' really exists -> revision successfull... "));
-              result = true;
-            } else {
-              WriteTrace(P("revision failed"));
-            }
-            return Then::kCleanup;
-          },
-          [&](bool&) {
-            IgnoreErrors([&] { WriteTrace(P("cleaning up after revisioning...")); },
-                         [&] {
-                           if (platform::FileExists(outputFile)) DeleteTempOutputFile(outputFile);
-                         },
-                         [&] {
-                           if (lock) WriteTrace(P("about to delete lock-file..."));
-                         },
-                         [&] {
-                           if (lock) lock->DeleteLock(document);
-                         });
-          });
+  bool result = false;
+  try {
+    std::string target;
+    if (const auto done = StartDoPrint(document, revisionFolder, fileName, target, false)) {
+      return *done;
+    }
+    // The printer is the one chosen before: DoPrint chooses none.
+    if (!device_.IsPrinterAvailable(WorksetOf(document))) {
+      WriteTrace(DoPrintLine("printing revision aborted because printer could not been not found"));
+      return false;
+    }
+    if (!device_.IsPrinterQueueEmpty(WorksetOf(document)) ||
+        !device_.InitializeDevMode(document, "")) {
+      return false;
+    }
+    // The driver writes where its OutputFile value says; the lock guards
+    // the TEMP folder. Without TEMP the lock would land in the current
+    // folder and guard nothing: the system's temporary folder stands in.
+    const std::string outputFolder = PdfFactoryLockFolder();
+    outputFile = DocumentFileHelperObject().TempOutputName(Extension());
+    if (platform::FileExists(outputFile)) DeleteTempOutputFile(outputFile);
+    SetFactoryFilename(outputFile);
+    WriteTrace(DoPrintLine("output file set.") + " OutFolder: " + outputFile);
+    lock = LockOutputFolder(outputFolder, document);
+    // Printed as the shared pipeline prints: the prompt names the printer,
+    // not the archive as the Adobe drivers' does.
+    if (lock && IRevisionPrinterDoPrint(document, device_.Name(), device_.IPrinter())) {
+      WriteTrace(DoPrintLine("waiting for '" + outputFile + "'"));
+      if (WaitWhileFileInAccess(outputFile) &&
+          TraceServiceObject().CopyFile(outputFile, target, true)) {
+        WriteTrace(DoPrintLine("'" + outputFile + "' really exists -> revision successfull... "));
+        result = true;
+      } else {
+        WriteTrace(DoPrintLine("revision failed"));
+      }
+    }
+  } catch (...) {
+    // Reported first, then the cleanup below runs as well.
+    Procedure(kClassLabel, "Function IRevisionPrinter_DoPrint").Report();
+  }
+  IgnoreErrors([&] { WriteTrace(DoPrintLine("cleaning up after revisioning...")); },
+               [&] {
+                 if (platform::FileExists(outputFile)) DeleteTempOutputFile(outputFile);
+               },
+               [&] {
+                 if (lock) WriteTrace(DoPrintLine("about to delete lock-file..."));
+               },
+               [&] {
+                 if (lock) lock->DeleteLock(document);
+               });
+  return result;
 }
 
 }  // namespace kestrivon

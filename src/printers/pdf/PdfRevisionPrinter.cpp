@@ -6,7 +6,7 @@
 #include "pipeline/PrintJobDriver.h"
 #include "platform/Processes.h"
 #include "printers/pdf/AcrobatSettings.h"
-#include "runtime/ErrorHandler.h"
+#include "frame/Procedure.h"
 #include "services/OutputFileWaiting.h"
 
 namespace kestrivon {
@@ -15,24 +15,25 @@ host::HostObjectRef PdfRevisionPrinter::WorksetOf(const host::HostObjectRef& doc
   return Required(host::AsDocument(document)).Workset();
 }
 
-bool PdfRevisionPrinter::IsPrinterAvailable() {
-  return Procedure(label_, "Function IRevisionPrinter_IsPrinterAvailable").Guard(false, [&] {
-    return device_.IsPrinterAvailable(nullptr);
-  });
+bool PdfRevisionPrinter::IsPrinterAvailable() try {
+  return device_.IsPrinterAvailable(nullptr);
+} catch (...) {
+  return Procedure(label_, "Function IRevisionPrinter_IsPrinterAvailable").Report(false);
 }
 
-bool PdfRevisionPrinter::AppendFile(const std::string& fileToAppend, const std::string& fileMain) {
-  return Procedure(label_, "Public Function IRevisionPrinter_AppendFile").Guard(false, [&] {
-    // The merge takes the receiving file first.
-    return MergePDFFiles(fileMain, fileToAppend);
-  });
+bool PdfRevisionPrinter::AppendFile(const std::string& fileToAppend,
+                                    const std::string& fileMain) try {
+  // The merge takes the receiving file first.
+  return MergePDFFiles(fileMain, fileToAppend);
+} catch (...) {
+  return Procedure(label_, "Public Function IRevisionPrinter_AppendFile").Report(false);
 }
 
-std::string PdfRevisionPrinter::P(std::string_view text) const {
+std::string PdfRevisionPrinter::DoPrintLine(std::string_view text) const {
   return std::string(label_) + "::IRevisionPrinter_DoPrint(): " + std::string(text);
 }
 
-std::string PdfRevisionPrinter::Q(std::string_view text) const {
+std::string PdfRevisionPrinter::DoPrintPointLine(std::string_view text) const {
   return std::string(label_) + ".IRevisionPrinter_DoPrint: " + std::string(text);
 }
 
@@ -42,14 +43,14 @@ std::optional<bool> PdfRevisionPrinter::StartDoPrint(const host::HostObjectRef& 
                                                      std::string& target, bool pointPrefix) {
   target = IRevisionPrinterDoPrintCheckAndUpdateParams(document, revisionFolder, fileName, *this);
   if (target.empty()) {
-    WriteTrace(Q("printing revision aborted because parameters are faulty"));
+    WriteTrace(DoPrintPointLine("printing revision aborted because parameters are faulty"));
     return false;
   }
   if (CheckAndCopyPDF(document, target)) {
     const std::string copied =
         std::string("document was a PDF already --> file copied into revision folder; ") +
         "revision successful";
-    WriteTrace(pointPrefix ? Q(copied) : P(copied));
+    WriteTrace(pointPrefix ? DoPrintPointLine(copied) : DoPrintLine(copied));
     return true;
   }
   return std::nullopt;
@@ -58,7 +59,8 @@ std::optional<bool> PdfRevisionPrinter::StartDoPrint(const host::HostObjectRef& 
 bool PdfRevisionPrinter::PrinterReady(const host::HostObjectRef& document,
                                       const std::string& devModeText) {
   if (!device_.IPrinter()) {
-    WriteTrace(Q("printing revision aborted because printer could not been not found"));
+    WriteTrace(
+        DoPrintPointLine("printing revision aborted because printer could not been not found"));
     return false;
   }
   // The checks get the document's workset, read afresh for each, as the
@@ -89,7 +91,7 @@ std::unique_ptr<RevisionFileLock> PdfRevisionPrinter::LockOutputFolder(
       platform::AcquireMachineLock("revision lock " + folder, kMachineLockWaitMs));
   // An answer that is not True (the check failed) counts as locked.
   if (CheckDeleteLockFile(outputFolder, document) != std::optional<bool>(true)) {
-    WriteTrace(Q("revision directory is locked -> aborting"));
+    WriteTrace(DoPrintPointLine("revision directory is locked -> aborting"));
     return nullptr;
   }
   auto lock = std::make_unique<RevisionFileLock>();
@@ -109,41 +111,39 @@ bool AcrobatPrinter::AcrobatDoPrint(const host::HostObjectRef& document,
                                     const std::string& revisionFolder,
                                     const std::string& fileName) {
   std::unique_ptr<RevisionFileLock> lock;
-  // After an error the cleanup still runs, so that the lock never stays.
-  return Procedure(ClassLabelOf(), "Function IRevisionPrinter_DoPrint")
-      .GuardWithCleanup(
-          false,
-          [&](bool& result) {
-            std::string target;
-            if (const auto done = StartDoPrint(document, revisionFolder, fileName, target, true)) {
-              result = *done;
-              return Then::kReturn;
-            }
-            // For its side effects: the printer chosen, the job-control flag.
-            CheckPrnSettings();
-            if (!PrinterReady(document, "")) return Then::kReturn;
-            const std::string outputFolder = GetArcobatPrnOutputDirectory(device_.Name());
-            lock = LockOutputFolder(outputFolder, document);
-            if (!lock) return Then::kCleanup;
-            std::string outputFile;
-            BeforePrinting(document, outputFile);
-            // The prompt names the archive: the target goes where the
-            // printer's name would.
-            if (!IRevisionPrinterDoPrint(document, target, device_.IPrinter())) {
-              return Then::kCleanup;
-            }
-            result = CollectPrintedFile(document, outputFolder, outputFile, target);
-            return Then::kCleanup;
-          },
-          [&](bool&) {
-            IgnoreErrors([&] { WriteTrace(P("cleaning up after revisioning...")); },
-                         [&] {
-                           if (lock) AnnounceLockDeletion();
-                         },
-                         [&] {
-                           if (lock) lock->DeleteLock(document);
-                         });
-          });
+  bool result = false;
+  try {
+    std::string target;
+    if (const auto done = StartDoPrint(document, revisionFolder, fileName, target, true)) {
+      return *done;
+    }
+    // For its side effects: the printer chosen, the job-control flag.
+    CheckPrnSettings();
+    if (!PrinterReady(document, "")) return false;
+    const std::string outputFolder = GetArcobatPrnOutputDirectory(device_.Name());
+    lock = LockOutputFolder(outputFolder, document);
+    if (lock) {
+      std::string outputFile;
+      BeforePrinting(document, outputFile);
+      // The prompt names the archive: the target goes where the printer's
+      // name would.
+      if (IRevisionPrinterDoPrint(document, target, device_.IPrinter())) {
+        result = CollectPrintedFile(document, outputFolder, outputFile, target);
+      }
+    }
+  } catch (...) {
+    // Reported first; the cleanup below still runs, so that the lock
+    // never stays.
+    Procedure(ClassLabelOf(), "Function IRevisionPrinter_DoPrint").Report();
+  }
+  IgnoreErrors([&] { WriteTrace(DoPrintLine("cleaning up after revisioning...")); },
+               [&] {
+                 if (lock) AnnounceLockDeletion();
+               },
+               [&] {
+                 if (lock) lock->DeleteLock(document);
+               });
+  return result;
 }
 
 }  // namespace kestrivon

@@ -26,9 +26,10 @@ class PdfRevisionPrinter : public RevisionPrinterFrame {
  protected:
   explicit PdfRevisionPrinter(const char* classLabel) : label_(classLabel) {}
 
-  // The two forms of DoPrint's trace prefix: "::...(): " and ".…: ".
-  [[nodiscard]] std::string P(std::string_view text) const;
-  [[nodiscard]] std::string Q(std::string_view text) const;
+  // DoPrint's trace lines in their two forms: the class label, then
+  // "::IRevisionPrinter_DoPrint(): " or ".IRevisionPrinter_DoPrint: ".
+  [[nodiscard]] std::string DoPrintLine(std::string_view text) const;
+  [[nodiscard]] std::string DoPrintPointLine(std::string_view text) const;
 
   // The request checked (target built) and a document that is a PDF
   // already copied, the short cut traced with the prefix given. Empty when

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "frame/ClassFrame.h"
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 #include "printers/PrinterCatalogue.h"
 #include "runtime/ErrorHandler.h"
@@ -21,42 +22,41 @@ PrnDevice& VemraTiff::Device() {
   return *device_;
 }
 
-bool VemraTiff::InitPrnSettings() {
-  return Procedure(kClassLabel, "InitPrnSettings").Guard(false, [&] {
-    if (Device().Name().empty()) {
-      Device().SetFirstFilePrinter(kPrinterNames);
-    }
-    return !Device().Name().empty();
-  });
+bool VemraTiff::InitPrnSettings() try {
+  if (Device().Name().empty()) {
+    Device().SetFirstFilePrinter(kPrinterNames);
+  }
+  return !Device().Name().empty();
+} catch (...) {
+  return Procedure(kClassLabel, "InitPrnSettings").Report(false);
 }
 
-std::string VemraTiff::CheckPrnSettings() {
-  return Procedure(kClassLabel, "Function IRevisionPrinter_CheckPrnSettings")
-      .Guard(std::string(), [] { return std::string(); });
-}
+std::string VemraTiff::CheckPrnSettings() { return std::string(); }
 
 bool VemraTiff::IsPrinterAvailable() {
   // Without a context no message box can appear.
-  return Procedure(kClassLabel, "Function IRevisionPrinter_IsPrinterAvailable").Guard(false, [&] {
+  try {
     return Device().IsPrinterAvailable(nullptr);
-  });
+  } catch (...) {
+    return Procedure(kClassLabel, "Function IRevisionPrinter_IsPrinterAvailable").Report(false);
+  }
 }
 
 bool VemraTiff::DoPrint(const host::HostObjectRef& /*document*/,
                         const host::HostObjectRef& /*owner*/, const std::string& /*revisionFolder*/,
                         const std::string& /*fileName*/) {
   static constexpr const char* kLabel = "IRevisionPrinter_DoPrint";
-  return Procedure(kClassLabel, kLabel).Guard(false, [] {
+  try {
     // Prints nothing; the pending error, which is none, goes to the report.
     TraceServiceObject().LogError(ErrorInfo{}, kClassLabel, kLabel);
     return false;
-  });
+  } catch (...) {
+    return Procedure(kClassLabel, kLabel).Report(false);
+  }
 }
 
 bool VemraTiff::AppendFile(const std::string& /*fileToAppend*/, const std::string& /*fileMain*/) {
-  return Procedure(kClassLabel, " Function IRevisionPrinter_AppendFile").Guard(false, [] {
-    return false;
-  });
+  return false;
 }
 
 }  // namespace kestrivon

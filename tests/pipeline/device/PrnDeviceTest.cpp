@@ -111,8 +111,9 @@ TEST_F(Device, TheUserIsToldOrAskedOnlyWhenInteractionIsAllowed) {
     if (row.silent) continue;
     const auto& box = host.messageBoxes[0];
     EXPECT_EQ(box.buttons, row.selected ? 36 : 80);
-    EXPECT_EQ(box.prompt, row.selected ? messages::k05d3b : messages::k05d3a);
-    EXPECT_EQ(box.title, row.selected ? messages::k01d8c : "");
+    EXPECT_EQ(box.prompt, row.selected ? messages::kPrinterNotReadyGoOn
+                                       : messages::kRevisionPrinterNotInstalled);
+    EXPECT_EQ(box.title, row.selected ? messages::kRevisionPrinterTitle : "");
   }
   EXPECT_EQ(policiesMade, 1) << "kept for the process";
   EXPECT_EQ(policy->asked.size(), 5u);
@@ -172,7 +173,9 @@ TEST_F(Device, ASingleQueuedJobFailsAfterHalfASecondWhateverTheRecountFinds) {
 
 TEST_F(Device, AFullQueueIsShownOnlyWhenTheWorksetAsksForMessages) {
   const std::string traced = kL + "::IsPrinterQueueEmpty(): printer queue is not empty.";
-  host.translations = {{messages::k03b09, "once"}, {"once", "twice"}, {messages::k03b0a, "title"}};
+  host.translations = {{messages::kQueueNotEmpty, "once"},
+                       {"once", "twice"},
+                       {messages::kRevisionPrinterCaption, "title"}};
   pp::DefinePrinter("PDF", {0, 2});
   Select();
   for (const auto& [setting, shown] : std::vector<std::pair<Variant, bool>>{
