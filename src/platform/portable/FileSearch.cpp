@@ -18,8 +18,6 @@ namespace kestrivon::platform {
 namespace portable {
 namespace {
 
-constexpr uint32_t kErrorFileNotFound = 2;
-constexpr uint32_t kErrorInvalidHandle = 6;
 constexpr uint32_t kFileAttributeArchive = 0x20;
 
 // A search holds the matching names only, in one buffer, in the order it
