@@ -99,6 +99,13 @@ TEST(ProcessesConformance, AProgramThatDoesNotExistIsNotStarted) {
   EXPECT_EQ(GetLastError(), 2u);
   EXPECT_EQ(ExitCodeOf("\"C:\\no such\\prog.exe\" a"), -1);
   EXPECT_EQ(GetLastError(), 2u);
+  // A command line takes at most 32 766 characters; a longer one is
+  // refused before any program is looked for.
+  const std::string program = "\"C:\\no such\\prog.exe\" ";
+  for (const size_t length : {32766, 32767}) {
+    EXPECT_EQ(ExitCodeOf(program + std::string(length - program.size(), 'x')), -1);
+    EXPECT_EQ(GetLastError(), length < 32767 ? 2u : 87u) << length;
+  }
 }
 
 TEST(ProcessesConformance, ArgumentsFollowTheRunTimeRules) {

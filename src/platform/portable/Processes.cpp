@@ -218,6 +218,14 @@ bool CreateProcessA(const std::string& commandLine, bool inheritHandles, uint32_
                     const StartupInfo& startup, ProcessInformation* information) {
   portable::ReapOrphans();
   portable::Table().lastCall = {commandLine, inheritHandles, creationFlags, startup};
+  // Windows takes at most 32 766 characters and refuses a longer command
+  // before it looks for its program (which, word by word, would take time
+  // in proportion to the words times the length).
+  constexpr size_t kMaxCommandLine = 32766;
+  if (portable::CharacterCount(commandLine) > kMaxCommandLine) {
+    portable::SetLastError(portable::kErrorInvalidParameter);
+    return false;
+  }
   size_t end = 0;
   std::string token = portable::ProgramToken(commandLine, &end);
   std::string program = token.empty() ? std::string() : portable::FindProgram(token);
