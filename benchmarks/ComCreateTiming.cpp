@@ -112,11 +112,10 @@ bool AskForConfigDirectory(ITraceService* service) {
   for (VARIANT* v : {&workset, &globals, &exists, &name}) ::VariantInit(v);
   name.vt = VT_BSTR;
   name.bstrVal = ::SysAllocString(L"ConfigDirectory");
-  const bool asked = Late(application, L"Workset", nullptr, 0, &workset) &&
-                     workset.vt == VT_DISPATCH &&
-                     Late(workset.pdispVal, L"Globals", nullptr, 0, &globals) &&
-                     globals.vt == VT_DISPATCH &&
-                     Late(globals.pdispVal, L"Exist", &name, 1, &exists);
+  const bool asked =
+      Late(application, L"Workset", nullptr, 0, &workset) && workset.vt == VT_DISPATCH &&
+      Late(workset.pdispVal, L"Globals", nullptr, 0, &globals) && globals.vt == VT_DISPATCH &&
+      Late(globals.pdispVal, L"Exist", &name, 1, &exists);
   for (VARIANT* v : {&workset, &globals, &exists, &name}) ::VariantClear(v);
   application->Release();
   return asked;

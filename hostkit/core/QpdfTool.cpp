@@ -104,8 +104,8 @@ bool Judge(DWORD code, const std::string& errors, std::string& why, bool warning
 
 // Under Wine: /bin/sh runs qpdf and then writes the exit code into a marker
 // file, which appears whole (renamed into place).
-bool RunUnderWine(const std::vector<QpdfArgument>& arguments, std::string& why,
-                  std::string* output, bool warningsFail) {
+bool RunUnderWine(const std::vector<QpdfArgument>& arguments, std::string& why, std::string* output,
+                  bool warningsFail) {
   const std::string base = RunFileBase();
   const std::string marker = base + ".done";
   const std::string outFile = base + ".out";
@@ -159,8 +159,8 @@ std::string WindowsQpdf(std::string& why) {
   return platform::win::FromWide(found);
 }
 
-bool RunOnWindows(const std::vector<QpdfArgument>& arguments, std::string& why,
-                  std::string* output, bool warningsFail) {
+bool RunOnWindows(const std::vector<QpdfArgument>& arguments, std::string& why, std::string* output,
+                  bool warningsFail) {
   const std::string program = WindowsQpdf(why);
   if (program.empty()) return false;
   std::string commandLine = WindowsQuoted(program);

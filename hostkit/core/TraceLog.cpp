@@ -99,8 +99,9 @@ void CloseLogFile(std::intptr_t file) { ::CloseHandle(reinterpret_cast<HANDLE>(f
 
 uint64_t FileSize(std::intptr_t file) {
   LARGE_INTEGER size;
-  return ::GetFileSizeEx(reinterpret_cast<HANDLE>(file), &size) ? static_cast<uint64_t>(size.QuadPart)
-                                                                  : 0;
+  return ::GetFileSizeEx(reinterpret_cast<HANDLE>(file), &size)
+             ? static_cast<uint64_t>(size.QuadPart)
+             : 0;
 }
 
 uint64_t ProcessNumber() { return ::GetCurrentProcessId(); }

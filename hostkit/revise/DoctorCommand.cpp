@@ -123,7 +123,6 @@ void WriteFinding(std::ostream& out, const SettingFinding& f) {
       << f.needed << '\n';
 }
 
-
 }  // namespace
 
 void WriteTable(std::ostream& out, const DoctorReport& report) {
@@ -317,8 +316,9 @@ int LocksMain(const std::vector<std::string>& args, std::ostream& out, std::ostr
   bool removeStale = false;
   app.add_option("folder", folderText, "the driver's output folder")->required();
   app.add_flag("--remove-stale", removeStale, "remove the stale lock files, never a live one");
-  app.footer("Exit status: 0 done, 1 a stale lock could not be removed, 2 bad arguments or a "
-             "folder that does not exist.");
+  app.footer(
+      "Exit status: 0 done, 1 a stale lock could not be removed, 2 bad arguments or a "
+      "folder that does not exist.");
   if (const auto status = Parse(app, args, out, err)) return *status;
   const std::optional<std::string> folder = folderText;
   // A folder that is not there holds no locks, but saying so would hide a

@@ -87,8 +87,8 @@ void AddReviseOptions(CLI::App& app, ReviseOptions& options, OptionalTexts& text
                  "revision folder handed to DoPrint (may be empty: \"\")")
       ->required();
   app.add_option("--name", options.fileName, "archive file name without extension")->required();
-  auto* append = app.add_option("--append", texts.appendFile,
-                                "afterwards, AppendFile(<file>, <archive>)");
+  auto* append =
+      app.add_option("--append", texts.appendFile, "afterwards, AppendFile(<file>, <archive>)");
   app.add_option("--append-to", texts.appendTo,
                  "the archive for --append (default: folder + name + the class's Extension)")
       ->needs(append);

@@ -74,7 +74,7 @@ std::uintmax_t LogSize(const std::filesystem::path& path) {
 
 // The log's entries written since from, each split into its fields.
 std::vector<std::vector<std::string>> EntriesSince(const std::filesystem::path& path,
-                                                  std::uintmax_t from) {
+                                                   std::uintmax_t from) {
   std::vector<std::vector<std::string>> entries;
   std::ifstream in(path, std::ios::binary);
   if (!in) return entries;
@@ -89,10 +89,10 @@ std::vector<std::vector<std::string>> EntriesSince(const std::filesystem::path& 
 
 // Whether a trace line tells of a failure rather than of progress.
 bool TellsOfFailure(const std::string& line) {
-  static const char* const kWords[] = {"abort",     "fail",          "could not", "not found",
-                                       "not exist", "locked",        "not ready", "not installed",
-                                       "Nothing",   "not specified", "not set",   "exceeded",
-                                       "not supported"};
+  static const char* const kWords[] = {
+      "abort",   "fail",      "could not",     "not found", "not exist",
+      "locked",  "not ready", "not installed", "Nothing",   "not specified",
+      "not set", "exceeded",  "not supported"};
   const std::string lower = LowerAscii(line);
   for (const char* word : kWords) {
     if (lower.find(LowerAscii(word)) != std::string::npos) return true;
@@ -145,8 +145,8 @@ bool AskBoolean(std::ostream& out, std::string_view operation, const std::functi
   return Ask<bool>(out, operation, call, Boolean).value_or(false);
 }
 
-int RunRevision(const ReviseOptions& options, ReviseBackend& backend,
-                std::ostream& out, std::ostream& err) {
+int RunRevision(const ReviseOptions& options, ReviseBackend& backend, std::ostream& out,
+                std::ostream& err) {
   for (const auto& [name, value] : HostKitEnvironment(options)) backend.SetVariable(name, value);
   // The print world's drivers tell what DoPrint waits for.
   backend.SetVariable(kProgressVariable, "1");
@@ -199,8 +199,8 @@ int RunRevision(const ReviseOptions& options, ReviseBackend& backend,
   askBoolean("SetPrnDefaults", [&] { return printer.SetPrnDefaults(); });
   // With --document the printer gets the host kit's document and its owner,
   // else none, as for a document without a file.
-  const bool printed =
-      askBoolean("DoPrint", [&] { return printer.DoPrint(options.revisionFolder, options.fileName); });
+  const bool printed = askBoolean(
+      "DoPrint", [&] { return printer.DoPrint(options.revisionFolder, options.fileName); });
   const std::string archive = ArchiveName(options, extension.value_or(""));
   if (printed) ShowArchive(out, archive);
   bool appended = true;

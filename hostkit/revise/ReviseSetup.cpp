@@ -1,7 +1,6 @@
 #include "revise/ReviseSetup.h"
 
 #include <CLI/CLI.hpp>
-
 #include <fstream>
 #include <iterator>
 #include <set>
@@ -39,7 +38,8 @@ std::string FamiliesText() {
     text += "  ";
     text += name;
     text += ":";
-    for (const auto& setting : DriverFamilySettings(*ParseDriverFamily(name))) text += " " + setting;
+    for (const auto& setting : DriverFamilySettings(*ParseDriverFamily(name)))
+      text += " " + setting;
     text += "\n";
   }
   return text;

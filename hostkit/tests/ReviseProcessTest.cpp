@@ -1,13 +1,12 @@
 // vemra-revise run as the administrator runs it: a separate process, its
 // exit status, what it prints and what lands in the trace log.
 #include <gtest/gtest.h>
-
-#include "KestrivonVersion.h"
 #include <sys/wait.h>
 
 #include <cstdlib>
 #include <map>
 
+#include "KestrivonVersion.h"
 #include "TestSupport.h"
 #include "core/Settings.h"
 #include "core/TiffMerge.h"
@@ -171,7 +170,8 @@ TEST_F(VemraRevise, RevisesASampleDocumentIntoAPdfAndShowsTheArchive) {
   EXPECT_TRUE(Contains(run.out, " bytes, 3 pages\nReleased\n")) << run.out;
   EXPECT_TRUE(Contains(run.err, "waiting for Vemra Adobe PDF to write ")) << run.err;
   // The waits the component must make are named as they happen.
-  EXPECT_TRUE(Contains(run.err, "revision sleeper: 2000 ms between looks at the printer")) << run.err;
+  EXPECT_TRUE(Contains(run.err, "revision sleeper: 2000 ms between looks at the printer"))
+      << run.err;
   EXPECT_TRUE(Contains(run.err, "one more 500 ms pause before the copy")) << run.err;
 }
 

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "comkit/Bstr.h"
-#include "runtime/ErrorHandler.h"
 #include "host/win/ComHostObject.h"
+#include "runtime/ErrorHandler.h"
 
 namespace kestrivon::com {
 namespace {

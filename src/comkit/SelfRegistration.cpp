@@ -57,8 +57,7 @@ LSTATUS DeleteTree(const std::wstring& path) {
 
 bool KeyExists(const std::wstring& path) {
   OwnedRegKey key;
-  return ::RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_READ, key.Put()) ==
-         ERROR_SUCCESS;
+  return ::RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_READ, key.Put()) == ERROR_SUCCESS;
 }
 
 // Resource 1 is the DLL's own library, registered under the DLL's path;

@@ -4,15 +4,15 @@
 #include <array>
 #include <memory>
 
-#include "frame/RevisionPrinter.h"
 #include "frame/ModuleState.h"
+#include "frame/Procedure.h"
+#include "frame/RevisionPrinter.h"
 #include "frame/trace/Trace.h"
 #include "host/Documents.h"
 #include "pipeline/PipelineTexts.h"
 #include "platform/Clock.h"
 #include "platform/FileSearch.h"
 #include "platform/FileSystemErrors.h"
-#include "frame/Procedure.h"
 #include "runtime/Text.h"
 #include "runtime/VbStrings.h"
 #include "services/OutputFileWaiting.h"
@@ -28,9 +28,7 @@ constexpr int32_t kStatusPrinting = 0x400;
 constexpr int64_t kOutputSearchMinutes = 2;
 constexpr const char* kFetchPurpose = "Revision";
 
-std::shared_ptr<host::DocumentFileHelper>& FileHelperSlot() {
-  return Module().documentFileHelper;
-}
+std::shared_ptr<host::DocumentFileHelper>& FileHelperSlot() { return Module().documentFileHelper; }
 
 // The name of the document's type object, fetched afresh on each call.
 std::string TypeName(const host::HostObjectRef& document) {
@@ -87,8 +85,7 @@ std::optional<bool> IsPackage(const host::HostObjectRef& document) try {
   if (!type || Required(host::AsVemraObject(type)).Name() != "Package") {
     return std::optional<bool>();
   }
-  WriteTrace(
-      "VemraKestrivon::Globals::IsPackage(): document is package and cannot be revisioned");
+  WriteTrace("VemraKestrivon::Globals::IsPackage(): document is package and cannot be revisioned");
   return std::optional<bool>(true);
 } catch (...) {
   return Procedure(kGlobalsLabel, "IsPackage").Report(std::optional<bool>());

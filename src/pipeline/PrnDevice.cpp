@@ -4,13 +4,13 @@
 #include <limits>
 
 #include "frame/ModuleState.h"
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 #include "host/Documents.h"
 #include "host/Workset.h"
 #include "pipeline/PrintJobDriver.h"
 #include "platform/Clock.h"
 #include "platform/Spooler.h"
-#include "frame/Procedure.h"
 #include "runtime/RunTimeError.h"
 #include "runtime/Variant.h"
 #include "services/MessageTexts.h"
@@ -76,9 +76,7 @@ bool PrnDevice::SetFirstFilePrinter(std::span<const char* const> names) {
   return false;
 }
 
-host::HostObjectRef PrnDevice::IPrinter() {
-  return printer_;
-}
+host::HostObjectRef PrnDevice::IPrinter() { return printer_; }
 
 std::shared_ptr<host::PrinterManager> PrnDevice::PrinterManager() try {
   if (!manager_) manager_ = host::CreatePrinterManager();
@@ -88,9 +86,7 @@ std::shared_ptr<host::PrinterManager> PrnDevice::PrinterManager() try {
       .Report(std::shared_ptr<host::PrinterManager>());
 }
 
-std::string PrnDevice::Name() {
-  return name_;
-}
+std::string PrnDevice::Name() { return name_; }
 
 void PrnDevice::Shutdown() try {
   if (printer_) {
@@ -118,8 +114,7 @@ bool PrnDevice::IsPrinterAvailable(const host::HostObjectRef& context) try {
     return false;
   }
   const int32_t status = PrinterOf(printer_)->CurrentStatus();
-  WriteTrace(prefix + ": vemra_printlib.IPrinter.CurrentStatus: '" + std::to_string(status) +
-             "'");
+  WriteTrace(prefix + ": vemra_printlib.IPrinter.CurrentStatus: '" + std::to_string(status) + "'");
   const bool ready = (status & kNotReadyMask) == 0;
   WriteTrace(prefix + ": " + BoolText(ready) + "(status: " + std::to_string(status) + ")");
   if (ready) return true;
@@ -238,8 +233,7 @@ bool PrnDevice::IsPrinterQueueEmptyPriv(bool retry) try {
     IsPrinterQueueEmptyPriv(true);
   }
   if (retry) {
-    WriteTrace(prefix + "printer queue still holds " +
-               "print jobs. -> Revision will be aborted!");
+    WriteTrace(prefix + "printer queue still holds " + "print jobs. -> Revision will be aborted!");
   } else {
     WriteTrace(prefix + "printer queue holds " + "1" +
                " print job(s). -> Revision will be aborted!");

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 #include "host/Documents.h"
 #include "pipeline/PipelineTexts.h"
@@ -10,7 +11,6 @@
 #include "platform/FileSearch.h"
 #include "platform/FileSystem.h"
 #include "platform/SystemNames.h"
-#include "frame/Procedure.h"
 #include "runtime/Text.h"
 #include "runtime/VbStrings.h"
 #include "services/MessageTexts.h"

@@ -153,14 +153,13 @@ bool CheckCreateOutputFolder(const std::string& path) {
         lastDot > lastSlash ? vb::Left(path, static_cast<long long>(lastSlash) - 1) : path;
     // Appended even after a trailing backslash: C:\a\ becomes C:\a\\.
     folder += "\\";
-    WriteTrace("VemraKestrivon::Globals::CheckCreateOutputFolder(): checking whether '" +
-               folder + "' exists...");
+    WriteTrace("VemraKestrivon::Globals::CheckCreateOutputFolder(): checking whether '" + folder +
+               "' exists...");
     const size_t start = vb::Left(folder, 2) == "\\\\" ? 3 : 4;
     size_t position = vb::InStr(start, folder, "\\");
     while (position > 0) {
       const std::string prefix = vb::Left(folder, static_cast<long long>(position) - 1);
-      WriteTrace("VemraKestrivon::Globals::CheckCreateOutputFolder(): checking '" + prefix +
-                 "'");
+      WriteTrace("VemraKestrivon::Globals::CheckCreateOutputFolder(): checking '" + prefix + "'");
       if (!platform::FolderExists(prefix)) {
         if (!platform::CreateFolder(prefix)) break;
       }

@@ -1,11 +1,11 @@
 #include "services/RegistrySettings.h"
 
 #include "frame/ModuleState.h"
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 #include "platform/AnsiText.h"
 #include "platform/ProfileFiles.h"
 #include "platform/Registry.h"
-#include "frame/Procedure.h"
 
 namespace kestrivon {
 namespace {

@@ -1,8 +1,8 @@
 #include "services/RevisionMessages.h"
 
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 #include "host/Documents.h"
-#include "frame/Procedure.h"
 #include "runtime/RunTimeError.h"
 
 namespace kestrivon {

@@ -1,7 +1,7 @@
 #include "services/WorksetAccess.h"
 
-#include "frame/trace/Trace.h"
 #include "frame/Procedure.h"
+#include "frame/trace/Trace.h"
 
 namespace kestrivon {
 

@@ -87,9 +87,17 @@ TEST(FileSearchConformance, EntriesComeInNameOrderWithoutRegardToCase) {
     WriteWholeFile(folder / name, "x");
   }
   MakeFolder(folder / "B-dir");
-  const std::vector<std::string> expected = {
-      ".", "..", "a-common-prefix-1.pdf", "A-COMMON-prefix-10.pdf", "a-common-prefix-2.pdf",
-      "A.pdf", "B-dir", "b.pdf", "c", "c.d", "Z9.txt"};
+  const std::vector<std::string> expected = {".",
+                                             "..",
+                                             "a-common-prefix-1.pdf",
+                                             "A-COMMON-prefix-10.pdf",
+                                             "a-common-prefix-2.pdf",
+                                             "A.pdf",
+                                             "B-dir",
+                                             "b.pdf",
+                                             "c",
+                                             "c.d",
+                                             "Z9.txt"};
   for (const EntryDetail detail : {EntryDetail::kFull, EntryDetail::kNameAndKind}) {
     SCOPED_TRACE(detail == EntryDetail::kFull ? "full" : "names and kinds");
     std::vector<std::string> names;

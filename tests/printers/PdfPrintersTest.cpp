@@ -12,11 +12,11 @@
 #include "host/portable/Workset.h"
 #include "platform/Environment.h"
 #include "platform/Shell.h"
+#include "platform/TempFiles.h"
 #include "platform/portable/Registry.h"
 #include "platform/portable/Shell.h"
 #include "platform/portable/Spooler.h"
 #include "platform/portable/SystemNames.h"
-#include "platform/TempFiles.h"
 #include "platform/portable/TempFiles.h"
 #include "printers/PrinterCatalogue.h"
 #include "printers/pdf/AcrobatDistiller.h"
@@ -53,12 +53,11 @@ class PdfPrinters : public PipelineTest {
     pp::ClearRegistry();
     ResetModule(ModuleReset::kUnload);
     host.copiesFiles = true;
-    host.InstallHostClasses(
-        {.docFctDist = [this] { return docFctDist; },
-         .printerManager = [this] { return manager; },
-         .uiPolicy = [this] { return policy; },
-         .pdfMerge = [] { return std::make_shared<hostkit::PdfMerge>(); },
-         .documentFileHelper = [this] { return fileHelper; }});
+    host.InstallHostClasses({.docFctDist = [this] { return docFctDist; },
+                             .printerManager = [this] { return manager; },
+                             .uiPolicy = [this] { return policy; },
+                             .pdfMerge = [] { return std::make_shared<hostkit::PdfMerge>(); },
+                             .documentFileHelper = [this] { return fileHelper; }});
     document->workset = workset;
     pp::SetShellFolder(platform::kCsidlPersonal, folder / "Eigene Dateien");
     for (const char* made : {"out", "rev", "Eigene Dateien", "bob", "temp"}) {

@@ -1,8 +1,8 @@
 #include "RecordingHost.h"
-#include "frame/ModuleState.h"
 
 #include <algorithm>
 
+#include "frame/ModuleState.h"
 #include "frame/trace/Trace.h"
 #include "host/portable/HostActivation.h"
 #include "platform/Clock.h"

@@ -65,8 +65,8 @@ ComPtr<IDispatch> NewDocument() {
   CLSID clsid;
   Check(::CLSIDFromProgID(L"VemraHostKit.Document", &clsid));
   ComPtr<IDispatch> document;
-  Check(::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
-                           document.PutVoid()));
+  Check(
+      ::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, document.PutVoid()));
   return document;
 }
 
@@ -166,10 +166,11 @@ class ComBackend final : public revise::ReviseBackend {
     // One of the component's classes by its name in any case, as the
     // catalogue spells it; any other name as it is given.
     const PrinterClass* known = FindPrinterClass(printerClass);
-    const std::string progId =
-        known != nullptr ? std::string(kLibraryName) + "." + std::string(known->name)
-        : printerClass.find('.') == std::string::npos ? std::string(kLibraryName) + "." + printerClass
-                                                      : printerClass;
+    const std::string progId = known != nullptr
+                                   ? std::string(kLibraryName) + "." + std::string(known->name)
+                               : printerClass.find('.') == std::string::npos
+                                   ? std::string(kLibraryName) + "." + printerClass
+                                   : printerClass;
     if (!initialised_) return {nullptr, CreateFailure::kNotCreated, progId, "COM did not start"};
     CLSID clsid{};
     const std::wstring wideProgId = ToWide(progId);

@@ -21,8 +21,8 @@
 #include "VemraVBInterface.h"
 #include "com/ClassIdentities.h"
 #include "comkit/ComPtr.h"
-#include "runtime/ErrorHandler.h"
 #include "platform/win/Text.h"
+#include "runtime/ErrorHandler.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <string>
 
+#include "frame/Procedure.h"
 #include "printers/harp/HARPConfiguration.h"
 #include "printers/harp/PrinterTrace.h"
-#include "frame/Procedure.h"
 #include "runtime/VbStrings.h"
 #include "services/ExternalProcess.h"
 #include "services/IniFiles.h"
@@ -112,9 +112,9 @@ bool HARPConfiguration::ExecuteConvertCommand(const PageDescription& page,
   if (!SyncShell(command, static_cast<int32_t>(milliseconds), false, true)) {
     Trace(kTraceInformation,
           "VemraKestrivon::HARPConfiguration::ExecuteConvertCommand():" + std::string(kCrLf) +
-              "\t- 'Globals.SyncShell()' failed." + kCrLf + "\t- sCommandLine= '" + command +
-              "'" + kCrLf + "\t- lngMilliSecondsTimeOut= '" + std::to_string(milliseconds) + "'" +
-              kCrLf + "\t- blnWaitForInputIdle= False" + kCrLf + "\t- blnHidden=True" + kCrLf);
+              "\t- 'Globals.SyncShell()' failed." + kCrLf + "\t- sCommandLine= '" + command + "'" +
+              kCrLf + "\t- lngMilliSecondsTimeOut= '" + std::to_string(milliseconds) + "'" + kCrLf +
+              "\t- blnWaitForInputIdle= False" + kCrLf + "\t- blnHidden=True" + kCrLf);
     return false;
   }
   return true;

@@ -1,10 +1,10 @@
 #include "printers/harp/HARPConfiguration.h"
 
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 #include "platform/Environment.h"
 #include "platform/FileSearch.h"
 #include "printers/harp/PrinterTrace.h"
-#include "frame/Procedure.h"
 #include "runtime/Variant.h"
 #include "runtime/VbStrings.h"
 #include "services/IniFiles.h"
@@ -85,21 +85,15 @@ void HARPConfiguration::SetPrinterTrace() try {
   Procedure(kClassLabel, "SetPrinterTrace").Report();
 }
 
-std::string HARPConfiguration::PrinterSettingsErrorSummary() {
-  return errorSummary_;
-}
+std::string HARPConfiguration::PrinterSettingsErrorSummary() { return errorSummary_; }
 
 void HARPConfiguration::AppendToPrinterSettingsErrorSummary(const std::string& message) {
   errorSummary_ += message;
 }
 
-bool HARPConfiguration::ConfigFileLoaded() {
-  return configFileLoaded_;
-}
+bool HARPConfiguration::ConfigFileLoaded() { return configFileLoaded_; }
 
-std::string HARPConfiguration::PrinterName() {
-  return printerName_;
-}
+std::string HARPConfiguration::PrinterName() { return printerName_; }
 
 std::string HARPConfiguration::PrinterRedirection() try {
   return PlaceHolderSubstitution(printerRedirection_);
@@ -149,9 +143,7 @@ void HARPConfiguration::SetVemraSystemUID(const std::string& value) try {
   Procedure(kClassLabel, "VemraSystemUID[PropertyGet]").Report();
 }
 
-double HARPConfiguration::PaperSizeConversionFactor() {
-  return paperSizeFactor_;
-}
+double HARPConfiguration::PaperSizeConversionFactor() { return paperSizeFactor_; }
 
 bool HARPConfiguration::LoadSettingsFromIniFile(const std::string& ini) try {
   Trace(kTraceInformation, kLoad + "Reading ini-file...");

@@ -2,11 +2,11 @@
 
 #include <vector>
 
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 #include "pipeline/PdfMerging.h"
 #include "platform/FileSystem.h"
 #include "printers/harp/PrinterTrace.h"
-#include "frame/Procedure.h"
 #include "runtime/Text.h"
 #include "runtime/VbStrings.h"
 #include "services/MessageTexts.h"
@@ -108,16 +108,12 @@ std::string VemraHARP::CheckPrnSettings() {
   }
 }
 
-bool VemraHARP::IsPrinterAvailable() try {
-  return Device().IsPrinterReady();
-} catch (...) {
+bool VemraHARP::IsPrinterAvailable() try { return Device().IsPrinterReady(); } catch (...) {
   return Procedure(kClassLabel, "Private Function IRevisionPrinter_IsPrinterAvailable")
       .Report(false);
 }
 
-bool VemraHARP::SetPrnDefaults() {
-  return true;
-}
+bool VemraHARP::SetPrnDefaults() { return true; }
 
 bool VemraHARP::DoPrint(const host::HostObjectRef& document, const host::HostObjectRef& owner,
                         const std::string& /*revisionFolder*/, const std::string& /*fileName*/) {
@@ -148,16 +144,12 @@ bool VemraHARP::AppendFile(const std::string& fileToAppend, const std::string& f
   }
 }
 
-std::string VemraHARP::Extension() try {
-  return Configuration().RevisionExtension();
-} catch (...) {
+std::string VemraHARP::Extension() try { return Configuration().RevisionExtension(); } catch (...) {
   return Procedure(kClassLabel, "Private Property Get IRevisionPrinter_Extension")
       .Report(std::string());
 }
 
-int32_t VemraHARP::Version() {
-  return int32_t{1};
-}
+int32_t VemraHARP::Version() { return int32_t{1}; }
 
 bool VemraHARP::GenericMergeTiffFiles(const std::string& srcFile, const std::string& trgtFile) try {
   const bool targetExists = FileExists(trgtFile);
@@ -179,8 +171,7 @@ bool VemraHARP::GenericMergeTiffFiles(const std::string& srcFile, const std::str
   platform::DeleteFileWithForce(temporary, false);
   return result;
 } catch (...) {
-  return Procedure(kClassLabel,
-                   "Function GenericMergeTiffFiles(srcFile (String)trgtFile (String))")
+  return Procedure(kClassLabel, "Function GenericMergeTiffFiles(srcFile (String)trgtFile (String))")
       .Report(false);
 }
 

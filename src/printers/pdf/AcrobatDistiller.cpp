@@ -3,11 +3,11 @@
 #include <string>
 
 #include "frame/ClassFrame.h"
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 #include "pipeline/PrintJobDriver.h"
 #include "printers/PrinterCatalogue.h"
 #include "printers/pdf/AcrobatSettings.h"
-#include "frame/Procedure.h"
 #include "services/MessageTexts.h"
 
 namespace kestrivon {

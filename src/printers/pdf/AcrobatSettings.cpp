@@ -2,13 +2,13 @@
 
 #include <optional>
 
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 #include "host/HostObject.h"
 #include "platform/AnsiText.h"
 #include "platform/FileSystem.h"
 #include "platform/Shell.h"
 #include "platform/SystemNames.h"
-#include "frame/Procedure.h"
 #include "runtime/Text.h"
 #include "runtime/VbStrings.h"
 #include "services/MessageTexts.h"
@@ -193,8 +193,7 @@ std::vector<SettingFinding> AcrobatSettingFindings(const std::string& printerNam
     }
   }
   const std::string port = ReadPort(key);
-  if (const auto folder = CheckedPortFolder(port);
-      folder && !platform::FolderExists(*folder)) {
+  if (const auto folder = CheckedPortFolder(port); folder && !platform::FolderExists(*folder)) {
     findings.push_back(
         {machine + key + kDriverData, "Port", port,
          "an existing folder followed by *.pdf (folder '" + *folder + "' does not exist)"});
@@ -228,9 +227,7 @@ std::string GetArcobatPrnOutputDirectory(const std::string& printerName) try {
   return Procedure(kGlobalsLabel, "Sub GetArcobatPrnOutputDirectory").Report(std::string());
 }
 
-bool IsAcrbVer5() try {
-  return ExistKey(kHKeyLocalMachine, kDistiller5Key);
-} catch (...) {
+bool IsAcrbVer5() try { return ExistKey(kHKeyLocalMachine, kDistiller5Key); } catch (...) {
   return Procedure(kGlobalsLabel, "Function IsAcrbVer5").Report(false);
 }
 

@@ -3,13 +3,13 @@
 #include <string>
 
 #include "frame/ClassFrame.h"
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 #include "host/Printing.h"
 #include "pipeline/PrintJobDriver.h"
 #include "platform/FileSystem.h"
 #include "printers/PrinterCatalogue.h"
 #include "printers/pdf/AcrobatSettings.h"
-#include "frame/Procedure.h"
 #include "services/OutputFileWaiting.h"
 
 namespace kestrivon {
@@ -23,9 +23,7 @@ AcrobatWriter::~AcrobatWriter() {
                         [this] { ShutdownDevice(); });
 }
 
-bool AcrobatWriter::InitPrnSettings() try {
-  return device_.IPrinter() != nullptr;
-} catch (...) {
+bool AcrobatWriter::InitPrnSettings() try { return device_.IPrinter() != nullptr; } catch (...) {
   return Procedure(kClassLabel, "IRevisionPrinter_InitPrnSettings").Report(false);
 }
 

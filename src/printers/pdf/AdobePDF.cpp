@@ -3,6 +3,7 @@
 #include <string>
 
 #include "frame/ClassFrame.h"
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 #include "host/Documents.h"
 #include "host/Workset.h"
@@ -10,7 +11,6 @@
 #include "platform/Shell.h"
 #include "printers/PrinterCatalogue.h"
 #include "printers/pdf/AcrobatSettings.h"
-#include "frame/Procedure.h"
 #include "services/MessageTexts.h"
 #include "services/OutputFileWaiting.h"
 #include "services/RegistrySettings.h"

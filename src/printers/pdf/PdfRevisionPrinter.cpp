@@ -1,12 +1,12 @@
 #include "printers/pdf/PdfRevisionPrinter.h"
 
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 #include "host/Documents.h"
 #include "pipeline/PdfMerging.h"
 #include "pipeline/PrintJobDriver.h"
 #include "platform/Processes.h"
 #include "printers/pdf/AcrobatSettings.h"
-#include "frame/Procedure.h"
 #include "services/OutputFileWaiting.h"
 
 namespace kestrivon {

@@ -2,10 +2,10 @@
 
 #include <vector>
 
+#include "frame/Procedure.h"
 #include "frame/trace/Trace.h"
 #include "platform/AnsiText.h"
 #include "platform/FileSystem.h"
-#include "frame/Procedure.h"
 #include "runtime/Text.h"
 #include "runtime/Variant.h"
 #include "runtime/VbStrings.h"
@@ -19,25 +19,15 @@ const std::string kLabel = labels::kDummy;
 // Form_Load: nothing to do beyond its handler.
 Dummy::Dummy() = default;
 
-bool Dummy::Finished() {
-  return finished_;
-}
+bool Dummy::Finished() { return finished_; }
 
-void Dummy::SetFinished(bool finished) {
-  finished_ = finished;
-}
+void Dummy::SetFinished(bool finished) { finished_ = finished; }
 
-bool Dummy::Aborted() {
-  return aborted_;
-}
+bool Dummy::Aborted() { return aborted_; }
 
-void Dummy::SetAborted(bool aborted) {
-  aborted_ = aborted;
-}
+void Dummy::SetAborted(bool aborted) { aborted_ = aborted; }
 
-std::string Dummy::ImageFileName() {
-  return imageFileName_;
-}
+std::string Dummy::ImageFileName() { return imageFileName_; }
 
 std::string Dummy::GetOutputFileByGrpFileName(const std::string& groupFile) try {
   const std::string prefix = kLabel + ".GetOutputFileByGrpFileName(): ";

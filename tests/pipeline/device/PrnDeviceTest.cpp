@@ -32,7 +32,7 @@ class Device : public ::testing::Test {
  protected:
   Device() {
     host.InstallHostClasses({.printerManager = [this] { return manager; },
-                      .uiPolicy = [this] { return ++policiesMade, policy; }});
+                             .uiPolicy = [this] { return ++policiesMade, policy; }});
     manager->printers = {pdf, std::make_shared<hp::PrinterObject>("Other")};
   }
   ~Device() override {
