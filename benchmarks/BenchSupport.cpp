@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
@@ -67,6 +68,22 @@ bool RunChild(const std::vector<std::string>& command, rusage* usage) {
     if (!read) return false;
   }
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+std::optional<int> RunEach(benchmark::State& state, const std::vector<std::string>& command) {
+  long peak = 0;
+  int runs = 0;
+  for (auto _ : state) {
+    rusage usage{};
+    if (!RunChild(command, &usage)) {
+      state.SkipWithError(("failed: " + command.front()).c_str());
+      return std::nullopt;
+    }
+    ++runs;
+    peak = std::max(peak, usage.ru_maxrss);
+  }
+  state.counters["peak_KiB"] = static_cast<double>(peak);
+  return runs;
 }
 
 std::string SelfPath() { return std::filesystem::read_symlink("/proc/self/exe").string(); }

@@ -121,10 +121,10 @@ bool AskForConfigDirectory(ITraceService* service) {
   return asked;
 }
 
-// Creating the host's trace facility by its ProgID and taking its "Printer"
-// source by name, as a HARP printer's creation does twice; then releasing
-// both. False when the host cannot.
-bool CreateTraceFacility() {
+// The host's trace facility made by its ProgID, its "Printer" source taken
+// by name and the facility released, as each HARP class makes its source;
+// source holds the source (or stays empty when the host cannot).
+bool MakePrinterSource(VARIANT* source) {
   CLSID clsid{};
   IDispatch* facility = nullptr;
   if (FAILED(::CLSIDFromProgID(L"Vemra.TraceFacility", &clsid)) ||
@@ -136,13 +136,20 @@ bool CreateTraceFacility() {
   ::VariantInit(&argument);
   argument.vt = VT_BSTR;
   argument.bstrVal = ::SysAllocString(L"Printer");
-  VARIANT source;
-  ::VariantInit(&source);
-  const bool made = Late(facility, L"TraceSource", &argument, 1, &source) &&
-                    source.vt == VT_DISPATCH && source.pdispVal != nullptr;
-  ::VariantClear(&source);
+  const bool made = Late(facility, L"TraceSource", &argument, 1, source) &&
+                    source->vt == VT_DISPATCH && source->pdispVal != nullptr;
   ::VariantClear(&argument);
   facility->Release();
+  return made;
+}
+
+// The source made and released again, as a HARP printer's creation does
+// twice.
+bool CreateTraceFacility() {
+  VARIANT source;
+  ::VariantInit(&source);
+  const bool made = MakePrinterSource(&source);
+  ::VariantClear(&source);
   return made;
 }
 
@@ -240,19 +247,9 @@ int HostCalls(const std::string& log, const std::vector<std::string>& progIds) {
     return 1;
   }
   // A "Printer" source to write to, made as the HARP classes make theirs.
-  IDispatch* facility = nullptr;
-  CLSID clsid{};
-  VARIANT name;
   VARIANT source;
-  ::VariantInit(&name);
   ::VariantInit(&source);
-  name.vt = VT_BSTR;
-  name.bstrVal = ::SysAllocString(L"Printer");
-  if (SUCCEEDED(::CLSIDFromProgID(L"Vemra.TraceFacility", &clsid)) &&
-      SUCCEEDED(::CoCreateInstance(clsid, nullptr, CLSCTX_SERVER, IID_IDispatch,
-                                   reinterpret_cast<void**>(&facility)))) {
-    Late(facility, L"TraceSource", &name, 1, &source);
-  }
+  MakePrinterSource(&source);
   const struct {
     const char* name;
     double time;
@@ -266,8 +263,6 @@ int HostCalls(const std::string& log, const std::vector<std::string>& progIds) {
        TimeCall([&source] { return source.vt == VT_DISPATCH && WriteToSource(source.pdispVal); })},
   };
   ::VariantClear(&source);
-  ::VariantClear(&name);
-  if (facility != nullptr) facility->Release();
   service->Release();
   int status = 0;
   for (const auto& call : calls) {

@@ -9,8 +9,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <optional>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>
 #include <qpdf/QPDFWriter.hh>
@@ -68,24 +66,6 @@ struct Inputs {
 const Inputs& Files() {
   static const Inputs inputs;
   return inputs;
-}
-
-// Runs the command once per iteration; the count of runs, and the
-// children's peak memory, or nothing when one failed.
-std::optional<int> RunEach(benchmark::State& state, const std::vector<std::string>& command) {
-  long peak = 0;
-  int runs = 0;
-  for (auto _ : state) {
-    rusage usage{};
-    if (!RunChild(command, &usage)) {
-      state.SkipWithError("the merge failed");
-      return std::nullopt;
-    }
-    ++runs;
-    peak = std::max(peak, usage.ru_maxrss);
-  }
-  state.counters["peak_KiB"] = static_cast<double>(peak);
-  return runs;
 }
 
 void Run(benchmark::State& state, const std::vector<std::string>& command) {

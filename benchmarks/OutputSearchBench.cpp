@@ -78,20 +78,6 @@ void OutputSearch(benchmark::State& state) {
   }
 }
 
-// Each iteration one child process; its peak memory (ru_maxrss) beside.
-void TimeChildren(benchmark::State& state, const std::vector<std::string>& command) {
-  long peak = 0;
-  for (auto _ : state) {
-    rusage usage{};
-    if (!RunChild(command, &usage)) {
-      state.SkipWithError(("failed: " + command.front()).c_str());
-      return;
-    }
-    peak = std::max(peak, usage.ru_maxrss);
-  }
-  state.counters["peak_KiB"] = static_cast<double>(peak);
-}
-
 // The search program is built beside this one.
 std::string SearchProgram() {
   return (std::filesystem::path(SelfPath()).parent_path() / "output_search_run").string();
@@ -100,12 +86,12 @@ std::string SearchProgram() {
 void OutputSearchWhole(benchmark::State& state) {
   const SearchFolder& folder = Folder(state.range(0));
   const std::string log = (ScratchFolder() / "vemra-trace.log").string();
-  TimeChildren(state, {SearchProgram(), folder.folder, kOutput, log});
+  RunEach(state, {SearchProgram(), folder.folder, kOutput, log});
 }
 
 void FindNewer(benchmark::State& state) {
   const SearchFolder& folder = Folder(state.range(0));
-  TimeChildren(state, {"find", folder.scratch.string(), "-newer", folder.lock});
+  RunEach(state, {"find", folder.scratch.string(), "-newer", folder.lock});
 }
 
 // The least a search must do per file, as FindFirstFileA's entries bring

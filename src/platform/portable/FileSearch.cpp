@@ -20,11 +20,6 @@ namespace {
 
 constexpr uint32_t kFileAttributeArchive = 0x20;
 
-// A search holds the matching names only, in one buffer, in the order it
-// gives them; each entry is described when FindNextEntry hands it out, as
-// Windows reads a folder as it goes. A folder of a million files costs its
-// names, not a million descriptions. Each name is kept as its order key
-// (lower case), then the name itself when it differs from the key.
 // An entry's place in the search's order: eight bytes of its key, most
 // significant first, from the depth being sorted on, and where it starts.
 // The order is sorted on the chunks alone, so that comparing two names does
@@ -35,6 +30,11 @@ struct Entry {
   uint32_t start;
 };
 
+// A search holds the matching names only, in one buffer, in the order it
+// gives them; each entry is described when FindNextEntry hands it out, as
+// Windows reads a folder as it goes. A folder of a million files costs its
+// names, not a million descriptions. Each name is kept as its order key
+// (lower case), then the name itself when it differs from the key.
 struct Search {
   DIR* folder = nullptr;
   EntryDetail detail = EntryDetail::kFull;
